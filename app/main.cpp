@@ -1,0 +1,25 @@
+#include <QApplication>
+#include <QStyleFactory>
+
+#include "app/mdlMain.h"
+#include "platform/host.h"
+#include "platform/prompts.h"
+#include "platform/windowStation.h"
+#include "ui/messageBoxes.h"
+
+int main(int argc, char** argv) {
+    platform::program::setCommandLine(argc, argv);
+    QApplication application(argc, argv);
+    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    QApplication::setQuitOnLastWindowClosed(false);
+    ui::MessageBoxes boxes;
+    platform::setPrompts(&boxes);
+    platform::WindowStation station(platform::program::name());
+
+    mdlMain::Main(station);
+
+    // The last window's closing ends the run, but not the closing of a box during start-up.
+    QApplication::setQuitOnLastWindowClosed(true);
+    const int exitCode = QApplication::exec();
+    platform::program::end(exitCode);
+}

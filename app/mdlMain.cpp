@@ -1,0 +1,161 @@
+#include "app/mdlMain.h"
+
+#include <QObject>
+#include <QSocketNotifier>
+
+#include "core/RegistryAPI.h"
+#include "core/classLog.h"
+#include "core/mdlHTMLHelp.h"
+#include "core/mdlVerInfo.h"
+#include "core/modLocalize.h"
+#include "core/procedure.h"
+#include "core/state.h"
+#include "database/addressDetails.h"
+#include "database/events.h"
+#include "database/lifecycle.h"
+#include "database/settings.h"
+#include "platform/clock.h"
+#include "platform/host.h"
+#include "platform/prompts.h"
+#include "server/mdlCorvane.h"
+#include "server/mdlCorvaneDatabase.h"
+#include "server/serviceControl.h"
+#include "server/serviceInstallation.h"
+#include "ui/frmMain.h"
+#include "ui/widgets/keyedTree.h"
+
+using modLocalize::myLoadResString;
+using platform::BoxIcon;
+using namespace core;
+
+namespace mdlMain {
+
+namespace {
+
+constexpr char module[] = "mdlMain";
+
+[[noreturn]] void refuse(const std::string& text, const std::string& title) {
+    platform::prompts().messageBox({text, title, BoxIcon::critical});
+    platform::program::end(1);
+}
+
+// The console runs on a Corvane server of version 3.1(1) or later, and nowhere else.
+void checkEnvironment() {
+    if (gCorvaneVersion.major == 0)
+        refuse(mdlVerInfo::productName() + myLoadResString(1252),
+               mdlVerInfo::productName() + myLoadResString(1253));
+    if (!mdlCorvane::isVersionAtLeast(3, 1, 1, 0))
+        refuse(mdlVerInfo::productName() + myLoadResString(1254) + "\n" + myLoadResString(1255) +
+                   gCorvaneVersion.text,
+               mdlVerInfo::productName() + myLoadResString(1256));
+}
+
+// Brings the main window back to the front when a second start asks for it.
+void answerOtherInstances(platform::WindowStation& station) {
+    if (station.descriptor() < 0)
+        return;
+    station.setActions({[] {
+                            if (gMainWindow && gMainWindow->isMinimized())
+                                gMainWindow->showNormal();
+                        },
+                        [] {
+                            if (!gMainWindow)
+                                return;
+                            gMainWindow->raise();
+                            gMainWindow->activateWindow();
+                        }});
+    auto* requests = new QSocketNotifier(station.descriptor(), QSocketNotifier::Read, gMainWindow);
+    QObject::connect(requests, &QSocketNotifier::activated, gMainWindow, [&station] { station.serve(); });
+}
+
+void createMainWindow(platform::WindowStation& station) {
+    auto* window = new frmMain;
+    window->setAttribute(Qt::WA_DeleteOnClose, false);
+    QObject::connect(window, &frmMain::finalExitRequested, window, &myFinalExit);
+    answerOtherInstances(station);
+}
+
+}  // namespace
+
+void Main(platform::WindowStation& station) {
+    procedure(module, "Main", [&](Frame& frame) {
+        frame.step([&] {
+            if (station.earlierInstance())
+                activatePrevInstance(station);
+        });
+        frame.steps({[&] { gViewsSupported = false; }, [&] { gCorvaneVersion = mdlCorvane::getVersion(); },
+                     [&] { gCorvaneFourOrLater = gCorvaneVersion.major >= 4; }, [&] { checkEnvironment(); },
+                     [&] { checkSupportNotificationDevices(); }, [&] { modLocalize::InitalizeLanguages(); },
+                     [&] { gProductName = myLoadResString(1205); }, [&] { mdlUtility::removeKTNShortcuts(); },
+                     [&] { mdlDatabase::openDatabase(); }, [&] { mdlDatabase::upgradeDatabase(); }});
+        bool installed = false;
+        frame.step([&] { installed = mdlUtility::installQLNService(); });
+        if (!installed)
+            refuse(myLoadResString(1191), myLoadResString(1192));
+        frame.steps({[&] { mdlCorvaneDatabase::openCorvaneDB(gCorvaneDb); },
+                     [&] { gIgnoreEventKey = mdlDatabase::getIgnoreEventKey(); },
+                     [&] { gViewsSupported = mdlCorvaneDatabase::determineViewsSupport(gCorvaneDb); },
+                     [&] { mdlDatabase::rebuildAddressDetailsTable(); },
+                     [&] { mdlDatabase::makeInitialDatabaseChanges(); }, [&] { createMainWindow(station); },
+                     [&] { gMainWindow->loadNavigationTree(); },
+                     [&] { gMainWindow->selectNode(gMainWindow->nodeAt(1)); },
+                     [&] { gMainWindow->tvNavigation->scrollFullyLeft(); }, [&] { gMainWindow->show(); }});
+        bool running = false;
+        frame.step([&] { running = mdlUtility::isServiceRunning(serviceKeyName); });
+        if (!running)
+            platform::prompts().messageBox(
+                {myLoadResString(1223), myLoadResString(1224), BoxIcon::exclamation});
+    });
+}
+
+void myFinalExit() {
+    procedure(module, "myFinalExit", [&](Frame& frame) {
+        bool copied = false;
+        frame.step([&] { copied = mdlDatabase::copyDatabase(); });
+        if (!copied)
+            gLog().log("Failed to make backup copy of QLNDB.MDB, make sure QLNDB_BKP.MDB is not read-only.",
+                       logError, frame.tag());
+        frame.step([&] { mdlHTMLHelp::closeHelpWindow(); });
+        platform::program::end(0);
+    });
+    platform::program::end(0);
+}
+
+void checkSupportNotificationDevices() {
+    procedure(module, "checkSupportNotificationDevices", [&](Frame& frame) {
+        using namespace RegistryAPI;
+        constexpr char snmpKey[] = "SYSTEM\\CurrentControlSet\\Services\\SNMP\\Parameters\\ExtensionAgents";
+        constexpr char nodeManagerKey[] = "SOFTWARE\\Tessaly\\TsHubNodeMgr\\1.0";
+        gPagerSupported = false;  // cleared and never set: pagers are hidden in this release; it stays so
+        gSnmpSupported = false;
+        frame.step([&] {
+            if (registryKeyExists(HKEY_LOCAL_MACHINE, snmpKey))
+                gSnmpSupported = !getRegistryString(HKEY_LOCAL_MACHINE, snmpKey, "MeridaneCorvane").empty();
+        });
+        gFailoverSupported = false;
+        frame.step([&] {
+            if (registryKeyExists(HKEY_LOCAL_MACHINE, nodeManagerKey))
+                gFailoverSupported = getRegistryDword(HKEY_LOCAL_MACHINE, nodeManagerKey, "Primary") != 0;
+        });
+    });
+}
+
+void activatePrevInstance(platform::WindowStation& station) {
+    procedure(module, "activatePrevInstance", [&](Frame& frame) {
+        const std::string title = platform::program::title();
+        // So that the search cannot find this very process; without an earlier window it stays so.
+        platform::program::setTitle("unwanted instance");
+        platform::WindowHandle window = 0;
+        for (const char* className : {"ThunderRTMain", "ThunderRT5Main", "ThunderRT6Main"})
+            if (window == 0)
+                frame.step([&] { window = platform::findWindow(station, className, title); });
+        if (window == 0)
+            return;
+        frame.steps({[&] { window = platform::windowBefore(station, window); },
+                     [&] { platform::openIcon(station, window); },
+                     [&] { platform::setForegroundWindow(station, window); }});
+        platform::program::end(0);
+    });
+}
+
+}  // namespace mdlMain

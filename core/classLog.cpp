@@ -1,0 +1,354 @@
+#include "core/classLog.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <memory>
+
+#include "core/mdlVerInfo.h"
+#include "platform/ado.h"
+#include "platform/clock.h"
+#include "platform/debugger.h"
+#include "platform/failure.h"
+#include "platform/files.h"
+#include "platform/host.h"
+
+namespace core {
+
+namespace {
+
+constexpr int fullVerbosity = 2;
+constexpr std::array<std::string_view, 4> levelNames{"Info", "Warning", "ERROR", "VerInfo"};
+constexpr std::size_t levelWidth = 7;
+constexpr std::size_t tagWidth = 45;
+constexpr std::size_t emptyTagLength = 20;
+constexpr std::size_t headerWidth = 120;
+constexpr std::size_t rulerWidth = 80;
+constexpr std::size_t modulePathLimit = 255;
+constexpr int debugAttempts = 10;
+constexpr char checkTag[] = "[classLog]checkSizeOfLogs";
+
+// snprintf into a string; the formats here never give more than the buffer holds.
+template <class... Values>
+std::string printed(const char* format, Values... values) {
+    std::array<char, 400> buffer{};
+    std::snprintf(buffer.data(), buffer.size(), format, values...);
+    return buffer.data();
+}
+
+std::string rightAligned(std::string_view text, std::size_t width) {
+    return std::string(text.size() < width ? width - text.size() : 0, ' ').append(text);
+}
+
+std::string leftAligned(std::string_view text, std::size_t width) {
+    std::string result(text);
+    result.resize(std::max(width, text.size()), ' ');
+    return result;
+}
+
+// The longest beginning that can be written: up to the first byte that belongs to no character.
+std::string_view writablePart(std::string_view text) {
+    constexpr std::size_t longestCharacter = 4;
+    std::size_t end = 0;
+    while (end < text.size()) {
+        std::size_t length = 1;
+        while (length <= longestCharacter && !platform::isValidUtf8(text.substr(end, length)))
+            ++length;
+        if (length > longestCharacter)
+            break;
+        end += length;
+    }
+    return text.substr(0, end);
+}
+
+// "###,###": thousands separated, nothing at all for 0.
+std::string groupedNumber(double value) {
+    const long long rounded = std::llround(value);
+    if (rounded == 0)
+        return {};
+    std::string digits = std::to_string(rounded);
+    for (std::size_t i = digits.size(); i > 3; i -= 3)
+        digits.insert(i - 3, ",");
+    return digits;
+}
+
+// "##0.#": at most one decimal; the point stays even when no decimal follows it.
+std::string oneDecimal(double value) {
+    std::string text = printed("%.1f", static_cast<double>(std::llround(value * 10)) / 10);
+    if (text.back() == '0')
+        text.pop_back();
+    return text;
+}
+
+// "###0.0#####": one to six decimals.
+std::string elapsedTime(float seconds) {
+    std::string text = printed("%.6f", static_cast<double>(seconds));
+    while (text.back() == '0' && text[text.size() - 2] != '.')
+        text.pop_back();
+    return text == "-0.0" ? "0.0" : text;
+}
+
+std::string timerText(float seconds) {
+    return printed("%.7g", static_cast<double>(seconds));
+}
+
+std::string instanceKey(std::string_view tag, long instance) {
+    return std::string(tag) + "_" + std::to_string(instance);
+}
+
+float timer() {
+    return static_cast<float>(platform::secondsSinceMidnight());
+}
+
+platform::LocalTime present() {
+    return platform::localTime(platform::clock().now());
+}
+
+std::string failureText(const std::exception& error) {
+    const auto* failure = dynamic_cast<const platform::Failure*>(&error);
+    const long number = failure ? failure->number() : static_cast<long>(platform::invalidProcedureCall);
+    return "Err.Number = " + std::to_string(number) + " Err.Description = " + error.what();
+}
+
+std::unique_ptr<classLog>& presentLog() {
+    static std::unique_ptr<classLog> log;
+    return log;
+}
+
+}  // namespace
+
+int logRetentionDays(std::uint64_t freeBytes) {
+    if (freeBytes > 500'000'000)
+        return 30;
+    return freeBytes < 100'000'000 ? 10 : 14;
+}
+
+classLog::classLog(std::filesystem::path directory) : logDirectory_(std::move(directory)) {
+    strLogFile_ = makeLogFileName();
+    std::string commandLine = platform::program::commandLine();
+    for (char& c : commandLine)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    debugOutput_ = commandLine.find("debug") != std::string::npos;
+    checkSizeOfLogs();
+}
+
+std::string classLog::makeLogFileName() {
+    if (logDirectory_.empty())
+        logDirectory_ = platform::program::folder() / "LOGS";
+    if (!platform::files::folderExists(logDirectory_)) {
+        try {
+            platform::files::createFolder(logDirectory_);
+        } catch (const platform::Failure&) {
+            // Nothing can be written about it without the folder; the first entry fails at the same place.
+        }
+    }
+    const platform::LocalTime now = present();
+    const std::string moment =
+        printed("%04d%02d%02d_%02d%02d%02d", now.year, now.month, now.day, now.hour, now.minute, now.second);
+    return (logDirectory_ / (platform::program::name() + "_" + moment + ".LOG")).string();
+}
+
+void classLog::log(std::string_view text, long level, std::string_view tag) {
+    if (debugOutput_)
+        platform::outputDebugString(platform::program::name() + ":(" + std::string(tag) + ") " +
+                                    std::string(text));
+    const bool always = level == logWarning || level == logError;
+    if (always || (level == logVersionInfo && logLevel_ == fullVerbosity) ||
+        (level == logInfo && logLevel_ >= fullVerbosity))
+        logToFile(text, level, tag);
+}
+
+// Runs a statement of the log's own. Its failure is logged and goes no further; inside the development host
+// the statement is tried again, as often as a procedure would.
+template <class Action>
+void classLog::attempt(std::string_view tag, Action&& action) {
+    for (int tries = 0; tries < debugAttempts; ++tries) {
+        try {
+            action();
+            return;
+        } catch (const std::exception& error) {
+            // A log that cannot be written cannot say so either.
+            if (loggingOwnFailure_)
+                return;
+            logOwnFailure(error, tag);
+            if (!DebugMode())
+                return;
+        }
+    }
+}
+
+void classLog::logOwnFailure(const std::exception& error, std::string_view tag) {
+    loggingOwnFailure_ = true;
+    log(failureText(error), logError, tag);
+    loggingOwnFailure_ = false;
+}
+
+void classLog::logToFile(std::string_view text, long level, std::string_view tag) {
+    attempt("logToFile", [&] {
+        // Never opened, or gone.
+        if (!logStream_.isOpen()) {
+            openLogFile();
+            writeHeader();
+        }
+        writeEntry(text, level, tag);
+    });
+}
+
+void classLog::openLogFile() {
+    logStream_.open(strLogFile_);
+}
+
+void classLog::writeHeader() {
+    const std::string ruler(headerWidth, '*');
+    const mdlVerInfo::ProgramVersion version = mdlVerInfo::programVersion();
+    logStream_.write("\n" + ruler + "\n");
+    logStream_.write(platform::program::name() + " Version: " + std::to_string(version.major) + "." +
+                     std::to_string(version.minor) + "." + std::to_string(version.revision) +
+                     "   Started: " + platform::defaultForm(present()) + "\n");
+    logStream_.write(ruler + "\n");
+}
+
+void classLog::writeEntry(std::string_view text, long level, std::string_view tag) {
+    const platform::LocalTime now = present();
+    const std::string shownTag =
+        tag.empty() ? std::string(emptyTagLength, ' ') : std::string(tag.substr(0, tagWidth));
+    const std::string beginning = printed("%02d:%02d:%02d ", now.hour, now.minute, now.second) +
+                                  rightAligned(levelNames.at(static_cast<std::size_t>(level)), levelWidth) +
+                                  ":(" + rightAligned(shownTag, tagWidth) + ") " + indent_;
+    const auto write = [&](std::string_view shown) {
+        logStream_.write(beginning + std::string(shown) + "\n");
+    };
+    try {
+        write(text);
+    } catch (const platform::Failure& failure) {
+        if (failure.number() != platform::invalidProcedureCall)
+            throw;
+        write(writablePart(text));
+    }
+}
+
+void classLog::setCallDepth(long depth) {
+    callDepth_ = std::max(0L, depth);
+    indent_.assign(static_cast<std::size_t>(callDepth_) * 2, ' ');
+}
+
+// The lowest instance number that is free. A procedure that runs inside itself gets the next one.
+long classLog::openInstances(std::string_view tag) const {
+    long instance = 0;
+    while (timers_.contains(instanceKey(tag, instance)))
+        ++instance;
+    return instance;
+}
+
+void classLog::enterProc(std::string_view tag) {
+    attempt("enterProc", [&] {
+        const float start = timer();
+        const std::string key = instanceKey(tag, openInstances(tag));
+        timers_.emplace(key, start);
+        log("Entering " + key, logInfo, tag);
+        setCallDepth(callDepth_ + 1);
+    });
+}
+
+void classLog::exitProc(std::string_view tag) {
+    const std::string key = instanceKey(tag, openInstances(tag) - 1);
+    const float end = timer();
+    setCallDepth(callDepth_ - 1);
+    std::string text = "Exiting  " + key;
+    if (const auto open = timers_.find(key); open != timers_.end()) {
+        const float start = open->second;
+        // A call that crosses midnight shows a negative time; it stays so.
+        text += " Start: " + timerText(start) + " End: " + timerText(end) +
+                " - Elapsed: " + elapsedTime(end - start);
+        timers_.erase(open);
+    }
+    log(text, logInfo, tag);
+}
+
+bool classLog::DebugMode() const {
+    std::string ending = platform::program::file().string().substr(0, modulePathLimit);
+    ending.erase(0, ending.size() - std::min<std::size_t>(7, ending.size()));
+    for (char& c : ending)
+        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    return ending == "IDE.EXE";
+}
+
+void classLog::checkSizeOfLogs() {
+    constexpr double million = 1'000'000;
+    platform::files::DiskSpace space{};
+    attempt(checkTag, [&] { space = platform::files::diskSpace(logDirectory_); });
+    const auto cutOff = platform::clock().now() - std::chrono::days(logRetentionDays(space.freeBytes));
+
+    std::vector<platform::files::Entry> files;
+    attempt(checkTag, [&] {
+        files = platform::files::listFiles(logDirectory_);
+        std::uint64_t size = 0;
+        for (const auto& file : files)
+            size += file.size;
+        log("Removing logs older than " + platform::defaultForm(platform::localTime(cutOff)) +
+                " - Log Directory Size: " + oneDecimal(static_cast<double>(size) / million) + " MB   " +
+                groupedNumber(static_cast<double>(space.freeBytes) / million) + " MB Free   " +
+                groupedNumber(static_cast<double>(space.totalBytes) / million) + " MB Total ",
+            logInfo, checkTag);
+    });
+    for (const auto& file : files) {
+        if (file.name.find("LOG") == std::string::npos || file.modified >= cutOff)
+            continue;
+        // Without force: a log that somebody made read-only is to stay.
+        attempt(checkTag, [&] { platform::files::deleteFile(logDirectory_ / file.name); });
+    }
+}
+
+void classLog::closeLog() {
+    logStream_.close();
+    strLogFile_ = makeLogFileName();
+}
+
+void classLog::dumpRecordsets(platform::Recordset& recordset, std::string_view tag) {
+    if (recordset.state() == platform::ObjectState::closed || (recordset.BOF_() && recordset.EOF_()))
+        return;
+    recordset.moveFirst();
+    log(std::string(rulerWidth, '*'), logVersionInfo, tag);
+    log("Object Recordset Dump", logVersionInfo, tag);
+    log(std::string(rulerWidth, '*'), logVersionInfo, tag);
+    for (; !recordset.EOF_(); recordset.moveNext()) {
+        for (std::size_t i = 0; i < recordset.fieldCount(); ++i) {
+            const std::string& name = recordset.fieldName(i);
+            log(leftAligned(name, 32) + "    " + platform::valueText(recordset.value(name)), logVersionInfo,
+                tag);
+        }
+        log(std::string(rulerWidth, '-'), logVersionInfo, tag);
+    }
+    recordset.moveFirst();
+}
+
+void classLog::dumpDictionary(const Dictionary& dictionary, std::string_view tag) {
+    log("Dumping dictionary...", logInfo, tag);
+    for (const auto& [key, item] : dictionary)
+        log(rightAligned(key, 53) + "    " + item.value_or("Dictionary..."), logInfo, tag);
+}
+
+void classLog::dumpCommandObject(std::string_view commandText, const Dictionary& parameters,
+                                 std::string_view tag) {
+    const std::string ruler(rulerWidth, '*');
+    log(ruler, logVersionInfo, tag);
+    log("Command Object Dump: " + std::string(commandText), logVersionInfo, tag);
+    log(ruler, logVersionInfo, tag);
+    for (const auto& [name, value] : parameters)
+        log(leftAligned(name, 31) + "    " + value.value_or(""), logVersionInfo, tag);
+    log(ruler, logVersionInfo, tag);
+}
+
+classLog& gLog() {
+    if (!presentLog())
+        presentLog() = std::make_unique<classLog>();
+    return *presentLog();
+}
+
+void resetLog() {
+    presentLog().reset();
+}
+
+}  // namespace core

@@ -1,0 +1,102 @@
+// The frame around nearly every procedure of the console: it traces the call in the log, and decides what
+// a failure does. A failing step is logged and the next one runs; the eleventh failure of one call abandons
+// the call. A failure never crosses a frame.
+#pragma once
+
+#include <exception>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <source_location>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "platform/failure.h"
+
+namespace core {
+
+// One statement of a body that can fail on its own, with the line it stands on. It refers to the callable
+// and must not outlive it.
+class Step {
+  public:
+    template <class Action>
+    requires(!std::is_same_v<std::remove_cvref_t<Action>, Step>)
+        Step(Action&& action, std::source_location where = std::source_location::current())
+        : object_(const_cast<void*>(static_cast<const void*>(std::addressof(action)))),
+          call_([](void* object) { (*static_cast<std::remove_reference_t<Action>*>(object))(); }),
+          line_(where.line()) {}
+
+    void operator()() const { call_(object_); }
+    unsigned line() const noexcept { return line_; }
+
+  private:
+    void* object_;
+    void (*call_)(void*);
+    unsigned line_;
+};
+
+class Frame {
+  public:
+    Frame(std::string_view module, std::string_view name);
+    Frame(const Frame&) = delete;
+    Frame& operator=(const Frame&) = delete;
+
+    // "[module]procedure", the tag of the procedure's log lines.
+    const std::string& tag() const noexcept { return tag_; }
+
+    // Runs one step. A failure is counted and logged, or handled by a case of its own; then the caller's
+    // next statement runs. Returns false when the step failed.
+    bool step(Step action);
+    // Runs several steps in a row.
+    void steps(std::initializer_list<Step> actions);
+    // States what this procedure does on a failure of that number instead of the log line.
+    void on(long number, std::function<void(const platform::Failure&)> action);
+
+  private:
+    template <class Result, class Body>
+    friend Result procedure(std::string_view, std::string_view, Result, Body&&);
+
+    struct Abandoned {};  // thrown at the eleventh failure, caught by procedure()
+
+    void enter() const;
+    void exit() const;
+    // Counts and answers a failure; true when the failing statement shall run again.
+    bool fail(const platform::Failure& failure, unsigned line);
+
+    std::string tag_;
+    int errorCount_ = 0;
+    std::vector<std::pair<long, std::function<void(const platform::Failure&)>>> cases_;
+};
+
+// Runs `body(frame, result)` in a frame and returns what the result held at its end, also when the body
+// returned early or was abandoned.
+template <class Result, class Body>
+Result procedure(std::string_view module, std::string_view name, Result initial, Body&& body) {
+    Frame frame(module, name);
+    Result result = std::move(initial);
+    frame.enter();
+    try {
+        try {
+            body(frame, result);
+        } catch (const platform::Failure& failure) {
+            frame.fail(failure, 0);
+        } catch (const std::exception& error) {
+            frame.fail(platform::Failure(platform::invalidProcedureCall, error.what()), 0);
+        }
+    } catch (const Frame::Abandoned&) {
+        return result;
+    }
+    frame.exit();
+    return result;
+}
+
+// The same for a procedure without a result.
+template <class Body>
+void procedure(std::string_view module, std::string_view name, Body&& body) {
+    procedure(module, name, 0, [&](Frame& frame, int&) { body(frame); });
+}
+
+}  // namespace core

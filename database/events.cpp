@@ -1,0 +1,257 @@
+#include "database/events.h"
+
+#include "core/classLog.h"
+#include "core/modLocalize.h"
+#include "core/procedure.h"
+#include "database/openRecordset.h"
+#include "database/settings.h"
+#include "platform/prompts.h"
+
+using core::Frame;
+using core::gLog;
+using modLocalize::myLoadResString;
+using platform::BoxAnswer;
+using platform::BoxButtons;
+using platform::BoxIcon;
+using platform::Null;
+using platform::Recordset;
+using platform::Value;
+
+namespace mdlDatabase {
+
+namespace {
+
+constexpr char module[] = "mdlDatabase";
+
+enum ContentType : long { voiceContent = 1, emailContent = 3 };
+
+Value boolean(bool value) {
+    return std::int64_t{value ? -1 : 0};
+}
+
+std::string eventQuery(std::string_view columns, long eventKey) {
+    return "SELECT " + std::string(columns) + " FROM Events WHERE EventKey = " + std::to_string(eventKey);
+}
+
+// Asks whether a second event of this source and id shall be created.
+bool wantsDuplicate(const NewEvent& event) {
+    const std::string text = myLoadResString(1187) + "\n" + myLoadResString(1179) + event.eventSource +
+                             myLoadResString(1188) + event.eventId + "\n\n" + myLoadResString(1189);
+    return platform::prompts().messageBox(
+               {text, myLoadResString(1190), BoxIcon::question, BoxButtons::yesNo}) == BoxAnswer::yes;
+}
+
+// Sets the fields of one content row that its type has, in their order.
+void setContentFields(Frame& frame, Recordset& row, ContentType type, const EventContent& content) {
+    frame.step([&] { row.set("ContentType", std::int64_t{type}); });
+    if (type == voiceContent)
+        frame.step([&] { row.set("ContentAttachment", content.contentAttachment); });
+    const long priority = type == voiceContent ? content.voicePriority : content.emailPriority;
+    frame.steps({[&] { row.set("ContentPriority", std::int64_t{priority}); },
+                 [&] { row.set("ContentSubject", content.contentSubject); },
+                 [&] { row.set("ContentNote", content.contentNote); }});
+}
+
+// Writes one content row of an event, adding it where there is none.
+void writeContent(Frame& frame, long eventKey, ContentType type, const EventContent& content) {
+    Recordset row;
+    bool added = false;
+    frame.steps({[&] {
+                     row = openForEditing(
+                         "SELECT * FROM Contents WHERE EventKey = " + std::to_string(eventKey) +
+                         " AND ContentType = " + std::to_string(type));
+                 },
+                 [&] {
+                     if (row.EOF_()) {
+                         row.addNew();
+                         added = true;
+                     }
+                 }});
+    setContentFields(frame, row, type, content);
+    if (added)
+        frame.step([&] { row.set("EventKey", std::int64_t{eventKey}); });
+    frame.steps({[&] { row.update(); }, [&] { row.close(); }});
+}
+
+}  // namespace
+
+Recordset getEvent(long eventKey) {
+    return queryProcedure("getEvent", eventQuery("*", eventKey));
+}
+
+Recordset getContentsForEvent(long eventKey) {
+    return queryProcedure("getContentsForEvent",
+                          "SELECT * FROM Contents WHERE EventKey = " + std::to_string(eventKey));
+}
+
+Recordset getEvents() {
+    return queryProcedure(
+        "getEvents",
+        "SELECT * FROM Events WHERE EventTitle <> '$$IGNORE' ORDER BY EventCollection, EventSource");
+}
+
+long addNewEvent(const NewEvent& event) {
+    return core::procedure(module, "addNewEvent", 0L, [&](Frame& frame, long& result) {
+        if (getConfigurationSetting("WarnOnDuplicateMonitoredEvents") == "-1") {
+            const long existing = findEvent(event.eventSource, event.eventId);
+            if (existing != -1 && !wantsDuplicate(event)) {
+                result = existing;
+                return;
+            }
+        }
+        Recordset events;
+        // Inactive, so that the service stays away until contents and devices are there.
+        frame.steps({[&] { events = openForWriting("SELECT * FROM Events"); }, [&] { events.addNew(); },
+                     [&] { events.set("EventSource", event.eventSource); },
+                     [&] { events.set("EventId", event.eventId); },
+                     [&] { events.set("EventTitle", event.eventTitle); },
+                     [&] { events.set("EventType", std::int64_t{event.eventType}); },
+                     [&] { events.set("EventActive", boolean(false)); }});
+        const bool written = frame.step([&] { events.update(); });
+        frame.step([&] { events.close(); });
+        // The highest key is this event's only if this event was written.
+        if (!written)
+            return;
+        long key = 0;
+        frame.step([&] { key = getLastKey("Events", "EventKey"); });
+        Recordset contents;
+        frame.step([&] { contents = openForWriting("SELECT * FROM Contents"); });
+        for (const ContentType type : {voiceContent, emailContent}) {
+            frame.step([&] { contents.addNew(); });
+            setContentFields(frame, contents, type, event.content);
+            frame.steps({[&] { contents.set("EventKey", std::int64_t{key}); }, [&] { contents.update(); }});
+        }
+        frame.step([&] { contents.close(); });
+        result = key;
+    });
+}
+
+void modifyEvent(const ModifiedEvent& event) {
+    core::procedure(module, "modifyEvent", [&](Frame& frame) {
+        Recordset row;
+        bool found = false;
+        frame.steps(
+            {[&] { row = openForEditing(eventQuery("*", event.eventKey)); }, [&] { found = !row.EOF_(); }});
+        if (found)
+            frame.steps({[&] { row.set("EventSource", event.eventSource); },
+                         [&] { row.set("EventId", event.eventId); },
+                         [&] { row.set("EventActive", boolean(event.eventActive)); },
+                         [&] { row.set("EventTitle", event.eventTitle); },
+                         [&] { row.set("EventType", std::int64_t{event.eventType}); },
+                         [&] { row.set("EventLastNotification", Null{}); }, [&] { row.update(); }});
+        frame.step([&] { row.close(); });
+        writeContent(frame, event.eventKey, voiceContent, event.content);
+        writeContent(frame, event.eventKey, emailContent, event.content);
+    });
+}
+
+bool deleteEvent(long eventKey, std::string_view eventName) {
+    return core::procedure(module, "deleteEvent", false, [&](Frame& frame, bool& deleted) {
+        Recordset row;
+        bool catchAll = false;
+        frame.steps({[&] { row = openForReading(eventQuery("*", eventKey)); },
+                     [&] { catchAll = !row.EOF_() && row.boolean("EventCollection"); }});
+        if (catchAll) {
+            platform::prompts().messageBox(
+                {myLoadResString(1248), myLoadResString(1249), BoxIcon::information});
+            return;
+        }
+        const std::string name(eventName);
+        if (platform::prompts().messageBox({myLoadResString(1246) + name, myLoadResString(1247),
+                                            BoxIcon::question, BoxButtons::yesNo}) != BoxAnswer::yes)
+            return;
+        const std::string key = std::to_string(eventKey);
+        gLog().log("Deleting event: " + name + " Key: " + key, core::logInfo, frame.tag());
+        // Dependents first: a delete that stops half way leaves an event that the service cannot act on.
+        frame.steps(
+            {[&] {
+                 if (row.state() == platform::ObjectState::open)
+                     row.close();
+             },
+             [&] { platform::execute("DELETE FROM Contents WHERE EventKey = " + key, core::gDatabase); },
+             [&] { platform::execute("DELETE FROM EventDevice WHERE EventKey = " + key, core::gDatabase); },
+             [&] { platform::execute("DELETE FROM Events WHERE EventKey = " + key, core::gDatabase); }});
+        deleted = true;
+    });
+}
+
+void setEventActiveState(long eventKey, bool active) {
+    core::procedure(module, "setEventActiveState", [&](Frame& frame) {
+        Recordset row;
+        frame.steps({[&] {
+                         row = openForEditing(
+                             eventQuery("EventKey, EventActive, EventLastNotification", eventKey));
+                     },
+                     [&] { row.set("EventActive", boolean(active)); },
+                     [&] {
+                         if (active)
+                             row.set("EventLastNotification", Null{});
+                     },
+                     [&] { row.update(); }, [&] { row.close(); }});
+    });
+}
+
+bool isEventActive(long eventKey) {
+    return core::procedure(module, "isEventActive", false, [&](Frame& frame, bool& active) {
+        Recordset row;
+        frame.steps({[&] { row = openForReading(eventQuery("EventActive", eventKey)); },
+                     [&] {
+                         if (row.EOF_())
+                             throw rowNotFound("Event", "EventKey", eventKey, "isEventActive");
+                         active = row.boolean("EventActive");
+                     },
+                     [&] { row.close(); }});
+    });
+}
+
+long findEvent(std::string_view eventSource, std::string_view eventId) {
+    return core::procedure(module, "findEvent", -1L, [&](Frame& frame, long& key) {
+        Recordset rows;
+        // The source goes in as it is; one with an apostrophe makes the statement fail; it stays so.
+        frame.steps({[&] {
+                         rows = openForReading("SELECT EventKey FROM Events WHERE EventSource = '" +
+                                               std::string(eventSource) +
+                                               "' AND EventId = " + std::string(eventId));
+                     },
+                     [&] {
+                         if (rows.recordCount() >= 1)
+                             key = rows.number("EventKey");
+                     },
+                     [&] { rows.close(); }});
+    });
+}
+
+long getIgnoreEventKey() {
+    return core::procedure(module, "getIgnoreEventKey", -1L, [&](Frame& frame, long& key) {
+        Recordset rows;
+        frame.steps(
+            {[&] { rows = openForReading("SELECT EventKey FROM Events WHERE EventTitle = '$$IGNORE'"); },
+             [&] {
+                 if (!rows.EOF_())
+                     key = rows.number("EventKey");
+             },
+             [&] { rows.close(); }});
+    });
+}
+
+long mapEventType(long number, bool toIndex) {
+    if (toIndex)
+        return number == 2 ? 1 : number == 4 ? 2 : 0;
+    return number == 0 ? 1 : number == 1 ? 2 : number == 2 ? 4 : 0;
+}
+
+void setDefaultContentForEvent(long eventKey) {
+    core::procedure(module, "setDefaultContentForEvent", [&](Frame& frame) {
+        EventContent content;
+        frame.steps({[&] { content.contentAttachment = getDefaultContent(1).text; },
+                     [&] {
+                         const DefaultContent email = getDefaultContent(3);
+                         content.contentSubject = email.parts.at("Subject");
+                         content.contentNote = email.parts.at("Body");
+                     }});
+        writeContent(frame, eventKey, voiceContent, content);
+        writeContent(frame, eventKey, emailContent, content);
+    });
+}
+
+}  // namespace mdlDatabase

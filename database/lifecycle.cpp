@@ -1,0 +1,141 @@
+#include "database/lifecycle.h"
+
+#include <filesystem>
+
+#include "core/RegistryAPI.h"
+#include "core/classLog.h"
+#include "core/procedure.h"
+#include "core/state.h"
+#include "database/openRecordset.h"
+#include "platform/files.h"
+#include "platform/host.h"
+
+using core::Frame;
+using core::gLog;
+using platform::Catalog;
+using platform::Recordset;
+using namespace RegistryAPI;
+
+namespace files = platform::files;
+
+namespace mdlDatabase {
+
+namespace {
+
+constexpr char module[] = "mdlDatabase";
+constexpr char databaseName[] = "/QLNDB.MDB";
+constexpr char templateName[] = "/QLNDB_FRESH.MDB";
+constexpr char pathValue[] = "DatabasePath";
+
+std::string absolute(const std::string& path) {
+    return std::filesystem::absolute(path).lexically_normal().string();
+}
+
+// Tables of two columns are of the old shape.
+constexpr long oldColumnCount = 2;
+
+Catalog::Table newExclusions() {
+    using Type = Catalog::Column::Type;
+    Catalog::Column key{"ExclusionKey", Type::integer};
+    key.autoIncrement = true;
+    key.seed = 0;
+    key.increment = 1;
+    Catalog::Column source{"EventSource", Type::varWChar, 50};
+    return {"ExclusionsNew", {key, source, {"EventId", Type::integer}}, "ExclusionKey"};
+}
+
+void copyExclusions(Frame& frame) {
+    Recordset from;
+    Recordset to;
+    frame.steps({[&] { from = openForReading("SELECT * FROM Exclusions"); },
+                 [&] { to = openForWriting("SELECT * FROM ExclusionsNew"); }});
+    while (from.state() == platform::ObjectState::open && !from.EOF_()) {
+        frame.steps({[&] { to.addNew(); }, [&] { to.set("EventSource", from.value("EventSource")); },
+                     [&] { to.set("EventId", from.value("EventId")); }, [&] { to.update(); },
+                     [&] { from.moveNext(); }});
+    }
+    frame.steps({[&] { from.close(); }, [&] { to.close(); }});
+}
+
+}  // namespace
+
+std::string getDatabasePath() {
+    return core::procedure(module, "getDatabasePath", std::string(), [&](Frame& frame, std::string& path) {
+        frame.step(
+            [&] { path = getRegistryString(HKEY_LOCAL_MACHINE, core::productRegistryKey, pathValue); });
+        if (path.empty() || !files::fileExists(path + databaseName)) {
+            gLog().log("DatabasePath=" + path + " does not contain QLNDB.MDB", core::logError, frame.tag());
+            path = (platform::program::installationRoot() / "Database").string();
+            gLog().log("Setting DatabasePath to default path", core::logError, frame.tag());
+            frame.step([&] {
+                setRegistryValue(HKEY_LOCAL_MACHINE, core::productRegistryKey, pathValue, registryString,
+                                 path);
+            });
+        }
+        gLog().log("DatabasePath=" + path, core::logInfo, frame.tag());
+    });
+}
+
+void openDatabase() {
+    core::procedure(module, "openDatabase", [&](Frame& frame) {
+        const std::string path = getDatabasePath();
+        if (!files::fileExists(path + databaseName)) {
+            const std::string folder = absolute(path);
+            gLog().log("Copying " + folder + templateName + " to " + folder + databaseName, core::logInfo,
+                       frame.tag());
+            frame.step([&] { files::copyFile(path + templateName, path + databaseName); });
+        }
+        // The read-only test looks at the folder's path without the file's name, so it normally finds
+        // nothing and a read-only database keeps its attribute; it stays so.
+        frame.step([&] {
+            if (files::fileExists(path) && files::isReadOnly(path)) {
+                gLog().log(path + " found to be read-only.  Removing the read-only flag from this file.",
+                           core::logWarning, frame.tag());
+                files::setReadOnly(path, false);
+            }
+        });
+        frame.steps({[&] { core::gDatabase.close(); },
+                     [&] {
+                         core::gDatabase.open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path +
+                                              databaseName);
+                     }});
+    });
+}
+
+bool copyDatabase(const std::string& fileName) {
+    return core::procedure(module, "copyDatabase", true, [&](Frame& frame, bool& copied) {
+        frame.on(platform::permissionDenied, [&](const platform::Failure&) {
+            gLog().log("Can not make backup copy of QLNDB.MDB, make sure QLNDB_BKP.MDB is not read-only",
+                       core::logError, frame.tag());
+            copied = false;
+        });
+        const std::string path = getDatabasePath();
+        const std::string folder = absolute(path);
+        gLog().log("Copying " + folder + databaseName + " to " + folder + "/" + fileName, core::logInfo,
+                   frame.tag());
+        // Through the engine, so that the copy is whole while the service writes.
+        frame.step([&] { platform::backupDatabase(path + databaseName, path + "/" + fileName); });
+    });
+}
+
+bool upgradeDatabase() {
+    return core::procedure(module, "upgradeDatabase", false, [&](Frame& frame, bool&) {
+        Catalog catalog(core::gDatabase);
+        long columns = 0;
+        frame.step([&] { columns = catalog.columnCount("Exclusions"); });
+        if (columns != oldColumnCount) {
+            gLog().log("Exclusions table upgrade is not necessary", core::logInfo, frame.tag());
+            return;
+        }
+        gLog().log("Upgrading Exclusions table", core::logInfo, frame.tag());
+        copyDatabase("QLNDB_PRE_EXCLUSIONS_UPGRADE.MDB");
+        // Without the new table there is nowhere to put the rows: the old one must not go then.
+        if (!frame.step([&] { catalog.appendTable(newExclusions()); }))
+            return;
+        copyExclusions(frame);
+        frame.steps({[&] { catalog.deleteTable("Exclusions"); },
+                     [&] { catalog.renameTable("ExclusionsNew", "Exclusions"); }});
+    });
+}
+
+}  // namespace mdlDatabase

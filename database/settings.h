@@ -1,0 +1,32 @@
+// Keys of new rows, the settings in Configuration, and the default content of new events.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace mdlDatabase {
+
+// The highest `keyField` in `tableName`; asked right after an insert. 0 on failure.
+long getLastKey(std::string_view tableName, std::string_view keyField);
+
+// A setting's text; empty when there is no row.
+std::string getConfigurationSetting(std::string_view settingName);
+void setConfigurationSetting(std::string_view settingName, std::string_view value);
+
+// Default content of a new event: a file name for 1 (voice), "Subject" and "Body" for 3 (e-mail), nothing
+// for any other type.
+struct DefaultContent {
+    std::string text;                          // type 1
+    std::map<std::string, std::string> parts;  // type 3
+};
+DefaultContent getDefaultContent(long contentType);
+
+// Converts between a priority's stored value (2 Urgent, 1 Normal, 0 Low) and its place in a list; its own
+// inverse. Anything but 0 and 1 gives 0.
+long mapPriority(long value);
+
+// Stores the defaults of the five content settings that are empty.
+void makeInitialDatabaseChanges();
+
+}  // namespace mdlDatabase

@@ -1,0 +1,17 @@
+// The commands of qlnhost. Each reads its own arguments, prints its answer, and gives the exit code: 0 when it
+// did what it was asked, 1 when what was asked for is not there. They raise platform::Failure and UsageError.
+#pragma once
+
+#include "host/arguments.h"
+
+namespace qlnhost {
+
+int createCommand(Arguments& arguments);
+int updateCommand(Arguments& arguments);
+int registryCommand(Arguments& arguments);
+int directoryCommand(Arguments& arguments);
+int eventsCommand(Arguments& arguments);
+int servicesCommand(Arguments& arguments);
+int accountsCommand(Arguments& arguments);
+
+}  // namespace qlnhost

@@ -1,0 +1,60 @@
+#include <cstdio>
+#include <filesystem>
+
+#include "host/commands.h"
+#include "host/provision.h"
+#include "platform/host.h"
+
+namespace qlnhost {
+
+namespace {
+
+// The kit stands beside this tool, unless another is named.
+std::filesystem::path kitFolder(Arguments& arguments) {
+    return arguments.option("--kit", (platform::program::folder() / "kit").string());
+}
+
+}  // namespace
+
+int createCommand(Arguments& arguments) {
+    constexpr unsigned long mostRows = 1'000'000;
+    host::HostOptions options;
+    const std::string version = arguments.option("--version", "4");
+    if (version != "4" && version != "3.1")
+        throw UsageError("--version is 4 or 3.1, not '" + version + "'");
+    options.corvaneMajor = version == "4" ? 4 : 3;
+    const std::string layout = arguments.option("--layout", "tables");
+    if (layout != "tables" && layout != "views")
+        throw UsageError("--layout is tables or views, not '" + layout + "'");
+    options.layout = layout == "views" ? host::DirectoryLayout::views : host::DirectoryLayout::tables;
+    options.snmpAgent = arguments.flag("--snmp");
+    options.failoverPrimary = arguments.flag("--failover");
+    options.subscribers = static_cast<unsigned>(
+        parseNumber(arguments.option("--subscribers", "240"), mostRows, "--subscribers"));
+    options.distributionLists =
+        static_cast<unsigned>(parseNumber(arguments.option("--lists", "24"), mostRows, "--lists"));
+    options.kit = kitFolder(arguments);
+    const std::string folder = arguments.take("DIR");
+    arguments.finish();
+
+    host::createHost(folder, options);
+    const std::filesystem::path root = std::filesystem::absolute(folder).lexically_normal();
+    std::printf("Made a host of version %s in %s.\n", version.c_str(), root.c_str());
+    std::printf("The console: %s\n", (root / "QLNAdmin" / "QLNAdmin").c_str());
+    std::printf("Account of the host's main service: %.*s, password %.*s\n",
+                static_cast<int>(host::demonstrationAccount.size()), host::demonstrationAccount.data(),
+                static_cast<int>(host::demonstrationPassword.size()), host::demonstrationPassword.data());
+    return 0;
+}
+
+int updateCommand(Arguments& arguments) {
+    const std::filesystem::path kit = kitFolder(arguments);
+    const std::filesystem::path root = arguments.take("DIR");
+    arguments.finish();
+    if (!std::filesystem::exists(root / "Host" / "registry.reg"))
+        throw UsageError(root.string() + " holds no host");
+    host::installKit(kit, root);
+    return 0;
+}
+
+}  // namespace qlnhost

@@ -1,0 +1,60 @@
+#include "host/demonstration.h"
+#include "host/directory.h"
+#include "host/voiceFile.h"
+#include "platform/accounts.h"
+#include "platform/failure.h"
+#include "platform/files.h"
+#include "platform/host.h"
+
+namespace host {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char consoleShortcut[] =
+    "[Desktop Entry]\n"
+    "Type=Application\n"
+    "Name=Quillon Service Administration\n"
+    "Exec=";
+
+// A server where the service is installed: its running files are copies of the kit's.
+void installService(const fs::path& service) {
+    for (const auto& [kitForm, runningForm] :
+         {std::pair{"HbQlnSvc.ex_", "HbQlnSvc.exe"}, {"HbQlnSvcRes_ENU.dl_", "HbQlnSvcRes_ENU.dll"}})
+        platform::files::copyFile(service / kitForm, service / runningForm);
+    fs::permissions(service / "HbQlnSvc.exe", fs::perms::owner_all);
+}
+
+}  // namespace
+
+void createHost(const fs::path& folder, const HostOptions& options) {
+    const fs::path root = fs::absolute(folder).lexically_normal();
+    const fs::path hostFolder = root / "Host";
+    platform::host::setFolder(hostFolder);
+    if (platform::files::fileExists(platform::host::registryFile()))
+        throw platform::makeFailure(platform::fileAlreadyExists, platform::host::registryFile().string());
+
+    for (const fs::path& part : {hostFolder, platform::host::menuFolder() / "Corvane",
+                                 platform::host::eventLogsFolder(), platform::host::servicesFolder(),
+                                 root / "QLNAdmin", root / "Service", root / "Database"})
+        ensureFolder(part);
+    if (!options.kit.empty()) {
+        installKit(options.kit, root);
+        installService(root / "Service");
+    }
+    createTemplateDatabase(root / "Database" / "QLNDB_FRESH.MDB");
+    platform::files::writeFile(root / "Database" / "QLN_Default_ENU.wav", defaultVoiceFile());
+    createDirectory(platform::host::directoryDatabase(), options.layout, [&](DirectoryWriter& writer) {
+        fillDemonstrationDirectory(writer, options.subscribers, options.distributionLists);
+    });
+    platform::setAccountPassword(demonstrationAccount, demonstrationPassword);
+    fillDemonstrationEvents();
+    platform::files::writeFile(
+        platform::host::menuFolder() / "Corvane" / "Quillon Service Administration.desktop",
+        consoleShortcut + (root / "QLNAdmin" / "QLNAdmin").string() + "\n");
+    // Last, because a folder with a registry is a host: one that was cut short can be made again.
+    fillDemonstrationRegistry(root, options);
+}
+
+}  // namespace host

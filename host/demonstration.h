@@ -1,0 +1,20 @@
+// What createHost fills a new host with.
+#pragma once
+
+#include <filesystem>
+
+#include "host/provision.h"
+
+namespace host {
+
+// Version, product keys, services and event sources of a server, into the present host's registry.
+// `root` is the installation tree.
+void fillDemonstrationRegistry(const std::filesystem::path& root, const HostOptions& options);
+
+// A day of records in both event logs of the present host.
+void fillDemonstrationEvents();
+
+// Creates a folder with its parents where they are missing, not readable by others.
+void ensureFolder(const std::filesystem::path& folder);
+
+}  // namespace host

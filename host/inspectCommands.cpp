@@ -1,0 +1,108 @@
+// What a host holds besides its registry: directory, event logs, services, accounts.
+
+#include <cstdio>
+#include <iostream>
+#include <string>
+
+#include "host/commands.h"
+#include "host/provision.h"
+#include "platform/accounts.h"
+#include "platform/eventLog.h"
+#include "platform/files.h"
+#include "platform/serviceManager.h"
+
+namespace qlnhost {
+
+namespace {
+
+const char* typeText(unsigned type) {
+    return type == 1 ? "Error" : type == 2 ? "Warning" : "Information";
+}
+
+const char* stateText(platform::ServiceState state) {
+    switch (state) {
+        case platform::ServiceState::startPending:
+            return "start pending";
+        case platform::ServiceState::stopPending:
+            return "stop pending";
+        case platform::ServiceState::running:
+            return "running";
+        case platform::ServiceState::stopped:
+            break;
+    }
+    return "stopped";
+}
+
+// A password is read from the standard input: in an argument every user of the machine could see it.
+std::string readPassword() {
+    std::string password;
+    std::getline(std::cin, password);
+    if (password.empty())
+        throw UsageError("the password is the first line of the standard input, and there is none");
+    return password;
+}
+
+}  // namespace
+
+int directoryCommand(Arguments& arguments) {
+    const std::string verb = arguments.take("import");
+    if (verb != "import")
+        throw UsageError("directory knows import, not '" + verb + "'");
+    const std::string file = arguments.take("FILE");
+    arguments.finish();
+    std::printf("%ld rows\n", host::importDirectory(platform::files::readFile(file), file));
+    return 0;
+}
+
+int eventsCommand(Arguments& arguments) {
+    const std::string chosen = arguments.takeOr("");
+    arguments.finish();
+    if (!chosen.empty() && chosen != "Application" && chosen != "System")
+        throw UsageError("the logs are Application and System, not '" + chosen + "'");
+    for (const char* log : {"Application", "System"}) {
+        if (!chosen.empty() && chosen != log)
+            continue;
+        for (const platform::EventRecord& event : platform::readEvents(log)) {
+            std::string text = event.description;
+            for (char& c : text)
+                c = c == '\r' || c == '\n' || c == '\t' ? ' ' : c;
+            std::printf("%-11s %s %-11s %-32s %6u  %s\n", log, event.time.c_str(), typeText(event.type),
+                        event.source.c_str(), event.id, text.c_str());
+        }
+    }
+    return 0;
+}
+
+int servicesCommand(Arguments& arguments) {
+    arguments.finish();
+    for (const std::string& name : platform::serviceNames())
+        std::printf("%-16s %s\n", name.c_str(), stateText(platform::queryServiceStatus(name).state));
+    return 0;
+}
+
+int accountsCommand(Arguments& arguments) {
+    const std::string verb = arguments.takeOr("list");
+    if (verb == "list") {
+        arguments.finish();
+        for (const std::string& name : platform::accountNames())
+            std::puts(name.c_str());
+        return 0;
+    }
+    const std::string name = arguments.take("NAME");
+    arguments.finish();
+    if (verb == "set") {
+        platform::setAccountPassword(name, readPassword());
+        return 0;
+    }
+    if (verb == "check" || verb == "delete") {
+        const bool done =
+            verb == "check" ? platform::verifyAccount(name, readPassword()) : platform::deleteAccount(name);
+        if (!done)
+            std::fprintf(stderr, "qlnhost: %s\n",
+                         verb == "check" ? "wrong name or password" : ("no such account: " + name).c_str());
+        return done ? 0 : 1;
+    }
+    throw UsageError("accounts knows list, set, check and delete, not '" + verb + "'");
+}
+
+}  // namespace qlnhost

@@ -1,0 +1,20 @@
+// Accounts of the host: names and salted hashes (libxcrypt) in a file that only its owner can read.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform {
+
+// Names in the order of the file; empty when there is none.
+std::vector<std::string> accountNames();
+bool accountExists(std::string_view name);
+// Adds the account or replaces its hash. Raises 5 for an empty name or one with ':' or a line break.
+void setAccountPassword(std::string_view name, std::string_view password);
+// False for an unknown account too.
+bool verifyAccount(std::string_view name, std::string_view password);
+// False when there was no such account.
+bool deleteAccount(std::string_view name);
+
+}  // namespace platform

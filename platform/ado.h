@@ -1,0 +1,176 @@
+// Connections and recordsets over SQLite, as small as what the stores ask of them.
+//
+// Dialect, applied to every statement: a table name that begins with a digit is quoted; a #date# literal
+// becomes the stored form. Nothing else is changed. One statement per call, always: a second statement in
+// the text is a failure (-2147217900) and neither runs.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "platform/failure.h"
+
+struct sqlite3;
+
+namespace platform {
+
+enum class ObjectState { closed = 0, open = 1 };
+enum class CursorType { forwardOnly, keyset, dynamic, staticCursor };
+enum class LockType { readOnly, pessimistic, optimistic, batchOptimistic };
+enum class CursorLocation { server, client };
+
+struct Null {
+    bool operator==(const Null&) const = default;
+};
+// A field's value. Booleans are the integers -1 and 0, dates are texts in stored form.
+using Value = std::variant<Null, std::int64_t, double, std::string>;
+
+// A value as text, as people read it: nothing for Null, integers and reals in decimal.
+std::string valueText(const Value& value);
+
+class Connection {
+  public:
+    Connection() = default;
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    // "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=FILE" opens that file for reading and writing (read-only
+    // where its attribute says so); "...;Initial Catalog=CorvaneDb" opens the host's directory read-only.
+    // Never creates a file. Raises 3705 when open already, -2147467259 with the engine's text and the file's
+    // name when the file is missing, no database, or cannot be opened; the same failure is in errors().
+    void open(const std::string& connectionString);
+    void close() noexcept;
+    ObjectState state() const noexcept { return handle_ ? ObjectState::open : ObjectState::closed; }
+    const std::vector<Failure>& errors() const noexcept { return errors_; }
+
+    // For this layer: the engine's handle (raises 3709 when closed), the file's name for messages, and
+    // whether failures are numbered as the directory provider does.
+    sqlite3* handle() const;
+    const std::string& fileName() const noexcept { return fileName_; }
+    bool isDirectory() const noexcept { return directory_; }
+
+  private:
+    sqlite3* handle_ = nullptr;
+    std::string fileName_;
+    bool directory_ = false;
+    std::vector<Failure> errors_;
+};
+
+// The failure for the engine's last error on a connection; `statement` ends the description.
+Failure engineFailure(const Connection& connection, int code, std::string_view statement);
+
+// The statement with the dialect's rules applied; exposed for tests.
+std::string translateStatement(std::string_view statement);
+
+class Recordset {
+  public:
+    Recordset();
+    ~Recordset();
+    Recordset(Recordset&&) noexcept;
+    Recordset& operator=(Recordset&&) noexcept;
+
+    // Runs `source`, a SELECT, or a statement without rows, which runs here and leaves the recordset
+    // closed. A writable recordset needs a SELECT of one table's columns; any other SELECT opens read-only.
+    // Client, static and keyset cursors read all rows now, writable ones on a large result when a row is
+    // first asked for; a forward-only, read-only one on the server steps the statement in blocks. Raises 3705
+    // when open, 3709 on a closed connection, and the numbers of failure.h for a statement that fails.
+    void open(std::string_view source, Connection& connection, CursorType cursor = CursorType::forwardOnly,
+              LockType lock = LockType::readOnly, CursorLocation location = CursorLocation::server);
+    // Raises 3704 when closed already. Drops what a batch collected.
+    void close();
+    ObjectState state() const noexcept;
+
+    // All of the following raise 3704 when closed.
+    bool EOF_() const;
+    bool BOF_() const;
+    // Does nothing on an empty recordset's first row but raise 3021.
+    void moveFirst();
+    // Raises 3021 at the end.
+    void moveNext();
+    // Moves to the first row, from `start` (a bookmark; the present row by default) plus `skip` rows on, for
+    // which "Column = number" or "Column = 'text'" holds (text without regard to case); to the end when
+    // none does. Raises 3021 on an empty recordset (and at the end without `start`), 5 for a criterion of
+    // another form (a quote inside the text included), 3265 for an unknown column.
+    void find(std::string_view criterion, long skip = 0);
+    void find(std::string_view criterion, long skip, std::size_t start);
+    // Position of the present row, valid until the recordset closes. Raises 3021 at the end.
+    std::size_t bookmark() const;
+    // Number of rows; -1 for a forward-only cursor on the server.
+    long recordCount() const;
+
+    std::size_t fieldCount() const;
+    const std::string& fieldName(std::size_t index) const;  // raises 3265
+    // Field of the present row, or of the row being added. Names ignore case. Raises 3021 and 3265.
+    const Value& value(std::string_view field) const;
+    bool isNull(std::string_view field) const;
+    // Raise 94 for Null. `number` raises 13 for a text that is no number and 6 outside 32 bits; `boolean` is
+    // true for any number but 0.
+    std::string text(std::string_view field) const;
+    long number(std::string_view field) const;
+    bool boolean(std::string_view field) const;
+
+    // Sets a field of the present row, or of the row being added. Raises 3251 on a read-only recordset, 3021
+    // without a row, 3265, and by the column's declared type: 13 for a text that is no number, 6 outside
+    // the range, -2147217887 for a text that is too long. A boolean column stores any non-zero as -1.
+    void set(std::string_view field, Value value);
+    void addNew();
+    // Writes the set fields: one INSERT, or one UPDATE by row id; a batch only collects. Raises 3251, 3021,
+    // and -2147217864 when somebody else deleted the row.
+    // After a failure the row keeps what was set; another addNew or move drops it.
+    void update();
+    // Deletes the present row and leaves it current as deleted: a field read then raises 3021, moveNext
+    // goes on with the next row. A batch only collects.
+    void deleteCurrent();
+    // Applies what a batch collected in one transaction: all or nothing.
+    void updateBatch();
+
+  private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+// Runs one statement without rows (DELETE, as the source of a recordset open).
+void execute(std::string_view statement, Connection& connection);
+
+// Schema of an open connection: count, create, rename and drop tables.
+class Catalog {
+  public:
+    explicit Catalog(Connection& connection) : connection_(connection) {}
+
+    // Raises 3265 when there is no such table.
+    long columnCount(std::string_view table) const;
+
+    struct Column {
+        std::string name;
+        enum class Type { integer, varWChar } type = Type::integer;
+        int size = 0;  // characters, for varWChar
+        bool autoIncrement = false;
+        long seed = 1;       // first key given
+        long increment = 1;  // only 1 is supported; anything else raises 5
+    };
+    struct Table {
+        std::string name;
+        std::vector<Column> columns;
+        std::string primaryKey;  // column name; the constraint's name is "PrimaryKey"
+    };
+    void appendTable(const Table& table);
+    void deleteTable(std::string_view table);
+    void renameTable(std::string_view from, std::string_view to);
+
+  private:
+    Connection& connection_;
+};
+
+// Copies a database file through the engine, whole even while others write it: into a file beside the
+// target, synced, renamed over it. Raises 53 for a missing source, 70 for a target (or folder) that may not
+// be written, -2147467259 when the source is no database or stays locked past five seconds. A failure
+// leaves an old target as it was.
+void backupDatabase(const std::string& source, const std::string& target);
+
+}  // namespace platform

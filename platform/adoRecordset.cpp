@@ -1,0 +1,335 @@
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+#include <limits>
+#include <unordered_set>
+
+#include "platform/ado.h"
+#include "platform/adoDialect.h"
+#include "platform/adoRecordsetImpl.h"
+
+namespace platform {
+
+namespace {
+
+constexpr char idColumn[] = "qln row id";
+constexpr std::size_t everything = std::numeric_limits<std::size_t>::max();
+// A streaming recordset reads this many rows ahead, so that a short result leaves no lock on the file
+// while a message box waits for its answer.
+constexpr std::size_t blockSize = 256;
+// A writable recordset with more rows than these is loaded only when a row is asked for: most are opened
+// just to add one.
+constexpr std::size_t rowsReadAtOnce = 64;
+
+template <typename ImplPointer>
+auto& opened(const ImplPointer& impl) {
+    if (!impl)
+        throw makeFailure(objectClosed);
+    return *impl;
+}
+
+}  // namespace
+
+Recordset::Impl::Impl(std::string_view statement, Connection& owner, ado::Statement prepared)
+    : connection(owner), engine(owner.handle()), source(statement), select(std::move(prepared)) {
+    const int count = sqlite3_column_count(select.get());
+    for (int i = 0; i < count; ++i) {
+        ado::Field field;
+        field.name = sqlite3_column_name(select.get(), i);
+        fields.push_back(std::move(field));
+    }
+    indexes.resize(fields.size());
+}
+
+// A recordset is writable when each of its columns is a column of one and the same table. Otherwise it
+// stays as it is, readable.
+void Recordset::Impl::makeWritable() {
+    const std::string text = ado::withRowId(translateStatement(source), idColumn);
+    if (text.empty())
+        return;
+    ado::Statement withId;
+    try {
+        withId = ado::Statement(connection, text, source);
+    } catch (const Failure&) {
+        return;  // a view or a join has no row id
+    }
+    sqlite3_stmt* statement = withId.get();
+    const int count = sqlite3_column_count(statement);
+    const char* owner = sqlite3_column_table_name(statement, count - 1);
+    if (!owner || static_cast<std::size_t>(count - 1) != fields.size())
+        return;
+    std::vector<ado::Field> described = fields;
+    for (int i = 0; i < count - 1; ++i) {
+        const char* tableName = sqlite3_column_table_name(statement, i);
+        const char* columnName = sqlite3_column_origin_name(statement, i);
+        if (!tableName || !columnName || std::string_view(tableName) != owner)
+            return;
+        ado::Field& field = described[static_cast<std::size_t>(i)];
+        field.column = columnName;
+        const char* type = nullptr;
+        int autoIncrement = 0;
+        if (sqlite3_table_column_metadata(engine, "main", owner, columnName, &type, nullptr, nullptr, nullptr,
+                                          &autoIncrement) != SQLITE_OK)
+            return;
+        field.autoIncrement = autoIncrement != 0;
+        ado::setKind(field, type ? type : "");
+    }
+    table = owner;
+    fields = std::move(described);
+    select = std::move(withId);
+    writable = true;
+}
+
+void Recordset::Impl::readAtOpen() {
+    if (streaming) {
+        readRows(blockSize);
+        return;
+    }
+    readRows(writable ? rowsReadAtOnce : everything);
+    if (!complete) {
+        select.reset();
+        rows.clear();
+        unplaced = true;
+    }
+}
+
+// Appends up to `limit` rows of the statement.
+void Recordset::Impl::readRows(std::size_t limit) {
+    const int idIndex = sqlite3_column_count(select.get()) - 1;
+    for (std::size_t count = 0; count < limit; ++count) {
+        if (!select.step()) {
+            complete = true;
+            return;
+        }
+        Row row;
+        row.values.reserve(fields.size());
+        for (std::size_t i = 0; i < fields.size(); ++i)
+            row.values.push_back(select.column(static_cast<int>(i)));
+        if (writable)
+            row.id = std::get<std::int64_t>(select.column(idIndex));
+        rows.push_back(std::move(row));
+    }
+}
+
+void Recordset::Impl::nextBlock() {
+    base += rows.size();
+    rows.clear();
+    try {
+        readRows(blockSize);
+    } catch (const Failure&) {
+        // A loop over the rows must come to its end.
+        complete = true;
+        throw;
+    }
+}
+
+void Recordset::Impl::restart() {
+    select.reset();
+    rows.clear();
+    base = position = 0;
+    complete = false;
+    nextBlock();
+}
+
+// Reads a writable recordset's rows; those added here stay last, in the order of their adding.
+void Recordset::Impl::load() {
+    std::vector<Row> added;
+    added.swap(rows);
+    try {
+        readRows(everything);
+    } catch (const Failure&) {
+        rows.swap(added);
+        throw;
+    }
+    std::unordered_set<std::int64_t> addedIds;
+    for (const Row& row : added) {
+        if (row.id)
+            addedIds.insert(*row.id);
+    }
+    if (!addedIds.empty())
+        std::erase_if(rows, [&](const Row& row) { return addedIds.contains(*row.id); });
+    const std::size_t offset = rows.size();
+    position = unplaced ? 0 : position + offset;
+    unplaced = false;
+    for (Operation& operation : operations)
+        operation.row += offset;
+    rows.insert(rows.end(), std::make_move_iterator(added.begin()), std::make_move_iterator(added.end()));
+}
+
+void Recordset::Impl::ensureLoaded() {
+    if (!complete && !streaming)
+        load();
+}
+
+bool Recordset::Impl::atEnd() {
+    if (unplaced)
+        load();
+    return position - base >= rows.size();
+}
+
+Recordset::Impl::Row& Recordset::Impl::present() {
+    if (atEnd() || rows[position - base].deleted)
+        throw makeFailure(noCurrentRecord);
+    return rows[position - base];
+}
+
+void Recordset::Impl::skipDeleted() noexcept {
+    while (position - base < rows.size() && rows[position - base].deleted)
+        ++position;
+}
+
+std::size_t Recordset::Impl::fieldIndex(std::string_view name) const {
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (ado::equalsIgnoringCase(fields[i].name, name))
+            return i;
+    }
+    throw makeFailure(itemNotFound, name);
+}
+
+const Value& Recordset::Impl::stored(Row& row, std::size_t field) {
+    if (row.stale)
+        refresh(row);
+    return row.values[field];
+}
+
+const Value& Recordset::Impl::value(std::size_t field) {
+    static const Value nothing = Null{};
+    if (!edits.empty() && edits[field])
+        return *edits[field];
+    return adding ? nothing : stored(present(), field);
+}
+
+void Recordset::Impl::moveFirst() {
+    dropEdits();
+    ensureLoaded();
+    if (base > 0)
+        restart();
+    position = 0;
+    skipDeleted();
+    if (atEnd())
+        throw makeFailure(noCurrentRecord);
+}
+
+void Recordset::Impl::moveNext() {
+    dropEdits();
+    ensureLoaded();
+    if (atEnd())
+        throw makeFailure(noCurrentRecord);
+    ++position;
+    if (atEnd() && !complete)
+        nextBlock();
+    skipDeleted();
+}
+
+Recordset::Recordset() = default;
+Recordset::~Recordset() = default;
+Recordset::Recordset(Recordset&&) noexcept = default;
+Recordset& Recordset::operator=(Recordset&&) noexcept = default;
+
+void Recordset::open(std::string_view source, Connection& connection, CursorType cursor, LockType lock,
+                     CursorLocation location) {
+    if (impl_)
+        throw makeFailure(objectOpen);
+    connection.handle();
+    ado::Statement statement = ado::prepareSource(connection, source);
+    if (sqlite3_column_count(statement.get()) == 0) {
+        statement.step();
+        return;
+    }
+    auto impl = std::make_unique<Impl>(source, connection, std::move(statement));
+    // Pessimistic is optimistic here: nothing is held from set to update, because the service must not
+    // wait for an administrator who looks at a row.
+    if (lock != LockType::readOnly)
+        impl->makeWritable();
+    impl->batch = lock == LockType::batchOptimistic;
+    impl->counted = cursor != CursorType::forwardOnly || location == CursorLocation::client;
+    impl->streaming = !impl->counted && !impl->writable;
+    impl->readAtOpen();
+    impl_ = std::move(impl);
+}
+
+void Recordset::close() {
+    opened(impl_);
+    impl_.reset();
+}
+
+ObjectState Recordset::state() const noexcept {
+    return impl_ ? ObjectState::open : ObjectState::closed;
+}
+
+bool Recordset::EOF_() const {
+    Impl& impl = opened(impl_);
+    return !impl.adding && impl.atEnd();
+}
+
+bool Recordset::BOF_() const {
+    Impl& impl = opened(impl_);
+    return !impl.adding && impl.atEnd() && impl.base == 0 && impl.liveCount() == 0;
+}
+
+void Recordset::moveFirst() {
+    opened(impl_).moveFirst();
+}
+
+void Recordset::moveNext() {
+    opened(impl_).moveNext();
+}
+
+std::size_t Recordset::bookmark() const {
+    Impl& impl = opened(impl_);
+    impl.ensureLoaded();
+    if (impl.adding)
+        throw makeFailure(noCurrentRecord);
+    impl.present();
+    return impl.position;
+}
+
+long Recordset::recordCount() const {
+    Impl& impl = opened(impl_);
+    if (!impl.counted)
+        return -1;
+    impl.ensureLoaded();
+    return static_cast<long>(impl.liveCount());
+}
+
+std::size_t Recordset::fieldCount() const {
+    return opened(impl_).fields.size();
+}
+
+const std::string& Recordset::fieldName(std::size_t index) const {
+    const Impl& impl = opened(impl_);
+    if (index >= impl.fields.size())
+        throw makeFailure(itemNotFound);
+    return impl.fields[index].name;
+}
+
+const Value& Recordset::value(std::string_view field) const {
+    Impl& impl = opened(impl_);
+    return impl.value(impl.fieldIndex(field));
+}
+
+bool Recordset::isNull(std::string_view field) const {
+    return std::holds_alternative<Null>(value(field));
+}
+
+std::string Recordset::text(std::string_view field) const {
+    const Value& found = value(field);
+    if (std::holds_alternative<Null>(found))
+        throw makeFailure(invalidUseOfNull);
+    return valueText(found);
+}
+
+long Recordset::number(std::string_view field) const {
+    return ado::longOf(value(field));
+}
+
+bool Recordset::boolean(std::string_view field) const {
+    const Value& found = value(field);
+    if (std::holds_alternative<Null>(found))
+        throw makeFailure(invalidUseOfNull);
+    return ado::booleanOf(found) != 0;
+}
+
+}  // namespace platform

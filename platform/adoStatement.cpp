@@ -1,0 +1,114 @@
+#include "platform/adoStatement.h"
+
+#include <sqlite3.h>
+
+#include <limits>
+
+#include "platform/adoDialect.h"
+
+namespace platform::ado {
+
+void Statement::Finalize::operator()(sqlite3_stmt* statement) const noexcept {
+    sqlite3_finalize(statement);
+}
+
+Statement::Statement(const Connection& connection, std::string_view text, std::string_view source)
+    : connection_(&connection), source_(source) {
+    sqlite3* handle = connection.handle();
+    if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+        throw engineFailure(connection, SQLITE_TOOBIG, {});
+    sqlite3_stmt* prepared = nullptr;
+    const char* tail = nullptr;
+    const int code =
+        sqlite3_prepare_v3(handle, text.data(), static_cast<int>(text.size()), 0, &prepared, &tail);
+    statement_.reset(prepared);
+    check(code);
+    if (!prepared)
+        throw Failure(statementFailed, "no statement [" + source_ + "]", "SQLite");
+    if (!nothingToRun(text.substr(static_cast<std::size_t>(tail - text.data()))))
+        throw Failure(statementFailed, "more than one statement [" + source_ + "]", "SQLite");
+}
+
+void Statement::check(int code) const {
+    if (code != SQLITE_OK)
+        throw engineFailure(*connection_, code, source_);
+}
+
+void Statement::bind(int parameter, const Value& value) {
+    sqlite3_stmt* statement = statement_.get();
+    if (const auto* integer = std::get_if<std::int64_t>(&value))
+        check(sqlite3_bind_int64(statement, parameter, *integer));
+    else if (const auto* real = std::get_if<double>(&value))
+        check(sqlite3_bind_double(statement, parameter, *real));
+    else if (const auto* text = std::get_if<std::string>(&value))
+        check(sqlite3_bind_text64(statement, parameter, text->data(), text->size(), SQLITE_TRANSIENT,
+                                  SQLITE_UTF8));
+    else
+        check(sqlite3_bind_null(statement, parameter));
+}
+
+bool Statement::step() {
+    const int code = sqlite3_step(statement_.get());
+    if (code == SQLITE_ROW)
+        return true;
+    if (code == SQLITE_DONE) {
+        reset();
+        return false;
+    }
+    const Failure failure = engineFailure(*connection_, code, source_);
+    reset();
+    throw failure;
+}
+
+void Statement::reset() noexcept {
+    sqlite3_reset(statement_.get());
+}
+
+Value Statement::column(int index) const {
+    sqlite3_stmt* statement = statement_.get();
+    switch (sqlite3_column_type(statement, index)) {
+        case SQLITE_INTEGER:
+            return static_cast<std::int64_t>(sqlite3_column_int64(statement, index));
+        case SQLITE_FLOAT:
+            return sqlite3_column_double(statement, index);
+        case SQLITE_NULL:
+            return Null{};
+        default: {
+            const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, index));
+            const int size = sqlite3_column_bytes(statement, index);
+            return bytes ? std::string(bytes, static_cast<std::size_t>(size)) : std::string();
+        }
+    }
+}
+
+Statement prepareSource(const Connection& connection, std::string_view source) {
+    Statement statement(connection, translateStatement(source), source);
+    if (sqlite3_bind_parameter_count(statement.get()) > 0)
+        throw Failure(connection.isDirectory() ? statementFailed : columnMissing,
+                      "no value given for a parameter [" + std::string(source) + "]", "SQLite");
+    return statement;
+}
+
+void run(const Connection& connection, std::string_view text) {
+    Statement statement(connection, text, text);
+    while (statement.step()) {
+    }
+}
+
+Transaction::Transaction(const Connection& connection) : connection_(connection) {
+    run(connection, "BEGIN IMMEDIATE");
+}
+
+Transaction::~Transaction() {
+    // Some failures have ended the transaction already.
+    if (open_ && connection_.state() == ObjectState::open &&
+        sqlite3_get_autocommit(connection_.handle()) == 0)
+        sqlite3_exec(connection_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void Transaction::commit() {
+    run(connection_, "COMMIT");
+    open_ = false;
+}
+
+}  // namespace platform::ado

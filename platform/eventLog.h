@@ -1,0 +1,31 @@
+// The host's event logs "Application" and "System": append-only files with several writers.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform {
+
+struct EventRecord {
+    std::string log;   // "Application" or "System"
+    std::string time;  // stored form, local time
+    std::string source;
+    std::uint32_t id = 0;
+    std::uint16_t type = 4;  // 1 error, 2 warning, 4 information
+    std::uint16_t category = 0;
+    std::string user;
+    std::string computer;
+    std::string description;
+
+    bool operator==(const EventRecord&) const = default;
+};
+
+// Appends one record in one write under a lock; an empty time becomes the present. Raises the file's
+// failure number, or 5 for a log of another name.
+void appendEvent(EventRecord record);
+// All whole records of a log, oldest first; a torn last line is left out. Empty when there is no log.
+std::vector<EventRecord> readEvents(std::string_view log);
+
+}  // namespace platform

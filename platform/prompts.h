@@ -1,0 +1,36 @@
+// Questions to the person at the console. A lower layer asks; a window, or a test's script, answers.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace platform {
+
+enum class BoxIcon { none, critical, question, exclamation, information };
+enum class BoxButtons { ok, yesNo, yesNoCancel };
+enum class BoxAnswer { ok, yes, no, cancel };
+
+struct MessageBox {
+    std::string text;
+    std::string title;
+    BoxIcon icon = BoxIcon::none;
+    BoxButtons buttons = BoxButtons::ok;
+};
+
+class Prompts {
+  public:
+    virtual ~Prompts() = default;
+    // Modal. Closing the box without a button counts as cancel where there is one, else as no or ok.
+    virtual BoxAnswer messageBox(const MessageBox& box) = 0;
+    // One line of text; nothing when cancelled.
+    virtual std::optional<std::string> inputBox(const std::string& text, const std::string& title) = 0;
+    // An existing file's path; nothing when cancelled. `filter` has the form "Audio file (*.wav)|*.wav".
+    virtual std::optional<std::string> openFile(const std::string& title, const std::string& filter) = 0;
+};
+
+// Without an implementation a box goes to standard error and is answered with its most careful button.
+Prompts& prompts();
+// A null pointer goes back to standard error. The caller keeps ownership.
+void setPrompts(Prompts* prompts);
+
+}  // namespace platform

@@ -1,0 +1,66 @@
+#include "platform/textStream.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "platform/failure.h"
+
+namespace platform {
+
+TextStream::~TextStream() {
+    close();
+}
+
+void TextStream::open(const std::filesystem::path& path) {
+    close();
+    descriptor_ = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+    if (descriptor_ < 0)
+        throw failureFromErrno(errno, path.string());
+}
+
+void TextStream::close() noexcept {
+    if (descriptor_ >= 0)
+        ::close(descriptor_);
+    descriptor_ = -1;
+}
+
+void TextStream::write(std::string_view text) {
+    if (!isOpen())
+        throw makeFailure(objectRequired);
+    if (!isValidUtf8(text))
+        throw makeFailure(invalidProcedureCall);
+    while (!text.empty()) {
+        const ssize_t written = ::write(descriptor_, text.data(), text.size());
+        if (written >= 0)
+            text.remove_prefix(static_cast<std::size_t>(written));
+        else if (errno != EINTR)
+            throw failureFromErrno(errno, "");
+    }
+}
+
+bool isValidUtf8(std::string_view text) noexcept {
+    // The lowest code point of a sequence by its number of continuation bytes; below it the form is too long.
+    constexpr unsigned lowest[] = {0, 0x80, 0x800, 0x10000};
+    for (std::size_t i = 0; i < text.size();) {
+        const auto lead = static_cast<unsigned char>(text[i++]);
+        if (lead < 0x80)
+            continue;
+        const unsigned more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
+        if (lead < 0xC2 || lead > 0xF4 || more > text.size() - i)
+            return false;
+        unsigned code = lead & (0x3Fu >> more);
+        for (unsigned k = 0; k < more; ++k) {
+            const auto next = static_cast<unsigned char>(text[i++]);
+            if ((next & 0xC0) != 0x80)
+                return false;
+            code = code << 6 | (next & 0x3Fu);
+        }
+        if (code < lowest[more] || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
+            return false;
+    }
+    return true;
+}
+
+}  // namespace platform

@@ -1,0 +1,32 @@
+// A text file opened for appending, created if needed (mode 0600). Every write is one system call, so a
+// line is in the file when write returns.
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+namespace platform {
+
+class TextStream {
+  public:
+    TextStream() = default;
+    ~TextStream();
+    TextStream(const TextStream&) = delete;
+    TextStream& operator=(const TextStream&) = delete;
+
+    // Raises the file's failure number; the stream then stays closed.
+    void open(const std::filesystem::path& path);
+    void close() noexcept;
+    bool isOpen() const noexcept { return descriptor_ >= 0; }
+    // Raises 424 when the stream is closed, 5 when the text is not valid UTF-8 (nothing is written then),
+    // and the file's failure number otherwise.
+    void write(std::string_view text);
+
+  private:
+    int descriptor_ = -1;
+};
+
+// True when the text is well-formed UTF-8.
+bool isValidUtf8(std::string_view text) noexcept;
+
+}  // namespace platform

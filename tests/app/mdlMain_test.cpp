@@ -1,0 +1,176 @@
+#include "app/mdlMain.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QAction>
+#include <QProcess>
+#include <QtTest/QTest>
+#include <filesystem>
+#include <regex>
+
+#include "core/state.h"
+#include "platform/host.h"
+#include "support/processEnd.h"
+#include "support/scriptedPrompts.h"
+#include "support/temporaryHost.h"
+#include "ui/frmMain.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using platform::BoxAnswer;
+using platform::BoxIcon;
+
+constexpr char tessaly[] = "Software\\Tessaly";
+constexpr char serviceKey[] = "System\\CurrentControlSet\\Services\\HbQlnSvc";
+
+class Start : public ::testing::Test {
+  protected:
+    void makeServer(std::uint32_t version, std::uint32_t build) {
+        host.setRegistry(tessaly, "Version Number", version);
+        host.setRegistry(tessaly, "Build Number", build);
+    }
+    void makeReady() {
+        makeServer(0x00040000, 0x00010000);
+        host.createRegistryKey(serviceKey);
+        host.createRegistryKey("SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service");
+        host.makeDirectory({"CREATE TABLE GlobalSubscriber(DisplayName, DirectoryId, DtmfAccessId)",
+                            "CREATE TABLE DistributionList(DisplayName, DirectoryId)"});
+    }
+    void expectServiceWarning() {
+        prompts.expect(
+            {"The HbQlnSvc service is not running.  No notifications will happen until the service is "
+             "started successfully.",
+             "QLN Service not started", BoxIcon::exclamation},
+            BoxAnswer::ok);
+    }
+    // Runs Main and gives the exit code if it ended the process, -1 if it came up.
+    int runMain() {
+        platform::WindowStation station("QLNAdmin");
+        try {
+            mdlMain::Main(station);
+        } catch (const support::ProcessEnded& end) {
+            return end.exitCode;
+        }
+        return -1;
+    }
+    bool backupExists() { return fs::exists(host.databaseFolder() / "QLNDB_BKP.MDB"); }
+
+    ~Start() override { delete gMainWindow; }
+
+    support::TemporaryHost host;
+    support::ScriptedPrompts prompts;
+    support::CatchProcessEnd catchEnd;
+};
+
+TEST_F(Start, RefusesAMachineThatIsNoServerAndAnOldOne) {
+    prompts.expect({"QLNAdmin can only be run from a Meridane Corvane server.  Exiting.",
+                    "QLNAdmin not running on a Meridane Corvane server.", BoxIcon::critical},
+                   BoxAnswer::ok);
+    EXPECT_EQ(runMain(), 1);
+    makeServer(0x00030001, 0x00000000);
+    prompts.expect({"QLNAdmin requires at least version 3.1(1).\nYou are currently running version: 3.1(0.0)",
+                    "QLNAdmin Required Minimum Version", BoxIcon::critical},
+                   BoxAnswer::ok);
+    EXPECT_EQ(runMain(), 1);
+    EXPECT_FALSE(fs::exists(host.databaseFile())) << "nothing is opened before the refusal";
+    // The oldest version that is served gets past it, and is refused for its missing service only.
+    makeServer(0x00030001, 0x00010000);
+    prompts.expect({"The Quillon Service must be installed to use this application.  Exiting.",
+                    "Quillon Service not installed!", BoxIcon::critical},
+                   BoxAnswer::ok);
+    EXPECT_EQ(runMain(), 1);
+    EXPECT_TRUE(fs::exists(host.databaseFile()));
+    EXPECT_FALSE(backupExists());
+}
+
+TEST_F(Start, ComesUpInItsOrderAndEndsWithABackup) {
+    makeReady();
+    expectServiceWarning();
+    ASSERT_EQ(runMain(), -1);
+    ASSERT_NE(gMainWindow, nullptr);
+    EXPECT_TRUE(gMainWindow->isVisible());
+    EXPECT_EQ(core::gProductName, "Quillon Service");
+    EXPECT_EQ(core::gIgnoreEventKey,
+              std::stol(support::query(host.databaseFile(),
+                                       "SELECT EventKey FROM Events WHERE EventTitle = '$$IGNORE'")
+                            .at(0)));
+    EXPECT_FALSE(core::gViewsSupported);
+    // Every step's entry line, in the fixed order.
+    std::vector<std::string> order;
+    for (const std::string& line : host.logLines())
+        for (const char* step : {"checkSupportNotificationDevices", "removeKTNShortcuts", "openDatabase",
+                                 "upgradeDatabase", "installQLNService", "openCorvaneDB", "getIgnoreEventKey",
+                                 "determineViewsSupport", "rebuildAddressDetailsTable",
+                                 "makeInitialDatabaseChanges", "loadNavigationTree", "isServiceRunning"})
+            if (line.find("Entering ") != std::string::npos &&
+                line.find(std::string("]") + step + "_0") != std::string::npos)
+                order.push_back(step);
+    EXPECT_EQ(order, (std::vector<std::string>{"checkSupportNotificationDevices", "removeKTNShortcuts",
+                                               "openDatabase", "upgradeDatabase", "installQLNService",
+                                               "openCorvaneDB", "getIgnoreEventKey", "determineViewsSupport",
+                                               "rebuildAddressDetailsTable", "makeInitialDatabaseChanges",
+                                               "loadNavigationTree", "isServiceRunning"}));
+    EXPECT_FALSE(backupExists());
+    support::ManualClock clock;
+    EXPECT_THROW(mdlMain::myFinalExit(), support::ProcessEnded);
+    EXPECT_TRUE(backupExists());
+    EXPECT_EQ(clock.slept, std::chrono::milliseconds(500));
+    // Every line of the run has the one form.
+    const std::regex form(R"((    Info| Warning|   ERROR| VerInfo):\(.{45}\) .*)");
+    for (const std::string& line : host.logLines())
+        EXPECT_TRUE(std::regex_match(line, form)) << line;
+}
+
+TEST_F(Start, FindsTheDevicesThatTheHostSupports) {
+    mdlMain::checkSupportNotificationDevices();
+    EXPECT_FALSE(core::gSnmpSupported || core::gFailoverSupported || core::gPagerSupported);
+    constexpr char agents[] = "SYSTEM\\CurrentControlSet\\Services\\SNMP\\Parameters\\ExtensionAgents";
+    host.setRegistry(agents, "MeridaneCorvane", std::string());
+    host.setRegistry("SOFTWARE\\Tessaly\\TsHubNodeMgr\\1.0", "Primary", 1u);
+    mdlMain::checkSupportNotificationDevices();
+    EXPECT_FALSE(core::gSnmpSupported) << "an empty value is no agent";
+    EXPECT_TRUE(core::gFailoverSupported);
+    host.setRegistry(agents, "MeridaneCorvane", std::string("agent"));
+    mdlMain::checkSupportNotificationDevices();
+    EXPECT_TRUE(core::gSnmpSupported);
+}
+
+TEST_F(Start, ASecondStartBringsTheFirstWindowToTheFrontAndEnds) {
+    makeReady();
+    expectServiceWarning();
+    platform::WindowStation first("QLNAdmin");
+    mdlMain::Main(first);
+    gMainWindow->showMinimized();
+    // The real console program, as a second process on the same host.
+    const fs::path program = host.programFolder() / "QLNAdmin";
+    fs::copy_file(CONSOLE_PROGRAM, program);
+    QProcess second;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("QLN_HOST", QString::fromStdString((host.root() / "Host").string()));
+    environment.insert("QT_QPA_PLATFORM", "offscreen");
+    second.setProcessEnvironment(environment);
+    second.start(QString::fromStdString(program.string()), {});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return second.state() == QProcess::NotRunning; }, 20000));
+    EXPECT_EQ(second.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(second.exitCode(), 0);
+    EXPECT_FALSE(gMainWindow->isMinimized());
+    EXPECT_FALSE(backupExists()) << "the end of a second start is no orderly exit";
+}
+
+TEST_F(Start, GoesOnAsAFullInstanceWhenNoEarlierWindowIsFound) {
+    makeReady();
+    platform::WindowStation first("QLNAdmin");
+    platform::program::setTitle("another title");
+    platform::WindowStation second("QLNAdmin");
+    ASSERT_TRUE(second.earlierInstance());
+    // Nobody answers: the first instance's events do not run here.
+    mdlMain::activatePrevInstance(second);
+    EXPECT_EQ(platform::program::title(), "unwanted instance");
+    platform::program::setTitle("QLNAdmin");
+}
+
+}  // namespace

@@ -1,0 +1,15 @@
+#include "support/processEnd.h"
+
+#include "platform/host.h"
+
+namespace support {
+
+CatchProcessEnd::CatchProcessEnd() {
+    platform::program::setEnder([](int exitCode) { throw ProcessEnded{exitCode}; });
+}
+
+CatchProcessEnd::~CatchProcessEnd() {
+    platform::program::setEnder(nullptr);
+}
+
+}  // namespace support

@@ -1,0 +1,320 @@
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QComboBox>
+#include <QFrame>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QtTest/QTest>
+
+#include "core/modLocalize.h"
+#include "core/state.h"
+#include "database/events.h"
+#include "database/settings.h"
+#include "support/scriptedPrompts.h"
+#include "support/temporaryHost.h"
+#include "support/windowScript.h"
+#include "ui/frmMain.h"
+#include "ui/text.h"
+#include "ui/twips.h"
+#include "ui/widgets/keyedGrid.h"
+#include "ui/widgets/keyedTree.h"
+
+namespace {
+
+using platform::BoxAnswer;
+using platform::BoxButtons;
+using platform::BoxIcon;
+
+constexpr char sourcesKey[] = "System\\CurrentControlSet\\Services\\EventLog\\Application\\";
+
+class MainWindow : public ::testing::Test {
+  protected:
+    MainWindow() : script([](const QString& message) { ADD_FAILURE() << qPrintable(message); }) {
+        core::gCorvaneFourOrLater = true;
+        core::gProductName = "Quillon Service";
+        for (const char* source : {"Alarm", "Backup", "Cluster"})
+            host.setRegistry(sourcesKey + std::string(source), "EventMessageFile", source);
+        host.openConfiguration();
+        mdlDatabase::makeInitialDatabaseChanges();
+    }
+
+    void open() {
+        window = std::make_unique<frmMain>();
+        window->loadNavigationTree();
+        window->selectNode(window->nodeAt(1));
+        window->show();
+        tree = window->tvNavigation;
+        grid = window->findChild<ui::KeyedGrid*>("vsflexgridMonitoredEvents");
+    }
+
+    long add(const std::string& source, const std::string& id, const std::string& title = "") {
+        return mdlDatabase::addNewEvent({source, id, title, 2, {"a.wav", 1, "subject", "body", 1}});
+    }
+
+    template <class Control>
+    Control* find(const char* name) {
+        return window->findChild<Control*>(name);
+    }
+
+    QPoint placeOf(const std::string& key) {
+        tree->ensureVisible(key);
+        const QString text = ui::fromUtf8(tree->nodeText(key));
+        return tree->visualItemRect(tree->findItems(text, Qt::MatchExactly | Qt::MatchRecursive).at(0))
+            .center();
+    }
+
+    int visiblePane() {
+        for (int i = 0; i < 8; ++i)
+            if (find<QWidget>(qPrintable("vsviewportDetails_" + QString::number(i)))->isVisible())
+                return i;
+        return -1;
+    }
+
+    support::TemporaryHost host;
+    support::ScriptedPrompts prompts;
+    support::WindowScript script;
+    std::unique_ptr<frmMain> window;
+    ui::KeyedTree* tree = nullptr;
+    ui::KeyedGrid* grid = nullptr;
+};
+
+TEST_F(MainWindow, BuildsItsTreeWithStatesAndKeepsItsShapeOverARebuild) {
+    const long plain = add("Backup", "17", "nightly");
+    const long all = add("Alarm", "-1");
+    mdlDatabase::setEventActiveState(all, true);
+    support::run(host.databaseFile(),
+                 "INSERT INTO Recipients(RecipientName, RecipientActive) VALUES('Ana', -1);"
+                 "INSERT INTO Exclusions VALUES(0, 'Cluster', -1), (1, 'Backup', 5);");
+    open();
+    EXPECT_EQ(tree->nodeText(tree->keyAt(1)), "Monitored Events");
+    EXPECT_EQ(tree->nodeText(tree->keyAt(2)), "Recipients");
+    EXPECT_EQ(tree->nodeText(tree->keyAt(3)), "Exclusions");
+    // The catch-all event comes first, then by source.
+    EXPECT_EQ(tree->nodeText(tree->keyAt(5)), "Alarm (All)");
+    EXPECT_EQ(tree->nodeText(tree->keyAt(6)), "Backup (17)");
+    EXPECT_EQ(tree->nodeText("RecipientKey:1"), "Ana");
+    EXPECT_EQ(tree->nodeText("ExclusionKey-0"), "Cluster (All)");
+    EXPECT_EQ(tree->nodeText("ExclusionKey-1"), "Backup (5)");
+    const auto item = [&](const char* text) {
+        return tree->findItems(text, Qt::MatchExactly | Qt::MatchRecursive).at(0);
+    };
+    EXPECT_TRUE(item("Alarm (All)")->font(0).bold());
+    EXPECT_FALSE(item("Backup (17)")->font(0).bold());
+    EXPECT_NE(item("Alarm (All)")->icon(0).cacheKey(), item("Backup (17)")->icon(0).cacheKey());
+    EXPECT_EQ(window->findNode(nodeTypeEvent, plain), "EventKey-" + std::to_string(plain));
+    EXPECT_EQ(window->findNode(nodeTypeRecipient, plain), "");
+
+    tree->topLevelItem(1)->setExpanded(false);
+    window->loadNavigationTree();
+    EXPECT_TRUE(tree->topLevelItem(0)->isExpanded());
+    EXPECT_FALSE(tree->topLevelItem(1)->isExpanded());
+    tree->topLevelItem(1)->setExpanded(true);
+    window->loadNavigationTree();
+    EXPECT_TRUE(tree->topLevelItem(1)->isExpanded());
+    EXPECT_EQ(host.countInLog("ERROR"), 0);
+}
+
+TEST_F(MainWindow, SwitchesPanesAndMenusWithTheNode) {
+    const long key = add("Backup", "17");
+    support::run(host.databaseFile(),
+                 "INSERT INTO Recipients(RecipientName, RecipientActive) VALUES('Ana', -1);"
+                 "INSERT INTO Exclusions VALUES(0, 'Cluster', -1);");
+    open();
+    auto* remove = find<QAction>("mnuFileDelete");
+    EXPECT_EQ(visiblePane(), 0);
+    EXPECT_FALSE(remove->isEnabled());
+    const std::pair<std::string, int> stops[] = {{"keyRecipients", 2},
+                                                 {"keyExclusions", 6},
+                                                 {"RecipientKey:1", 3},
+                                                 {"ExclusionKey-0", 7},
+                                                 {"EventKey-" + std::to_string(key), 1}};
+    for (const auto& [node, pane] : stops) {
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, placeOf(node));
+        EXPECT_EQ(visiblePane(), pane) << node;
+        EXPECT_EQ(tree->selectedKey(), node);
+    }
+    EXPECT_TRUE(remove->isEnabled());
+    EXPECT_TRUE(find<QAction>("mnuPopupDeleteEvent")->isVisible());
+    EXPECT_FALSE(find<QAction>("mnuPopupAddEvent")->isVisible());
+    EXPECT_FALSE(find<QAction>("mnuDummyLastItem")->isVisible());
+    window->selectNode("no such node");
+    EXPECT_EQ(visiblePane(), 1);
+}
+
+TEST_F(MainWindow, AddsAnEventThroughTheDialogAndSelectsIt) {
+    open();
+    script.expect("dlgEvent", [&](QWidget& dialog) {
+        auto* ok = dialog.findChild<QPushButton*>("cmdOk");
+        auto* sources = dialog.findChild<QComboBox*>("comboEventSource");
+        auto* id = dialog.findChild<QLineEdit*>("tdbnlSpecificEventId");
+        EXPECT_EQ(sources->count(), 3);
+        EXPECT_EQ(sources->currentIndex(), -1);
+        EXPECT_FALSE(ok->isEnabled());
+        EXPECT_FALSE(id->isVisible());
+        EXPECT_EQ(id->text(), "-1");
+        sources->setFocus();
+        QTest::keyClicks(sources, "B");
+        EXPECT_TRUE(ok->isEnabled());
+        dialog.findChild<QRadioButton*>("optionEventId_1")->click();
+        EXPECT_TRUE(id->isVisible());
+        EXPECT_FALSE(ok->isEnabled()) << "a specific id is missing";
+        QTest::keyClicks(id, "42");
+        EXPECT_TRUE(ok->isEnabled());
+        dialog.findChild<QComboBox*>("comboEmailPriority")->setCurrentIndex(0);
+        dialog.findChild<QComboBox*>("comboEventType")->setCurrentIndex(2);
+        dialog.findChild<QLineEdit*>("txtEventTitle")->setText("it's; \"quoted\" 100%");
+        QTest::mouseClick(ok, Qt::LeftButton);
+    });
+    find<QAction>("mnuFileNewEvent")->trigger();
+    EXPECT_EQ(tree->nodeText(tree->selectedKey()), "Backup (42)");
+    EXPECT_EQ(support::query(host.databaseFile(),
+                             "SELECT EventSource, EventId, EventTitle, EventType, EventActive FROM Events "
+                             "ORDER BY EventKey DESC LIMIT 1"),
+              (std::vector<std::string>{"Backup|42|it's; \"quoted\" 100%|4|0"}));
+    EXPECT_EQ(
+        support::query(
+            host.databaseFile(),
+            "SELECT ContentType, ContentPriority, ContentAttachment FROM Contents ORDER BY ContentType"),
+        (std::vector<std::string>{"1|1|QLN_Default_ENU.wav", "3|2|NULL"}));
+
+    // Going back to all ids, and cancelling, write nothing.
+    script.expect("Add New Event", [&](QWidget& dialog) {
+        EXPECT_EQ(dialog.findChild<QLineEdit*>("txtEventTitle")->text(), "")
+            << "the shared dialog starts fresh";
+        dialog.findChild<QRadioButton*>("optionEventId_1")->click();
+        dialog.findChild<QRadioButton*>("optionEventId_0")->click();
+        EXPECT_EQ(dialog.findChild<QLineEdit*>("tdbnlSpecificEventId")->text(), "-1");
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    find<QPushButton>("cmdCreateNewEvent")->click();
+    EXPECT_EQ(support::query(host.databaseFile(), "SELECT Count(*) FROM Events"),
+              std::vector<std::string>{"3"});
+}
+
+TEST_F(MainWindow, DuplicateDeclinedSelectsTheExistingEvent) {
+    const long existing = add("Backup", "-1");
+    open();
+    prompts.expect(
+        {"A duplicate of this event source and id was found.\nEvent Source: Backup   Event Id:-1\n\n"
+         "Are you sure you want to create this event?",
+         "Duplicate Monitored Event", BoxIcon::question, BoxButtons::yesNo},
+        BoxAnswer::no);
+    script.expect("dlgEvent", [&](QWidget& dialog) {
+        auto* sources = dialog.findChild<QComboBox*>("comboEventSource");
+        sources->setFocus();
+        QTest::keyClicks(sources, "B");
+        dialog.findChild<QPushButton*>("cmdOk")->click();
+    });
+    find<QAction>("mnuFileNewEvent")->trigger();
+    EXPECT_EQ(tree->selectedKey(), "EventKey-" + std::to_string(existing));
+}
+
+TEST_F(MainWindow, GridSwitchesAnEventAtOnceAndDeletesAfterAQuestion) {
+    const long key = add("Backup", "17");
+    open();
+    ASSERT_EQ(grid->gridRowCount(), 2);
+    EXPECT_EQ(grid->cellText(1, "EventSource"), "All Corvane Errors");
+    EXPECT_EQ(grid->cellText(1, "EventID"), "All");
+    EXPECT_EQ(grid->cellText(2, "EventType"), "Errors & Warnings");
+    auto* remove = find<QPushButton>("cmdDeleteSelectedEvent");
+    const auto click = [&](int row, const char* column) {
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->cellRectangle(row, column).center());
+    };
+    const auto active = [&] {
+        return support::query(host.databaseFile(),
+                              "SELECT EventActive FROM Events WHERE EventKey = " + std::to_string(key));
+    };
+    EXPECT_FALSE(remove->isEnabled());
+    click(2, "EventSource");
+    EXPECT_TRUE(remove->isEnabled());
+    EXPECT_EQ(active(), std::vector<std::string>{"0"}) << "a click outside the column changes nothing";
+    click(2, "EventActive");
+    EXPECT_EQ(active(), std::vector<std::string>{"-1"});
+    EXPECT_EQ(grid->currentGridRow(), 2);
+    click(2, "EventActive");
+    EXPECT_EQ(active(), std::vector<std::string>{"0"});
+
+    // The catch-all event stays, an ordinary one goes after a Yes.
+    click(1, "EventSource");
+    prompts.expect({"You can not delete this event.  You can only deactivate it.", "Can Not Delete Event",
+                    BoxIcon::information, BoxButtons::ok},
+                   BoxAnswer::ok);
+    QTest::mouseClick(remove, Qt::LeftButton);
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, placeOf("EventKey-" + std::to_string(key)));
+    const platform::MessageBox question{"Are your sure you want to delete event: Backup (17)",
+                                        "Delete Selected Event?", BoxIcon::question, BoxButtons::yesNo};
+    prompts.expect(question, BoxAnswer::no);
+    find<QAction>("mnuFileDelete")->trigger();
+    EXPECT_EQ(grid->gridRowCount(), 2);
+    prompts.expect(question, BoxAnswer::yes);
+    find<QAction>("mnuFileDelete")->trigger();
+    EXPECT_EQ(grid->gridRowCount(), 1);
+    EXPECT_EQ(tree->selectedKey(), tree->keyAt(1));
+    EXPECT_EQ(visiblePane(), 0);
+}
+
+TEST_F(MainWindow, DoubleClickOpensTheEventAndThePopupAddsOneAfterItClosed) {
+    const long key = add("Backup", "17");
+    open();
+    const QPoint cell = grid->cellRectangle(2, "EventSource").center();
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cell);
+    QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, cell);
+    EXPECT_EQ(tree->selectedKey(), "EventKey-" + std::to_string(key));
+    EXPECT_EQ(visiblePane(), 1);
+    script.expectMenu("mnuPopupAddEvent");
+    script.expect("dlgEvent", [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    QTest::mouseClick(tree->viewport(), Qt::RightButton, {}, placeOf("keyMonitoredEvents"));
+    EXPECT_TRUE(script.finished());
+    EXPECT_EQ(tree->selectedKey(), "keyMonitoredEvents");
+}
+
+TEST_F(MainWindow, LaysItselfOutWithinItsLimits) {
+    open();
+    EXPECT_EQ(window->width(), 770);
+    EXPECT_EQ(window->height(), 592);
+    window->resize(700, ui::pixels(4000));
+    EXPECT_GE(ui::twips(window->height()), 5000) << "a lower window springs back";
+    int splitter = 300;
+    window->SizeControls(splitter);
+    EXPECT_EQ(splitter, 1500);
+    splitter = 1'000'000;
+    window->SizeControls(splitter);
+    EXPECT_EQ(splitter, ui::twips(700) - 1500);
+    EXPECT_EQ(find<QWidget>("vsviewportDetails_0")->geometry(),
+              find<QWidget>("vsviewportDetails_7")->geometry());
+
+    // Dragged to 300 twips the bar stops at 500 and the layout at 1500.
+    auto* area = find<QFrame>("imgSplitter");
+    auto* bar = find<QFrame>("picSplitter");
+    const QPoint start(2, 50);
+    QTest::mousePress(area, Qt::LeftButton, {}, start);
+    EXPECT_TRUE(bar->isVisible());
+    QTest::mouseMove(area, area->mapFrom(window->centralWidget(), QPoint(ui::pixels(300), 50)));
+    EXPECT_EQ(bar->x(), ui::pixels(500));
+    QTest::mouseRelease(area, Qt::LeftButton, {}, start);
+    EXPECT_FALSE(bar->isVisible());
+    EXPECT_EQ(area->x(), ui::pixels(1500));
+}
+
+TEST_F(MainWindow, HoverTipTellsAnEventsHealth) {
+    const long key = add("Backup", "17", "nightly");
+    open();
+    const std::string node = "EventKey-" + std::to_string(key);
+    const std::string dashes(40, '-');
+    EXPECT_EQ(
+        window->constructNavigationToolTip(node),
+        "nightly\n" + dashes + "\nEvent: Inactive\nRecipients: 0\nNo Active Recipients\nNo Active Devices");
+    EXPECT_EQ(window->constructNavigationToolTip("keyExclusions"), "Exclusions");
+    support::run(
+        host.databaseFile(),
+        "INSERT INTO Recipients VALUES(1, 'Ana', -1); INSERT INTO Device VALUES(1, 4, 'a@b', -1);"
+        "INSERT INTO DeviceRecipient VALUES(1, 1); INSERT INTO AddressDetails VALUES('a@b', 'a@b', 4, 1);"
+        "INSERT INTO EventDevice VALUES(" +
+            std::to_string(key) + ", 1, -1);");
+    mdlDatabase::setEventActiveState(key, true);
+    EXPECT_EQ(window->constructNavigationToolTip(node), "nightly\n" + dashes + "\nEvent: Active");
+}
+
+}  // namespace

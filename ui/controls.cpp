@@ -1,0 +1,49 @@
+#include "ui/controls.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QSignalBlocker>
+
+#include "database/settings.h"
+#include "ui/text.h"
+
+namespace ui {
+
+void fillCombo(QComboBox& combo, std::initializer_list<long> texts) {
+    const int row = combo.currentIndex();
+    const QSignalBlocker captionsAreNoChange(combo);
+    combo.clear();
+    for (long id : texts)
+        combo.addItem(text(id));
+    combo.setCurrentIndex(row < combo.count() ? row : -1);
+}
+
+QString plainCaption(QString caption) {
+    caption.remove('&');
+    if (caption.endsWith(':'))
+        caption.chop(1);
+    return caption.trimmed();
+}
+
+void nameByBuddy(QWidget& window) {
+    for (const QLabel* label : window.findChildren<QLabel*>())
+        if (label->buddy())
+            label->buddy()->setAccessibleName(plainCaption(label->text()));
+}
+
+void setTabOrder(std::initializer_list<QWidget*> controls) {
+    QWidget* before = nullptr;
+    for (QWidget* control : controls) {
+        if (before)
+            QWidget::setTabOrder(before, control);
+        before = control;
+    }
+}
+
+int priorityRow(const std::string& storedPriority) {
+    bool isNumber = false;
+    const int stored = fromUtf8(storedPriority).toInt(&isNumber);
+    return static_cast<int>(mdlDatabase::mapPriority(isNumber ? stored : 2));
+}
+
+}  // namespace ui

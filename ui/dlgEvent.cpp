@@ -1,0 +1,273 @@
+#include "ui/dlgEvent.h"
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "core/procedure.h"
+#include "core/state.h"
+#include "database/settings.h"
+#include "platform/process.h"
+#include "server/eventSources.h"
+#include "ui/controls.h"
+#include "ui/formFonts.h"
+#include "ui/text.h"
+#include "ui/widgets/numberBox.h"
+#include "ui/widgets/variableTextBox.h"
+
+namespace {
+
+constexpr char module[] = "dlgEvent";
+constexpr long long idLimit = 999'999'999'999'999;
+
+enum EventIdChoice { allEventIds = 0, specificEventId = 1 };
+
+}  // namespace
+
+dlgEvent::dlgEvent(QWidget* parent) : QDialog(parent) {
+    setObjectName("dlgEvent");
+    lblEventSource = ui::makeControl<QLabel>(this, "lblEventSource");
+    comboEventSource = ui::makeControl<QComboBox>(this, "comboEventSource");
+    frameEventId = ui::makeControl<QGroupBox>(this, "frameEventId");
+    for (int i : {allEventIds, specificEventId})
+        optionEventId.push_back(
+            ui::makeControl<QRadioButton>(frameEventId, "optionEventId_" + std::to_string(i)));
+    tdbnlSpecificEventId = new ui::NumberBox(-idLimit, idLimit, frameEventId);
+    tdbnlSpecificEventId->setObjectName("tdbnlSpecificEventId");
+    lblEventType = ui::makeControl<QLabel>(this, "lblEventType");
+    comboEventType = ui::makeControl<QComboBox>(this, "comboEventType");
+    lblEventTitle = ui::makeControl<QLabel>(this, "lblEventTitle");
+    txtEventTitle = ui::makeControl<QLineEdit>(this, "txtEventTitle");
+    frameContent = ui::makeControl<QGroupBox>(this, "frameContent");
+    lblVoiceMailFilename = ui::makeControl<QLabel>(frameContent, "lblVoiceMailFilename");
+    txtVoiceMailFileName = ui::makeControl<QLineEdit>(frameContent, "txtVoiceMailFileName");
+    lblVoiceMailPriority = ui::makeControl<QLabel>(frameContent, "lblVoiceMailPriority");
+    comboVoiceMailPriority = ui::makeControl<QComboBox>(frameContent, "comboVoiceMailPriority");
+    lblEmailSubject = ui::makeControl<QLabel>(frameContent, "lblEmailSubject");
+    rtbEmailSubject = new ui::VariableTextBox(ui::VariableTextBox::Lines::one, frameContent);
+    rtbEmailSubject->setObjectName("rtbEmailSubject");
+    Label1 = ui::makeControl<QLabel>(frameContent, "Label1");
+    rtbEmailBody = new ui::VariableTextBox(ui::VariableTextBox::Lines::many, frameContent);
+    rtbEmailBody->setObjectName("rtbEmailBody");
+    lblEmailPriority = ui::makeControl<QLabel>(frameContent, "lblEmailPriority");
+    comboEmailPriority = ui::makeControl<QComboBox>(frameContent, "comboEmailPriority");
+    cmdOpenEventViewer = ui::makeControl<QPushButton>(this, "cmdOpenEventViewer");
+    cmdOk = ui::makeControl<QPushButton>(this, "cmdOk");
+    cmdCancel = ui::makeControl<QPushButton>(this, "cmdCancel");
+    buildLayout();
+    dlgEvent_ControlInit();
+    ui::setFormFonts(*this);
+    connectControls();
+}
+
+void dlgEvent::buildLayout() {
+    auto* idRow = new QHBoxLayout(frameEventId);
+    idRow->addWidget(optionEventId[allEventIds]);
+    idRow->addSpacing(12);
+    idRow->addWidget(optionEventId[specificEventId]);
+    idRow->addWidget(tdbnlSpecificEventId);
+    idRow->addStretch();
+    tdbnlSpecificEventId->setMaximumWidth(150);
+    // The row keeps its height while the box comes and goes.
+    QSizePolicy keep = tdbnlSpecificEventId->sizePolicy();
+    keep.setRetainSizeWhenHidden(true);
+    tdbnlSpecificEventId->setSizePolicy(keep);
+
+    auto* match = new QGridLayout;
+    match->setColumnStretch(1, 1);
+    match->addWidget(lblEventSource, 0, 0);
+    match->addWidget(comboEventSource, 0, 1);
+    match->addWidget(frameEventId, 1, 1);
+    match->addWidget(lblEventType, 2, 0);
+    match->addWidget(comboEventType, 2, 1);
+    match->addWidget(lblEventTitle, 3, 0);
+    match->addWidget(txtEventTitle, 3, 1);
+
+    auto* content = new QGridLayout(frameContent);
+    content->setColumnStretch(1, 1);
+    content->addWidget(lblVoiceMailFilename, 0, 0);
+    content->addWidget(txtVoiceMailFileName, 0, 1);
+    content->addWidget(lblVoiceMailPriority, 1, 0);
+    content->addWidget(comboVoiceMailPriority, 1, 1, Qt::AlignLeft);
+    content->addWidget(lblEmailSubject, 2, 0);
+    content->addWidget(rtbEmailSubject, 2, 1);
+    content->addWidget(Label1, 3, 0, Qt::AlignTop);
+    content->addWidget(rtbEmailBody, 3, 1);
+    content->addWidget(lblEmailPriority, 4, 0);
+    content->addWidget(comboEmailPriority, 4, 1, Qt::AlignLeft);
+    content->setRowStretch(3, 1);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(cmdOpenEventViewer);
+    buttons->addStretch();
+    buttons->addWidget(cmdOk);
+    buttons->addWidget(cmdCancel);
+    cmdOk->setDefault(true);
+    cmdOpenEventViewer->setAutoDefault(false);
+
+    auto* whole = new QVBoxLayout(this);
+    whole->addLayout(match);
+    whole->addWidget(frameContent, 1);
+    whole->addLayout(buttons);
+
+    lblEventSource->setBuddy(comboEventSource);
+    lblEventType->setBuddy(comboEventType);
+    lblEventTitle->setBuddy(txtEventTitle);
+    lblVoiceMailFilename->setBuddy(txtVoiceMailFileName);
+    lblVoiceMailPriority->setBuddy(comboVoiceMailPriority);
+    lblEmailSubject->setBuddy(rtbEmailSubject);
+    Label1->setBuddy(rtbEmailBody);
+    lblEmailPriority->setBuddy(comboEmailPriority);
+    ui::setTabOrder({comboEventSource, optionEventId[0], optionEventId[1], tdbnlSpecificEventId,
+                     comboEventType, txtEventTitle, txtVoiceMailFileName, comboVoiceMailPriority,
+                     rtbEmailSubject, rtbEmailBody, comboEmailPriority, cmdOpenEventViewer, cmdOk,
+                     cmdCancel});
+    resize(640, 620);
+}
+
+void dlgEvent::dlgEvent_ControlInit() {
+    core::procedure(module, "dlgEvent_ControlInit", [&](core::Frame&) {
+        lblEventSource->setText(ui::text(1053));
+        frameEventId->setTitle(ui::text(1019));
+        optionEventId[allEventIds]->setText(ui::text(1021));
+        optionEventId[specificEventId]->setText(ui::text(1020));
+        lblEventType->setText(ui::text(1052));
+        ui::fillCombo(*comboEventType, {1027, 1028, 1029});
+        lblEventTitle->setText(ui::text(1151));
+        frameContent->setTitle(ui::text(1054));
+        lblVoiceMailFilename->setText(ui::text(1038));
+        lblVoiceMailPriority->setText(ui::text(1042));
+        ui::fillCombo(*comboVoiceMailPriority, {1035, 1036});
+        lblEmailSubject->setText(ui::text(1039));
+        Label1->setText(ui::text(1040));
+        lblEmailPriority->setText(ui::text(1043));
+        ui::fillCombo(*comboEmailPriority, {1035, 1036});
+        cmdOpenEventViewer->setText(ui::text(1057));
+        cmdOk->setText(ui::text(1001));
+        cmdCancel->setText(ui::text(1023));
+        ui::nameByBuddy(*this);
+        tdbnlSpecificEventId->setAccessibleName(ui::plainCaption(optionEventId[specificEventId]->text()));
+    });
+}
+
+void dlgEvent::connectControls() {
+    connect(comboEventSource, &QComboBox::activated, this, &dlgEvent::comboEventSource_Click);
+    for (int i : {allEventIds, specificEventId})
+        connect(optionEventId[static_cast<std::size_t>(i)], &QRadioButton::clicked, this,
+                [this, i] { optionEventId_Click(i); });
+    connect(tdbnlSpecificEventId, &QLineEdit::textChanged, this, [this] { updateOkButton(); });
+    connect(comboVoiceMailPriority, &QComboBox::currentIndexChanged, this,
+            [this](int index) { voiceMailPriority = mdlDatabase::mapPriority(index); });
+    connect(comboEmailPriority, &QComboBox::currentIndexChanged, this,
+            [this](int index) { emailPriority = mdlDatabase::mapPriority(index); });
+    connect(cmdOpenEventViewer, &QPushButton::clicked, this, &dlgEvent::cmdOpenEventViewer_Click);
+    connect(cmdOk, &QPushButton::clicked, this, &dlgEvent::cmdOk_Click);
+    connect(cmdCancel, &QPushButton::clicked, this, &dlgEvent::cmdCancel_Click);
+}
+
+void dlgEvent::displayForm() {
+    core::procedure(module, "displayForm", [&](core::Frame& frame) {
+        setWindowTitle(ui::text(1018));
+        frame.step([&] { fillSources(); });
+        optionEventId[allEventIds]->setChecked(true);
+        tdbnlSpecificEventId->hide();
+        comboEventType->setCurrentIndex(0);
+        tdbnlSpecificEventId->setText("-1");
+        txtEventTitle->clear();
+        comboVoiceMailPriority->setCurrentIndex(1);
+        comboEmailPriority->setCurrentIndex(1);
+        updateOkButton();
+        cancelled = true;
+        frame.step([&] { fillContent(); });
+        frame.steps({[&] {
+                         comboVoiceMailPriority->setCurrentIndex(ui::priorityRow(
+                             mdlDatabase::getConfigurationSetting("DefaultVoiceMailPriority")));
+                     },
+                     [&] {
+                         comboEmailPriority->setCurrentIndex(
+                             ui::priorityRow(mdlDatabase::getConfigurationSetting("DefaultEmailPriority")));
+                     }});
+        comboEventSource->setFocus();
+        exec();
+    });
+}
+
+void dlgEvent::fillSources() {
+    comboEventSource->clear();
+    for (const std::string& source : mdlUtility::getEventSources(core::gCorvaneFourOrLater, false, false))
+        comboEventSource->addItem(ui::fromUtf8(source));
+    comboEventSource->setCurrentIndex(-1);
+}
+
+void dlgEvent::fillContent() {
+    txtVoiceMailFileName->setText(ui::fromUtf8(mdlDatabase::getDefaultContent(1).text));
+    const auto content = mdlDatabase::getDefaultContent(3).parts;
+    rtbEmailSubject->setStoredText(content.at("Subject"));
+    rtbEmailBody->setStoredText(content.at("Body"));
+}
+
+void dlgEvent::updateOkButton() {
+    core::procedure(module, "updateOkButton", [&](core::Frame&) {
+        bool enabled = !comboEventSource->currentText().isEmpty();
+        if (optionEventId[specificEventId]->isChecked() && !tdbnlSpecificEventId->hasNumber())
+            enabled = false;
+        cmdOk->setEnabled(enabled);
+    });
+}
+
+void dlgEvent::comboEventSource_Click() {
+    core::procedure(module, "comboEventSource_Click", [&](core::Frame&) { updateOkButton(); });
+}
+
+void dlgEvent::optionEventId_Click(int index) {
+    core::procedure(module, "optionEventId_Click", [&](core::Frame&) {
+        tdbnlSpecificEventId->setVisible(index == specificEventId);
+        if (index == allEventIds) {
+            tdbnlSpecificEventId->setText("-1");
+        } else {
+            tdbnlSpecificEventId->clear();
+            tdbnlSpecificEventId->setFocus();
+        }
+        updateOkButton();
+    });
+}
+
+void dlgEvent::cmdOk_Click() {
+    core::procedure(module, "cmdOk_Click", [&](core::Frame&) {
+        cancelled = false;
+        accept();
+    });
+}
+
+void dlgEvent::cmdCancel_Click() {
+    core::procedure(module, "cmdCancel_Click", [&](core::Frame&) {
+        cancelled = true;
+        reject();
+    });
+}
+
+void dlgEvent::cmdOpenEventViewer_Click() {
+    core::procedure(module, "cmdOpenEventViewer_Click",
+                    [&](core::Frame& frame) { frame.step([&] { platform::startDetached("EventVwr"); }); });
+}
+
+mdlDatabase::NewEvent dlgEvent::newEvent() const {
+    mdlDatabase::NewEvent event;
+    event.eventSource = ui::toUtf8(comboEventSource->currentText());
+    event.eventId = ui::toUtf8(tdbnlSpecificEventId->text());
+    event.eventTitle = ui::toUtf8(txtEventTitle->text());
+    event.eventType = static_cast<short>(mdlDatabase::mapEventType(comboEventType->currentIndex(), false));
+    event.content.contentAttachment = ui::toUtf8(txtVoiceMailFileName->text());
+    event.content.voicePriority = voiceMailPriority;
+    event.content.contentSubject = rtbEmailSubject->storedText();
+    event.content.contentNote = rtbEmailBody->storedText();
+    event.content.emailPriority = emailPriority;
+    return event;
+}

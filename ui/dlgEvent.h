@@ -1,0 +1,75 @@
+// "Add New Event": collects what a new monitored event needs. It writes nothing; the caller reads it after
+// it closed.
+#pragma once
+
+#include <QDialog>
+#include <string>
+#include <vector>
+
+#include "database/events.h"
+
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+
+namespace ui {
+class NumberBox;
+class VariableTextBox;
+}  // namespace ui
+
+class dlgEvent : public QDialog {
+    Q_OBJECT
+
+  public:
+    explicit dlgEvent(QWidget* parent);
+
+    // Prepares the dialog and shows it modally; returns when it is closed.
+    void displayForm();
+    void dlgEvent_ControlInit();
+
+    // Read after displayForm. True when the dialog ended without OK.
+    bool cancelled = true;
+    long voiceMailPriority = 1;  // stored values: 2 Urgent, 1 Normal, 0 Low
+    long emailPriority = 1;
+    // What the controls hold, as a new event.
+    mdlDatabase::NewEvent newEvent() const;
+
+  private:
+    void buildLayout();
+    void connectControls();
+    void fillSources();
+    void fillContent();
+    void updateOkButton();
+    void comboEventSource_Click();
+    void optionEventId_Click(int index);
+    void cmdOk_Click();
+    void cmdCancel_Click();
+    void cmdOpenEventViewer_Click();
+
+    QLabel* lblEventSource;
+    QComboBox* comboEventSource;
+    QGroupBox* frameEventId;
+    std::vector<QRadioButton*> optionEventId;
+    ui::NumberBox* tdbnlSpecificEventId;
+    QLabel* lblEventType;
+    QComboBox* comboEventType;
+    QLabel* lblEventTitle;
+    QLineEdit* txtEventTitle;
+    QGroupBox* frameContent;
+    QLabel* lblVoiceMailFilename;
+    QLineEdit* txtVoiceMailFileName;
+    QLabel* lblVoiceMailPriority;
+    QComboBox* comboVoiceMailPriority;
+    QLabel* lblEmailSubject;
+    ui::VariableTextBox* rtbEmailSubject;
+    QLabel* Label1;
+    ui::VariableTextBox* rtbEmailBody;
+    QLabel* lblEmailPriority;
+    QComboBox* comboEmailPriority;
+    QPushButton* cmdOpenEventViewer;
+    QPushButton* cmdOk;
+    QPushButton* cmdCancel;
+};

@@ -1,0 +1,300 @@
+#include "ui/frmMain.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFrame>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMouseEvent>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+#include "core/procedure.h"
+#include "core/state.h"
+#include "ui/cTooltip.h"
+#include "ui/controls.h"
+#include "ui/dlgEvent.h"
+#include "ui/formFonts.h"
+#include "ui/paneEventDetails.h"
+#include "ui/paneMonitoredEvents.h"
+#include "ui/text.h"
+#include "ui/twips.h"
+#include "ui/widgets/keyedTree.h"
+
+frmMain* gMainWindow = nullptr;
+
+namespace {
+
+constexpr char module[] = "frmMain";
+
+// All in twips.
+constexpr int firstWidth = 11550;
+constexpr int firstHeight = 8880;
+constexpr int lowestHeight = 5000;
+constexpr int splitterMargin = 1500;
+constexpr int dragMargin = 500;
+constexpr int treeTop = 60;
+constexpr int firstSplitter = 3900;
+constexpr int hitAreaWidth = 90;
+
+constexpr int maximumTipWidth = 400;  // pixels
+constexpr int paneCount = 8;
+
+// A pane whose content is told by its heading alone.
+QWidget* makeHeadingPane(QWidget* parent, const char* labelName) {
+    auto* pane = new QWidget(parent);
+    auto* layout = new QVBoxLayout(pane);
+    auto* label = ui::makeControl<QLabel>(pane, labelName);
+    QFont bold = label->font();
+    bold.setBold(true);
+    label->setFont(bold);
+    layout->addWidget(label);
+    layout->addStretch();
+    return pane;
+}
+
+}  // namespace
+
+frmMain::frmMain() {
+    setObjectName("frmMain");
+    gMainWindow = this;
+    createControls();
+    createMenus();
+    createPanes();
+    connectTree();
+    Form_Load();
+}
+
+frmMain::~frmMain() {
+    gMainWindow = nullptr;
+}
+
+void frmMain::createControls() {
+    Q_INIT_RESOURCE(ui);  // a static library's resources are not there by themselves
+    setWindowIcon(QIcon(":/icons/console.svg"));
+    imagelistTreeNodes_ = {QIcon(), QIcon(":/icons/category.svg"), QIcon(":/icons/complete.svg"),
+                           QIcon(":/icons/incomplete.svg"), QIcon(":/icons/inactive.svg")};
+    auto* client = ui::makeControl<QWidget>(this, "client");
+    setCentralWidget(client);
+    tvNavigation = ui::makeControl<ui::KeyedTree>(client, "tvNavigation");
+    imgSplitter_ = ui::makeControl<QFrame>(client, "imgSplitter");
+    imgSplitter_->setCursor(Qt::SplitHCursor);
+    imgSplitter_->installEventFilter(this);
+    picSplitter_ = ui::makeControl<QFrame>(client, "picSplitter");
+    picSplitter_->setAutoFillBackground(true);
+    picSplitter_->setBackgroundRole(QPalette::Highlight);
+    picSplitter_->setAttribute(Qt::WA_TransparentForMouseEvents);
+    picSplitter_->hide();
+    sbStatusBar_ = statusBar();
+    sbStatusBar_->setObjectName("sbStatusBar");
+}
+
+void frmMain::createMenus() {
+    const auto entry = [this](QMenu* menu, const std::string& name, void (frmMain::*handler)()) {
+        auto* action = new QAction(this);
+        action->setObjectName(QString::fromStdString(name));
+        menu->addAction(action);
+        if (handler)
+            connect(action, &QAction::triggered, this, handler);
+        actions_[name] = action;
+    };
+    mnuFile_ = menuBar()->addMenu(QString());
+    mnuFile_->setObjectName("mnuFile");
+    mnuFileNew_ = mnuFile_->addMenu(QString());
+    mnuFileNew_->setObjectName("mnuFileNew");
+    entry(mnuFileNew_, "mnuFileNewEvent", &frmMain::mnuFileNewEvent_Click);
+    entry(mnuFile_, "mnuFileDelete", &frmMain::mnuFileDelete_Click);
+    mnuFile_->addSeparator()->setObjectName("mnuFileSep1");
+    entry(mnuFile_, "mnuExit", &frmMain::mnuExit_Click);
+    mnuPopup_ = new QMenu(this);
+    mnuPopup_->setObjectName("mnuPopup");
+    entry(mnuPopup_, "mnuPopupAddEvent", &frmMain::mnuPopupAddEvent_Click);
+    entry(mnuPopup_, "mnuPopupDeleteEvent", &frmMain::mnuPopupDeleteEvent_Click);
+    entry(mnuPopup_, "mnuDummyLastItem", nullptr);
+}
+
+void frmMain::createPanes() {
+    QWidget* client = centralWidget();
+    paneMonitoredEvents_ = new paneMonitoredEvents(client);
+    paneEventDetails_ = new paneEventDetails(client);
+    vsviewportDetails_ = {paneMonitoredEvents_,
+                          paneEventDetails_,
+                          makeHeadingPane(client, "lblAllRecipients"),
+                          makeHeadingPane(client, "lblRecipientName"),
+                          makeHeadingPane(client, "lblReports"),
+                          makeHeadingPane(client, "lblReport"),
+                          makeHeadingPane(client, "lblAllExclusions"),
+                          makeHeadingPane(client, "lblExclusionSource")};
+    for (int i = 0; i < paneCount; ++i)
+        vsviewportDetails_[static_cast<std::size_t>(i)]->setObjectName("vsviewportDetails_" +
+                                                                       QString::number(i));
+    connect(paneMonitoredEvents_, &paneMonitoredEvents::newEventWanted, this,
+            &frmMain::mnuFileNewEvent_Click);
+    connect(paneMonitoredEvents_, &paneMonitoredEvents::eventsChanged, this, &frmMain::showEventsRoot);
+    connect(paneMonitoredEvents_, &paneMonitoredEvents::eventOpened, this,
+            [this](long key) { selectNode(findNode(nodeTypeEvent, key)); });
+}
+
+void frmMain::connectTree() {
+    using ui::KeyedTree;
+    connect(tvNavigation, &KeyedTree::nodeClicked, this, &frmMain::tvNavigation_NodeClick);
+    connect(tvNavigation, &KeyedTree::nodeExpanded, this, &frmMain::tvNavigation_Expand);
+    connect(tvNavigation, &KeyedTree::nodeCollapsed, this, &frmMain::tvNavigation_Collapse);
+    connect(tvNavigation, &KeyedTree::rightPressed, this, &frmMain::tvNavigation_MouseDown);
+    connect(tvNavigation, &KeyedTree::pointerMoved, this, &frmMain::tvNavigation_MouseMove);
+}
+
+void frmMain::Form_Load() {
+    core::procedure(module, "Form_Load", [&](core::Frame& frame) {
+        splitterLeft_ = firstSplitter;
+        resize(ui::pixels(firstWidth), ui::pixels(firstHeight));
+        frmMain_ControlInit();
+        frame.steps({[&] {
+                         tooltip_ = std::make_unique<cTooltip>();
+                         tooltip_->Create(this);
+                         tooltip_->setMaxTipWidth(maximumTipWidth);
+                         tooltip_->AddTool(tvNavigation, "");
+                         // Without a node under the pointer there is nothing to say.
+                         tooltip_->setToolText(tvNavigation, "");
+                     },
+                     [&] { expanded_.fill(true); }, [&] { core::gRebuildingControls = true; },
+                     [&] { ui::setFormFonts(*this); }, [&] { core::gRebuildingControls = false; }});
+    });
+}
+
+void frmMain::Form_Unload() {
+    core::procedure(module, "Form_Unload", [&](core::Frame& frame) {
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        for (auto window = windows.crbegin(); window != windows.crend(); ++window)
+            if (*window != this && !qobject_cast<QMenu*>(*window))
+                frame.step([&] { (*window)->close(); });
+    });
+}
+
+void frmMain::frmMain_ControlInit() {
+    core::procedure(module, "frmMain_ControlInit", [&](core::Frame&) {
+        setWindowTitle(ui::fromUtf8(core::gProductName));
+        mnuFile_->setTitle(ui::text(1010));
+        mnuFileNew_->setTitle(ui::text(1114));
+        actions_.at("mnuFileNewEvent")->setText(ui::text(1115));
+        actions_.at("mnuFileDelete")->setText(ui::text(1117));
+        actions_.at("mnuExit")->setText(ui::text(1016));
+        actions_.at("mnuPopupAddEvent")->setText(ui::text(1129));
+        actions_.at("mnuPopupDeleteEvent")->setText(ui::text(1130));
+        actions_.at("mnuDummyLastItem")->setText("DummyLastItem");
+        tvNavigation->setAccessibleName(ui::text(1205));
+        const auto heading = [this](const char* label, const QString& caption) {
+            centralWidget()->findChild<QLabel*>(label)->setText(caption);
+        };
+        heading("lblAllRecipients", ui::text(1104));
+        heading("lblRecipientName", ui::text(1103));
+        // These two panes have no node; their captions are the names of their node types.
+        heading("lblReports", "nodeTypeCategoryReports");
+        heading("lblReport", "nodeTypeReport");
+        heading("lblAllExclusions", ui::text(1314));
+        heading("lblExclusionSource", ui::text(1311));
+        paneMonitoredEvents_->controlInit();
+        paneEventDetails_->controlInit();
+    });
+}
+
+void frmMain::showViewPort(int index) {
+    core::procedure(module, "showViewPort", [&](core::Frame&) {
+        for (int i = 0; i < paneCount; ++i)
+            vsviewportDetails_[static_cast<std::size_t>(i)]->setVisible(i == index);
+    });
+}
+
+void frmMain::SizeControls(int& splitterX) {
+    core::procedure(module, "SizeControls", [&](core::Frame&) {
+        if (ui::twips(height()) < lowestHeight)
+            resize(width(), (lowestHeight + ui::twipsPerPixel - 1) / ui::twipsPerPixel);
+        const int windowWidth = ui::twips(width());
+        splitterX = std::max(std::min(splitterX, windowWidth - splitterMargin), splitterMargin);
+        splitterLeft_ = splitterX;
+        const int top = ui::pixels(treeTop);
+        const int treeHeight = centralWidget()->height() - ui::pixels(2 * treeTop);
+        tvNavigation->setGeometry(ui::pixels(60), top, ui::pixels(splitterX) - ui::pixels(60), treeHeight);
+        imgSplitter_->setGeometry(ui::pixels(splitterX), top, ui::pixels(hitAreaWidth), treeHeight);
+        const QRect pane(ui::pixels(splitterX + hitAreaWidth), top,
+                         ui::pixels(windowWidth - (splitterX + 160)), treeHeight);
+        for (QWidget* viewport : vsviewportDetails_)
+            viewport->setGeometry(pane);
+    });
+}
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    if (isMinimized())
+        return;
+    core::procedure(module, "Form_Resize", [&](core::Frame&) {
+        // The client area follows only after this event; it must be laid out before it is divided.
+        if (layout())
+            layout()->activate();
+        int splitter = splitterLeft_;
+        SizeControls(splitter);
+    });
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    Form_Unload();
+    event->accept();
+}
+
+int frmMain::hitAreaLeft() const {
+    return splitterLeft_;
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == imgSplitter_) {
+        const auto pointer = [&] {
+            return ui::twips(static_cast<QMouseEvent*>(event)->position().toPoint().x());
+        };
+        switch (event->type()) {
+            case QEvent::MouseButtonPress:
+                if (static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton)
+                    imgSplitter_MouseDown();
+                break;
+            case QEvent::MouseMove:
+                imgSplitter_MouseMove(pointer());
+                break;
+            case QEvent::MouseButtonRelease:
+                imgSplitter_MouseUp();
+                break;
+            default:
+                break;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void frmMain::imgSplitter_MouseDown() {
+    core::procedure(module, "imgSplitter_MouseDown", [&](core::Frame&) {
+        const QRect area = imgSplitter_->geometry();
+        picSplitter_->setGeometry(area.left(), area.top(), area.width() / 2, area.height() - ui::pixels(20));
+        picSplitter_->raise();
+        picSplitter_->show();
+        splitterMoving_ = true;
+    });
+}
+
+void frmMain::imgSplitter_MouseMove(int pointerX) {
+    if (!splitterMoving_)
+        return;
+    core::procedure(module, "imgSplitter_MouseMove", [&](core::Frame&) {
+        const int candidate = hitAreaLeft() + pointerX;
+        const int limit = ui::twips(width()) - dragMargin;
+        picSplitter_->move(ui::pixels(std::max(dragMargin, std::min(candidate, limit))), picSplitter_->y());
+    });
+}
+
+void frmMain::imgSplitter_MouseUp() {
+    if (!splitterMoving_)
+        return;
+    core::procedure(module, "imgSplitter_MouseUp", [&](core::Frame&) {
+        int splitter = ui::twips(picSplitter_->x());
+        SizeControls(splitter);
+        picSplitter_->hide();
+        splitterMoving_ = false;
+    });
+}

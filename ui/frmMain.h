@@ -1,0 +1,120 @@
+// The console's one top-level window: navigation tree on the left, one of eight stacked panes on the right,
+// a splitter between them, a status bar below. It holds no database logic of its own.
+#pragma once
+
+#include <QIcon>
+#include <QMainWindow>
+#include <array>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ui/classNodeInfo.h"
+
+class QAction;
+class QFrame;
+class QMenu;
+class QStatusBar;
+class cTooltip;
+class dlgEvent;
+class paneEventDetails;
+class paneMonitoredEvents;
+
+namespace ui {
+class KeyedTree;
+}
+
+class frmMain : public QMainWindow {
+    Q_OBJECT
+
+  public:
+    frmMain();
+    ~frmMain() override;
+
+    // Rebuilds the tree; selects the node of a key that is given and found.
+    void loadNavigationTree(std::optional<long> eventKey = {}, std::optional<long> recipientKey = {},
+                            std::optional<long> exclusionKey = {});
+    // Selects a node by its tree key as a click would; an empty or unknown key does nothing.
+    void selectNode(std::string nodeKey);
+    // Tree key of the first node with that type and database key; empty when there is none.
+    std::string findNode(long nodeType, long key) const;
+    // Tree key of the 1-based node.
+    std::string nodeAt(long index) const;
+    void showViewPort(int index);
+    void checkMenus(long nodeType);
+    // Text of the hover tip for a node.
+    std::string constructNavigationToolTip(const std::string& nodeKey);
+    // Lays out the window with the splitter at `splitterX` twips, which is clipped.
+    void SizeControls(int& splitterX);
+    void frmMain_ControlInit();
+
+    ui::KeyedTree* tvNavigation;
+
+  signals:
+    // "Exit" was chosen and the window is unloaded: the run shall end in good order.
+    void finalExitRequested();
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void createControls();
+    void createMenus();
+    void createPanes();
+    void connectTree();
+    void Form_Load();
+    void Form_Unload();
+
+    void initEvents(const std::string& root, std::optional<long> eventKey);
+    void initRecipients(const std::string& root, std::optional<long> recipientKey);
+    void initExclusions(const std::string& root, std::optional<long> exclusionKey);
+    void selectAfterRebuild(const std::string& nodeKey);
+
+    void tvNavigation_NodeClick(const std::string& nodeKey);
+    void tvNavigation_Expand(const std::string& nodeKey);
+    void tvNavigation_Collapse(const std::string& nodeKey);
+    void tvNavigation_MouseDown(const QPoint& position);
+    void tvNavigation_MouseMove(const QPoint& position);
+    void displayPane(const classNodeInfo& info, const std::string& nodeText);
+    void showEventsRoot();
+
+    void mnuFileNewEvent_Click();
+    void mnuFileDelete_Click();
+    void mnuPopupAddEvent_Click();
+    void mnuPopupDeleteEvent_Click();
+    void mnuExit_Click();
+
+    void imgSplitter_MouseDown();
+    void imgSplitter_MouseMove(int pointerX);
+    void imgSplitter_MouseUp();
+    int hitAreaLeft() const;
+
+    std::vector<QWidget*> vsviewportDetails_;
+    paneMonitoredEvents* paneMonitoredEvents_;
+    paneEventDetails* paneEventDetails_;
+    QFrame* imgSplitter_;
+    QFrame* picSplitter_;
+    QStatusBar* sbStatusBar_;
+    QMenu* mnuFile_;
+    QMenu* mnuFileNew_;
+    QMenu* mnuPopup_;
+    std::map<std::string, QAction*> actions_;  // menu entries by name
+    std::array<QIcon, 5> imagelistTreeNodes_;  // by index 1 to 4
+    std::unique_ptr<cTooltip> tooltip_;
+    dlgEvent* dlgEvent_ = nullptr;  // one shared instance, made on first use
+
+    std::array<bool, 4> expanded_{true, true, true, true};  // by node type 0 to 3
+    std::string previousNode_;
+    std::string hoveredText_;
+    bool hovered_ = false;
+    int addEventPending_ = 0;
+    bool splitterMoving_ = false;
+    int splitterLeft_ = 0;  // twips
+};
+
+// The one main window; set while it lives.
+extern frmMain* gMainWindow;

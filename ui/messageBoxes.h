@@ -1,0 +1,15 @@
+// Questions of the lower layers, asked with real boxes.
+#pragma once
+
+#include "platform/prompts.h"
+
+namespace ui {
+
+class MessageBoxes : public platform::Prompts {
+  public:
+    platform::BoxAnswer messageBox(const platform::MessageBox& box) override;
+    std::optional<std::string> inputBox(const std::string& text, const std::string& title) override;
+    std::optional<std::string> openFile(const std::string& title, const std::string& filter) override;
+};
+
+}  // namespace ui

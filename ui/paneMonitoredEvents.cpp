@@ -1,0 +1,171 @@
+#include "ui/paneMonitoredEvents.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "core/modLocalize.h"
+#include "core/procedure.h"
+#include "database/events.h"
+#include "platform/clock.h"
+#include "ui/controls.h"
+#include "ui/text.h"
+#include "ui/widgets/keyedGrid.h"
+
+using modLocalize::myLoadResString;
+using ui::KeyedGrid;
+
+namespace {
+
+constexpr char module[] = "frmMain";
+
+const std::vector<KeyedGrid::Column>& gridColumns() {
+    static std::vector<KeyedGrid::Column> columns;
+    columns = {{"EventActive", myLoadResString(1022), false, true},
+               {"EventKey", "", true},
+               {"EventSource", myLoadResString(1142)},
+               {"EventID", myLoadResString(1143)},
+               {"EventTitle", myLoadResString(1144)},
+               {"EventType", myLoadResString(1072)},
+               {"EventCollection", "", true},
+               {"EventLastNotification", myLoadResString(1145)}};
+    return columns;
+}
+
+// The text that stands for a stored type; an unknown one shows as it is stored.
+std::string typeText(long type) {
+    switch (type) {
+        case 1:
+            return myLoadResString(1027);
+        case 2:
+            return myLoadResString(1028);
+        case 4:
+            return myLoadResString(1029);
+        default:
+            return std::to_string(type);
+    }
+}
+
+std::string momentText(const std::string& stored) {
+    platform::LocalTime moment{};
+    return platform::parseMoment(stored, moment) ? platform::defaultForm(moment) : stored;
+}
+
+std::string textOrEmpty(const platform::Recordset& row, std::string_view field) {
+    return row.isNull(field) ? std::string() : row.text(field);
+}
+
+std::vector<KeyedGrid::Cell> gridRow(const platform::Recordset& row) {
+    const bool catchAll = row.boolean("EventCollection");
+    const long id = row.number("EventID");
+    const long type = row.number("EventType");
+    const std::string last = textOrEmpty(row, "EventLastNotification");
+    return {{"", row.boolean("EventActive")},
+            {row.text("EventKey"), static_cast<qlonglong>(row.number("EventKey"))},
+            {catchAll ? myLoadResString(1049) : textOrEmpty(row, "EventSource"), {}},
+            {id == mdlDatabase::nodeAllEventIds ? myLoadResString(1108) : std::to_string(id),
+             static_cast<qlonglong>(id)},
+            {catchAll ? myLoadResString(1050) : textOrEmpty(row, "EventTitle"), {}},
+            {typeText(type), static_cast<qlonglong>(type)},
+            {"", catchAll},
+            {momentText(last), ui::fromUtf8(last)}};
+}
+
+}  // namespace
+
+paneMonitoredEvents::paneMonitoredEvents(QWidget* parent) : QWidget(parent) {
+    lblAllMonitoredEvents = ui::makeControl<QLabel>(this, "lblAllMonitoredEvents");
+    vsflexgridMonitoredEvents = ui::makeControl<KeyedGrid>(this, "vsflexgridMonitoredEvents");
+    cmdCreateNewEvent = ui::makeControl<QPushButton>(this, "cmdCreateNewEvent");
+    cmdDeleteSelectedEvent = ui::makeControl<QPushButton>(this, "cmdDeleteSelectedEvent");
+    QFont bold = lblAllMonitoredEvents->font();
+    bold.setBold(true);
+    lblAllMonitoredEvents->setFont(bold);
+    lblAllMonitoredEvents->setBuddy(vsflexgridMonitoredEvents);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(cmdCreateNewEvent);
+    buttons->addWidget(cmdDeleteSelectedEvent);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(6, 4, 6, 6);
+    layout->addWidget(lblAllMonitoredEvents);
+    layout->addWidget(vsflexgridMonitoredEvents, 1);
+    layout->addLayout(buttons);
+
+    connect(vsflexgridMonitoredEvents, &KeyedGrid::clicked, this,
+            &paneMonitoredEvents::vsflexgridMonitoredEvents_Click);
+    connect(vsflexgridMonitoredEvents, &KeyedGrid::doubleClicked, this,
+            &paneMonitoredEvents::vsflexgridMonitoredEvents_DblClick);
+    connect(cmdCreateNewEvent, &QPushButton::clicked, this, &paneMonitoredEvents::newEventWanted);
+    connect(cmdDeleteSelectedEvent, &QPushButton::clicked, this,
+            &paneMonitoredEvents::cmdDeleteSelectedEvent_Click);
+}
+
+void paneMonitoredEvents::controlInit() {
+    lblAllMonitoredEvents->setText(ui::text(1113));
+    cmdCreateNewEvent->setText(ui::text(1171));
+    cmdDeleteSelectedEvent->setText(ui::text(1170));
+    ui::nameByBuddy(*this);
+}
+
+void paneMonitoredEvents::displayEvents() {
+    core::procedure(module, "displayEvents", [&](core::Frame& frame) {
+        platform::Recordset events = mdlDatabase::getEvents();
+        frame.step([&] { vsflexgridMonitoredEvents->reset(gridColumns()); });
+        vsflexgridMonitoredEvents->setUpdatesEnabled(false);
+        while (events.state() == platform::ObjectState::open && !events.EOF_()) {
+            frame.step([&] { vsflexgridMonitoredEvents->addRow(gridRow(events)); });
+            frame.step([&] { events.moveNext(); });
+        }
+        vsflexgridMonitoredEvents->setUpdatesEnabled(true);
+        frame.steps({[&] { vsflexgridMonitoredEvents->fitColumns(); },
+                     [&] { cmdDeleteSelectedEvent->setEnabled(false); },
+                     [&] {
+                         if (events.state() == platform::ObjectState::open)
+                             events.close();
+                     }});
+    });
+}
+
+long paneMonitoredEvents::currentEventKey() const {
+    return static_cast<long>(
+        vsflexgridMonitoredEvents->cellValue(vsflexgridMonitoredEvents->currentGridRow(), "EventKey")
+            .toLongLong());
+}
+
+void paneMonitoredEvents::vsflexgridMonitoredEvents_Click() {
+    core::procedure(module, "vsflexgridMonitoredEvents_Click", [&](core::Frame& frame) {
+        KeyedGrid& grid = *vsflexgridMonitoredEvents;
+        const int row = grid.currentGridRow();
+        if (grid.currentColumnKey() == "EventActive" && row >= 1) {
+            const long key = currentEventKey();
+            const bool active = grid.cellValue(row, "EventActive").toBool();
+            frame.step([&] { mdlDatabase::setEventActiveState(key, !active); });
+            emit eventsChanged();
+            // The refilled grid keeps the event that was clicked as its current row.
+            for (int i = 1; i <= grid.gridRowCount(); ++i)
+                if (grid.cellValue(i, "EventKey").toLongLong() == key)
+                    grid.setCurrentGridCell(i, "EventActive");
+        }
+        cmdDeleteSelectedEvent->setEnabled(grid.currentGridRow() >= 1);
+    });
+}
+
+void paneMonitoredEvents::vsflexgridMonitoredEvents_DblClick() {
+    core::procedure(module, "vsflexgridMonitoredEvents_DblClick",
+                    [&](core::Frame& frame) { frame.step([&] { emit eventOpened(currentEventKey()); }); });
+}
+
+void paneMonitoredEvents::cmdDeleteSelectedEvent_Click() {
+    core::procedure(module, "cmdDeleteSelectedEvent_Click", [&](core::Frame& frame) {
+        frame.step([&] {
+            const int row = vsflexgridMonitoredEvents->currentGridRow();
+            if (mdlDatabase::deleteEvent(currentEventKey(),
+                                         vsflexgridMonitoredEvents->cellText(row, "EventSource")))
+                emit eventsChanged();
+        });
+    });
+}

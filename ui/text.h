@@ -1,0 +1,21 @@
+// The border between the windows' text and everybody else's: QString here, UTF-8 below.
+#pragma once
+
+#include <QString>
+#include <string>
+#include <string_view>
+
+namespace ui {
+
+inline QString fromUtf8(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+inline std::string toUtf8(const QString& text) {
+    return text.toStdString();
+}
+
+// The string-table text of an id, for a window.
+QString text(long id);
+
+}  // namespace ui

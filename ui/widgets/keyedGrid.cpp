@@ -1,0 +1,190 @@
+#include "ui/widgets/keyedGrid.h"
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QStyledItemDelegate>
+
+#include "platform/failure.h"
+#include "ui/text.h"
+
+namespace ui {
+
+namespace {
+
+constexpr int valueRole = Qt::UserRole;
+
+// Compares by value, so that numbers and dates do not sort as texts.
+class ValueItem : public QTableWidgetItem {
+  public:
+    bool operator<(const QTableWidgetItem& other) const override {
+        const QVariant mine = data(valueRole);
+        const QVariant theirs = other.data(valueRole);
+        if (mine.typeId() == QMetaType::QString)
+            return QString::localeAwareCompare(mine.toString(), theirs.toString()) < 0;
+        return QVariant::compare(mine, theirs) == QPartialOrdering::Less;
+    }
+};
+
+// Draws the box of a check-box cell in the cell's middle; the style alone would put it at the left edge.
+class CheckBoxDelegate : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyleOptionViewItem cell = option;
+        initStyleOption(&cell, index);
+        cell.features &= ~QStyleOptionViewItem::HasCheckIndicator;
+        cell.text.clear();
+        QStyle* style = option.widget->style();
+        style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, option.widget);
+
+        QStyleOptionButton box;
+        const QSize size = style->subElementRect(QStyle::SE_CheckBoxIndicator, &box, option.widget).size();
+        box.rect = QStyle::alignedRect(option.direction, Qt::AlignCenter, size, option.rect);
+        box.state = QStyle::State_Enabled;
+        box.state |=
+            index.data(Qt::CheckStateRole).toInt() == Qt::Checked ? QStyle::State_On : QStyle::State_Off;
+        style->drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, painter, option.widget);
+    }
+};
+
+}  // namespace
+
+KeyedGrid::KeyedGrid(QWidget* parent) : QTableWidget(parent) {
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setAlternatingRowColors(true);
+    setShowGrid(false);
+    setWordWrap(false);
+    setTabKeyNavigation(false);
+    verticalHeader()->hide();
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 10);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setStretchLastSection(true);
+    horizontalHeader()->setSectionsClickable(true);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    connect(horizontalHeader(), &QHeaderView::sectionClicked, this, &KeyedGrid::sortBy);
+}
+
+void KeyedGrid::reset(const std::vector<Column>& columns) {
+    setRowCount(0);
+    columns_ = columns;
+    setColumnCount(static_cast<int>(columns.size()));
+    horizontalHeader()->setSortIndicatorShown(false);
+    for (int i = 0; i < columnCount(); ++i) {
+        const Column& column = columns_[static_cast<std::size_t>(i)];
+        setHorizontalHeaderItem(i, new QTableWidgetItem(fromUtf8(column.header)));
+        setColumnHidden(i, column.hidden);
+        setItemDelegateForColumn(i, column.checkBox ? new CheckBoxDelegate(this) : nullptr);
+    }
+}
+
+void KeyedGrid::addRow(const std::vector<Cell>& cells) {
+    const int row = rowCount();
+    insertRow(row);
+    for (std::size_t i = 0; i < columns_.size() && i < cells.size(); ++i) {
+        auto* item = new ValueItem;
+        const QVariant value = cells[i].value.isValid() ? cells[i].value : QVariant(fromUtf8(cells[i].text));
+        item->setData(valueRole, value);
+        item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+        if (columns_[i].checkBox)
+            item->setCheckState(value.toBool() ? Qt::Checked : Qt::Unchecked);
+        else
+            item->setText(fromUtf8(cells[i].text));
+        // A cell is one line high: line breaks of a long note show as blanks, the tip has the whole text.
+        if (const QString whole = item->text(); whole.contains('\n') || whole.contains('\r')) {
+            item->setText(whole.simplified());
+            item->setToolTip(whole.left(2000));
+        }
+        if (columns_[i].centred)
+            item->setTextAlignment(Qt::AlignCenter);
+        setItem(row, static_cast<int>(i), item);
+    }
+}
+
+void KeyedGrid::fitColumns() {
+    resizeColumnsToContents();
+    constexpr int widest = 320;  // one long note must not push the other columns out of sight
+    constexpr int breathing = 12;
+    for (int i = 0; i < columnCount(); ++i)
+        if (!isColumnHidden(i))
+            setColumnWidth(i, std::min(columnWidth(i) + breathing, widest));
+}
+
+int KeyedGrid::columnIndex(std::string_view column) const {
+    const QString wanted = fromUtf8(column);
+    for (std::size_t i = 0; i < columns_.size(); ++i)
+        if (fromUtf8(columns_[i].key).compare(wanted, Qt::CaseInsensitive) == 0)
+            return static_cast<int>(i);
+    throw platform::makeFailure(platform::itemNotFound, column);
+}
+
+QTableWidgetItem& KeyedGrid::cell(int gridRow, std::string_view column) const {
+    const int index = columnIndex(column);
+    if (gridRow < 1 || gridRow > rowCount())
+        throw platform::makeFailure(platform::invalidProcedureCall, std::to_string(gridRow));
+    return *item(gridRow - 1, index);
+}
+
+std::string KeyedGrid::currentColumnKey() const {
+    return currentColumn() < 0 ? std::string() : columns_[static_cast<std::size_t>(currentColumn())].key;
+}
+
+QVariant KeyedGrid::cellValue(int gridRow, std::string_view column) const {
+    return cell(gridRow, column).data(valueRole);
+}
+
+std::string KeyedGrid::cellText(int gridRow, std::string_view column) const {
+    return toUtf8(cell(gridRow, column).text());
+}
+
+void KeyedGrid::setCurrentGridCell(int gridRow, std::string_view column) {
+    setCurrentCell(gridRow - 1, columnIndex(column));
+}
+
+QRect KeyedGrid::cellRectangle(int gridRow, std::string_view column) const {
+    return visualItemRect(&cell(gridRow, column));
+}
+
+void KeyedGrid::sortBy(int column) {
+    QHeaderView* header = horizontalHeader();
+    const bool again = header->isSortIndicatorShown() && header->sortIndicatorSection() == column;
+    const Qt::SortOrder order = again && header->sortIndicatorOrder() == Qt::AscendingOrder
+                                    ? Qt::DescendingOrder
+                                    : Qt::AscendingOrder;
+    header->setSortIndicatorShown(true);
+    header->setSortIndicator(column, order);
+    sortItems(column, order);
+}
+
+// Handlers refill the grid, so the signals leave after the base class is done with its event.
+
+void KeyedGrid::mouseReleaseEvent(QMouseEvent* event) {
+    QTableWidget::mouseReleaseEvent(event);
+    const QTableWidgetItem* hit = itemAt(event->position().toPoint());
+    if (event->button() == Qt::LeftButton && hit && hit == currentItem())
+        emit clicked();
+}
+
+void KeyedGrid::mouseDoubleClickEvent(QMouseEvent* event) {
+    QTableWidget::mouseDoubleClickEvent(event);
+    if (event->button() == Qt::LeftButton && itemAt(event->position().toPoint()))
+        emit doubleClicked();
+}
+
+void KeyedGrid::keyPressEvent(QKeyEvent* event) {
+    QTableWidget::keyPressEvent(event);
+    if (!currentItem())
+        return;
+    if (event->key() == Qt::Key_Space)
+        emit clicked();
+    else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        emit doubleClicked();
+}
+
+}  // namespace ui

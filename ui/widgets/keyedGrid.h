@@ -1,0 +1,68 @@
+// A read-only grid addressed through column keys. Row 0 is the header; data rows count from 1. Clicking a
+// header sorts the rows; until then they keep the order in which they were added.
+#pragma once
+
+#include <QTableWidget>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ui {
+
+class KeyedGrid : public QTableWidget {
+    Q_OBJECT
+
+  public:
+    explicit KeyedGrid(QWidget* parent = nullptr);
+
+    struct Column {
+        std::string key;
+        std::string header;
+        bool hidden = false;
+        bool checkBox = false;
+        bool centred = true;
+    };
+    // Drops all rows and sets the columns.
+    void reset(const std::vector<Column>& columns);
+
+    struct Cell {
+        std::string text;  // what is shown
+        QVariant value;    // what is read back and sorted by; the text when invalid
+    };
+    // Adds a row with one cell per column, in column order.
+    void addRow(const std::vector<Cell>& cells);
+    void fitColumns();
+
+    // 1-based; 0 when no row is current.
+    int currentGridRow() const { return currentRow() + 1; }
+    // Empty when no column is current.
+    std::string currentColumnKey() const;
+    int gridRowCount() const { return rowCount(); }
+    // Value of a cell; raises 3265 for an unknown column, 5 for no such row.
+    QVariant cellValue(int gridRow, std::string_view column) const;
+    // Text shown in a cell; raises like cellValue.
+    std::string cellText(int gridRow, std::string_view column) const;
+    // Makes a cell current without telling anybody.
+    void setCurrentGridCell(int gridRow, std::string_view column);
+    // Rectangle of a cell in the viewport.
+    QRect cellRectangle(int gridRow, std::string_view column) const;
+
+  signals:
+    // A person clicked a cell, or pressed the space bar on one; it is the current cell by then.
+    void clicked();
+    void doubleClicked();
+
+  protected:
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    int columnIndex(std::string_view column) const;
+    QTableWidgetItem& cell(int gridRow, std::string_view column) const;
+    void sortBy(int column);
+
+    std::vector<Column> columns_;
+};
+
+}  // namespace ui

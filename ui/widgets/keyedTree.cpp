@@ -1,0 +1,182 @@
+#include "ui/widgets/keyedTree.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+
+#include "platform/failure.h"
+#include "ui/text.h"
+
+namespace ui {
+
+namespace {
+
+constexpr int nodeIndexRole = Qt::UserRole;
+
+std::string folded(std::string_view key) {
+    return toUtf8(fromUtf8(key).toCaseFolded());
+}
+
+}  // namespace
+
+KeyedTree::KeyedTree(QWidget* parent) : QTreeWidget(parent) {
+    header()->hide();
+    setColumnCount(1);
+    setUniformRowHeights(true);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setExpandsOnDoubleClick(true);
+    setMouseTracking(true);
+    viewport()->setMouseTracking(true);
+    // Long names scroll sideways instead of being cut.
+    header()->setStretchLastSection(false);
+    header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    connect(this, &QTreeWidget::itemExpanded, this,
+            [this](QTreeWidgetItem* item) { emit nodeExpanded(keyOf(item)); });
+    connect(this, &QTreeWidget::itemCollapsed, this,
+            [this](QTreeWidgetItem* item) { emit nodeCollapsed(keyOf(item)); });
+}
+
+void KeyedTree::addNode(const NewNode& node) {
+    if (find(node.key))
+        throw platform::makeFailure(platform::keyNotUnique, node.key);
+    QTreeWidgetItem* parent = node.parent.empty() ? invisibleRootItem() : &get(node.parent);
+    auto item = std::make_unique<QTreeWidgetItem>();
+    item->setText(0, fromUtf8(node.text));
+    item->setIcon(0, node.icon);
+    item->setData(0, nodeIndexRole, static_cast<qulonglong>(order_.size()));
+    if (node.bold) {
+        QFont bold = font();
+        bold.setBold(true);
+        item->setFont(0, bold);
+    }
+    if (node.greyed)
+        item->setForeground(0, palette().brush(QPalette::Disabled, QPalette::Text));
+    index_.emplace(folded(node.key), order_.size());
+    order_.push_back({node.key, node.info, item.get()});
+    parent->addChild(item.release());
+}
+
+void KeyedTree::clearNodes() {
+    order_.clear();
+    index_.clear();
+    clear();
+}
+
+QTreeWidgetItem* KeyedTree::find(std::string_view key) const {
+    const auto found = index_.find(folded(key));
+    return found == index_.end() ? nullptr : order_[found->second].item;
+}
+
+QTreeWidgetItem& KeyedTree::get(std::string_view key) const {
+    QTreeWidgetItem* item = find(key);
+    if (!item)
+        throw platform::makeFailure(platform::elementNotFound, key);
+    return *item;
+}
+
+std::string KeyedTree::keyOf(const QTreeWidgetItem* item) const {
+    if (!item)
+        return {};
+    const auto index = item->data(0, nodeIndexRole).toULongLong();
+    return index < order_.size() ? order_[index].key : std::string();
+}
+
+const std::string& KeyedTree::keyAt(long index) const {
+    if (index < 1 || index > count())
+        throw platform::makeFailure(platform::elementNotFound, std::to_string(index));
+    return order_[static_cast<std::size_t>(index - 1)].key;
+}
+
+const classNodeInfo& KeyedTree::info(std::string_view key) const {
+    const QTreeWidgetItem& item = get(key);
+    return order_[item.data(0, nodeIndexRole).toULongLong()].info;
+}
+
+std::string KeyedTree::nodeText(std::string_view key) const {
+    return toUtf8(get(key).text(0));
+}
+
+std::string KeyedTree::selectedKey() const {
+    return keyOf(currentItem());
+}
+
+void KeyedTree::select(std::string_view key) {
+    setCurrentItem(&get(key));
+}
+
+void KeyedTree::ensureVisible(std::string_view key) {
+    QTreeWidgetItem& item = get(key);
+    for (QTreeWidgetItem* parent = item.parent(); parent; parent = parent->parent())
+        if (!parent->isExpanded())
+            parent->setExpanded(true);
+    if (fills_ == 0)
+        scrollToItem(&item);
+}
+
+void KeyedTree::scrollFullyLeft() {
+    horizontalScrollBar()->setValue(horizontalScrollBar()->minimum());
+}
+
+std::string KeyedTree::hitTest(const QPoint& position) const {
+    return keyOf(itemAt(position));
+}
+
+// Handlers may rebuild the tree, so every signal leaves after the base class is done with its event.
+
+void KeyedTree::mousePressEvent(QMouseEvent* event) {
+    const QPoint position = event->position().toPoint();
+    if (event->button() == Qt::RightButton) {
+        emit rightPressed(position);
+        return;
+    }
+    pressedKey_ = hitTest(position);
+    QTreeWidget::mousePressEvent(event);
+}
+
+void KeyedTree::mouseReleaseEvent(QMouseEvent* event) {
+    QTreeWidget::mouseReleaseEvent(event);
+    const QPoint position = event->position().toPoint();
+    QTreeWidgetItem* item = itemAt(position);
+    const std::string key = keyOf(item);
+    // Left of the item's own rectangle stands the expander, which chooses nothing.
+    const bool onItem = item && position.x() >= visualItemRect(item).left();
+    if (event->button() == Qt::LeftButton && onItem && key == pressedKey_)
+        emit nodeClicked(key);
+}
+
+void KeyedTree::mouseMoveEvent(QMouseEvent* event) {
+    QTreeWidget::mouseMoveEvent(event);
+    emit pointerMoved(event->position().toPoint());
+}
+
+void KeyedTree::keyPressEvent(QKeyEvent* event) {
+    const std::string before = selectedKey();
+    QTreeWidget::keyPressEvent(event);
+    const std::string after = selectedKey();
+    if (!after.empty() && after != before)
+        emit nodeClicked(after);
+}
+
+void KeyedTree::contextMenuEvent(QContextMenuEvent* event) {
+    // The menu key asks for the popup of the selected node; the mouse has its own way above.
+    if (event->reason() == QContextMenuEvent::Keyboard && currentItem())
+        emit rightPressed(visualItemRect(currentItem()).center());
+    event->accept();
+}
+
+KeyedTree::Fill::Fill(KeyedTree& tree) : tree_(tree) {
+    ++tree_.fills_;
+    tree_.setUpdatesEnabled(false);
+}
+
+KeyedTree::Fill::~Fill() {
+    if (--tree_.fills_ > 0)
+        return;
+    tree_.setUpdatesEnabled(true);
+    if (tree_.currentItem())
+        tree_.scrollToItem(tree_.currentItem());
+}
+
+}  // namespace ui

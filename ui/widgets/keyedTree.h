@@ -1,0 +1,97 @@
+// A tree whose nodes are known by key (unique without regard to case) and by their 1-based order of
+// creation. Callers keep keys, never nodes: a rebuild may run inside the tree's own event.
+#pragma once
+
+#include <QTreeWidget>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "ui/classNodeInfo.h"
+
+namespace ui {
+
+class KeyedTree : public QTreeWidget {
+    Q_OBJECT
+
+  public:
+    explicit KeyedTree(QWidget* parent = nullptr);
+
+    struct NewNode {
+        std::string parent;  // key of the parent; empty for a root
+        std::string key;
+        std::string text;
+        QIcon icon;
+        classNodeInfo info;
+        bool bold = false;
+        bool greyed = false;  // in the palette's colour for disabled text
+    };
+    // Adds a node as the last child of its parent. Raises 35602 for a key in use, 35601 for an unknown
+    // parent.
+    void addNode(const NewNode& node);
+    // Removes all nodes, and with them the selection.
+    void clearNodes();
+
+    bool contains(std::string_view key) const { return find(key) != nullptr; }
+    long count() const { return static_cast<long>(order_.size()); }
+    // Key of the 1-based node. Raises 35601.
+    const std::string& keyAt(long index) const;
+    // Raise 35601 for an unknown key.
+    const classNodeInfo& info(std::string_view key) const;
+    std::string nodeText(std::string_view key) const;
+
+    // Key of the selected node; empty when none is. Selecting raises no nodeClicked.
+    std::string selectedKey() const;
+    void select(std::string_view key);
+    // Opens the node's parents. Scrolls to it only outside of a fill, so that filling stays linear.
+    void ensureVisible(std::string_view key);
+    void scrollFullyLeft();
+    // Key of the node under a point of the viewport; empty when there is none.
+    std::string hitTest(const QPoint& position) const;
+
+    // While an instance lives the tree does not paint; it scrolls to the selected node once at the end.
+    class Fill {
+      public:
+        explicit Fill(KeyedTree& tree);
+        ~Fill();
+        Fill(const Fill&) = delete;
+        Fill& operator=(const Fill&) = delete;
+
+      private:
+        KeyedTree& tree_;
+    };
+
+  signals:
+    // A person chose a node, by mouse or keyboard; also one that was selected already.
+    void nodeClicked(const std::string& key);
+    void nodeExpanded(const std::string& key);
+    void nodeCollapsed(const std::string& key);
+    // Positions are points of the viewport.
+    void pointerMoved(const QPoint& position);
+    void rightPressed(const QPoint& position);
+
+  protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+  private:
+    QTreeWidgetItem* find(std::string_view key) const;
+    QTreeWidgetItem& get(std::string_view key) const;
+    std::string keyOf(const QTreeWidgetItem* item) const;
+
+    struct Node {
+        std::string key;
+        classNodeInfo info;
+        QTreeWidgetItem* item;
+    };
+    std::vector<Node> order_;
+    std::unordered_map<std::string, std::size_t> index_;  // folded key to place in order_
+    std::string pressedKey_;
+    int fills_ = 0;
+};
+
+}  // namespace ui

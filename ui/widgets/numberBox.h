@@ -1,0 +1,20 @@
+// A box for one whole number; empty is allowed.
+#pragma once
+
+#include <QLineEdit>
+
+namespace ui {
+
+class NumberBox : public QLineEdit {
+    Q_OBJECT
+
+  public:
+    // Digits with an optional sign, within the limits, are all that can be typed or pasted.
+    NumberBox(long long lowest, long long highest, QWidget* parent = nullptr);
+
+    bool isEmpty() const { return text().isEmpty(); }
+    // True when the text is a whole number within the limits.
+    bool hasNumber() const { return !isEmpty() && hasAcceptableInput(); }
+};
+
+}  // namespace ui
