@@ -69,12 +69,18 @@ TEST_P(Languages, AreCompleteAndOfTheEnglishTextsShape) {
     ASSERT_TRUE(library.has_value()) << file;
     EXPECT_TRUE(platform::versionRecord(file).has_value());
     for (long id = firstId; id <= lastId; ++id) {
+        const std::string english = modLocalize::englishString(id);
         EXPECT_FALSE(text(id).empty()) << id;
-        EXPECT_EQ(shapeOf(text(id)), shapeOf(modLocalize::englishString(id))) << id << " " << text(id);
+        // The labels of the default mail text are padded to one length, so that its values line up.
+        const bool padded = id >= 1211 && id <= 1220;
+        Shape shape = shapeOf(text(id));
+        if (padded)
+            shape.trailingBlanks = shapeOf(english).trailingBlanks;
+        EXPECT_EQ(shape, shapeOf(english)) << id << " " << text(id);
+        if (padded) {
+            EXPECT_EQ(characters(text(id)), characters(english)) << id;
+        }
     }
-    // The labels of the default mail text line their values up.
-    for (long id = 1211; id <= 1220; ++id)
-        EXPECT_EQ(characters(text(id)), characters(modLocalize::englishString(id))) << id;
     // Names of the directory's columns and of products are no words of a language.
     for (const long id : {1007L, 1091L, 1092L})
         EXPECT_EQ(text(id), modLocalize::englishString(id));
@@ -95,7 +101,7 @@ TEST_P(Languages, HaveMnemonicsThatAreUniqueInEachWindowAndMenu) {
         {1010, 1013, 1111},
         {1055, 1057},  // event dialog
         {1063, 1064},  // exclusion dialogs
-        {1307, 1308, 1309, 1063, 1064},
+        {1307, 1308, 1309},
         {1258},
     };
     for (const auto& group : together) {
