@@ -41,7 +41,7 @@ Recordset getExclusions() {
 }
 
 long addNewExclusion(std::string_view eventSource, long eventId) {
-    return core::procedure(module, "addNewExclusion", -1L, [&](Frame& frame, long& key) {
+    return core::procedure(module, "addNewExclusion", 0L, [&](Frame& frame, long& key) {
         Recordset rows;
         frame.step([&] { rows = openForWriting("SELECT * FROM Exclusions"); });
         addRow(frame, rows, eventSource, eventId);

@@ -16,7 +16,7 @@ platform::Recordset getExclusion(long exclusionKey);
 platform::Recordset getExclusions();
 
 // Ids are 32 bits, or -1 for all ids of the source. The new key; no pair is refused for being there already.
-// -1 when the row could not be written, since 0 is a key here.
+// 0 when the row could not be written; the first exclusion's key is 0, too.
 long addNewExclusion(std::string_view eventSource, long eventId);
 // The source stays. Without such an exclusion nothing is written.
 void modifyExclusion(long exclusionKey, long eventId);
