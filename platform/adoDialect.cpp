@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 
 #include "platform/ado.h"
 #include "platform/clock.h"
@@ -169,6 +170,38 @@ std::string withRowId(std::string_view translated, std::string_view idColumn) {
         result += token.text;
     }
     return done ? result : std::string();
+}
+
+std::string withNumbersTaken(std::string_view translated, std::vector<std::int64_t>& numbers) {
+    constexpr std::size_t safeDigits = 18;
+    const char* const end = translated.data() + translated.size();
+    const auto isWhole = [&](const Token& token) {
+        const char* const after = token.text.data() + token.text.size();
+        return token.kind == TokenKind::word && token.text.size() <= safeDigits &&
+               std::all_of(token.text.begin(), token.text.end(), isDigit) && (after == end || *after != '.');
+    };
+    std::string result;
+    result.reserve(translated.size());
+    bool compared = false;
+    Lexer lexer(translated);
+    for (Token token{}; lexer.next(token);) {
+        const char first = token.text[0];
+        if (token.kind == TokenKind::word && (first == '?' || first == ':' || first == '@' || first == '$')) {
+            numbers.clear();
+            return std::string(translated);
+        }
+        if (compared && isWhole(token)) {
+            std::int64_t number = 0;
+            std::from_chars(token.text.data(), token.text.data() + token.text.size(), number);
+            numbers.push_back(number);
+            result += '?';
+        } else {
+            result += token.text;
+        }
+        if (token.kind != TokenKind::blank)
+            compared = token.text == "=" || token.text == ">";
+    }
+    return result;
 }
 
 }  // namespace ado
