@@ -114,11 +114,6 @@ class Save {
         });
         return found;
     }
-    std::string soughtAddress() {
-        std::string address;
-        frame_.step([&] { address = platform::valueText(allDevices_.value("DeviceAddress")); });
-        return address;
-    }
     // Switches the sought device on, with another address where one is given.
     void activateSought(const std::optional<std::string>& address) {
         if (address)
@@ -187,12 +182,9 @@ void saveList(Save& save, const DeviceKind& kind, const std::vector<AddressEntry
         if (entry == entries.end()) {
             save.log(save.line("Deleting", kind, stored->address));
             save.deleteLater(stored->key);
-        } else if (save.seek(stored->key)) {
-            const std::string before = save.soughtAddress();
-            if (before != entry->address) {
-                save.logChange(kind, before, entry->address);
-                save.activateSought(entry->address);
-            }
+        } else if (stored->address != entry->address && save.seek(stored->key)) {
+            save.logChange(kind, stored->address, entry->address);
+            save.activateSought(entry->address);
         }
     }
     for (const AddressEntry& entry : entries) {
