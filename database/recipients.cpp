@@ -82,9 +82,10 @@ long addNewRecipient(const RecipientRecord& record) {
         const bool written = frame.step([&] { recipients.update(); });
         frame.step([&] { recipients.close(); });
         // The highest key is this recipient's only if he was written.
-        if (!written)
+        if (written)
+            result = getLastKey("Recipients", "RecipientKey");
+        if (result == 0)
             return;
-        result = getLastKey("Recipients", "RecipientKey");
         Recordset devices;
         frame.step([&] { devices = openForWriting("SELECT * FROM Device"); });
         for (const NewDevice& device : devicesOf(record, result))
