@@ -192,6 +192,7 @@ void Connection::open(const std::string& connectionString) {
             runSetting(engine.get(), "PRAGMA query_only = ON", fileName_);
         else if (sqlite3_db_readonly(engine.get(), "main") == 0)
             runSetting(engine.get(), "PRAGMA journal_mode = DELETE", fileName_);
+        statements_ = std::make_shared<ado::StatementCache>();
         handle_ = engine.release();
     } catch (const Failure& failure) {
         errors_.push_back(failure);
@@ -200,6 +201,9 @@ void Connection::open(const std::string& connectionString) {
 }
 
 void Connection::close() noexcept {
+    if (statements_)
+        statements_->close();
+    statements_.reset();
     ado::EngineClose()(std::exchange(handle_, nullptr));
 }
 
