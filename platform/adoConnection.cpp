@@ -189,6 +189,14 @@ Engine openEngine(const std::string& file, bool readOnly) {
     return engine;
 }
 
+Engine openDatabase(const std::string& file, bool readOnly) {
+    std::error_code ignored;
+    // The engine counts one byte as none.
+    if (std::filesystem::file_size(file, ignored) <= 1)
+        throw describe(SQLITE_NOTADB, sqlite3_errstr(SQLITE_NOTADB), file, false, {});
+    return openEngine(file, readOnly);
+}
+
 }  // namespace ado
 
 Connection::~Connection() {
@@ -203,7 +211,7 @@ void Connection::open(const std::string& connectionString) {
         const Target target = parseConnectionString(connectionString);
         directory_ = !target.catalog.empty();
         fileName_ = directory_ ? directoryFile(target.catalog) : target.dataSource;
-        ado::Engine engine = ado::openEngine(fileName_, directory_);
+        ado::Engine engine = ado::openDatabase(fileName_, directory_);
         if (directory_)
             runSetting(engine.get(), "PRAGMA query_only = ON", fileName_);
         else if (sqlite3_db_readonly(engine.get(), "main") == 0)
