@@ -25,9 +25,9 @@ bool writeProtected(const std::string& file) {
     return ::stat(file.c_str(), &status) == 0 && (status.st_mode & S_IWUSR) == 0;
 }
 
-// Asks for a lock again every millisecond until the timeout. The engine's own handler soon asks only every
-// tenth of a second, and then misses each of the short moments that a service which writes without a pause
-// leaves free. `asked` counts the calls for one lock.
+// Asks for a lock again every fifth of a millisecond until the timeout. The engine's own handler soon asks
+// only every tenth of a second, and then misses each of the short moments that a service which writes without
+// a pause leaves free. `asked` counts the calls for one lock.
 int waitForLock(void*, int asked) {
     using Clock = std::chrono::steady_clock;
     thread_local Clock::time_point begin;
@@ -35,7 +35,7 @@ int waitForLock(void*, int asked) {
         begin = Clock::now();
     if (Clock::now() - begin >= busyTimeout)
         return 0;
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    std::this_thread::sleep_for(std::chrono::microseconds(200));
     return 1;
 }
 

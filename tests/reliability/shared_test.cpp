@@ -13,6 +13,7 @@
 #include "database/events.h"
 #include "database/lifecycle.h"
 #include "database/settings.h"
+#include "platform/ado.h"
 #include "support/childProcess.h"
 #include "support/killHarness.h"
 #include "support/temporaryHost.h"
@@ -47,16 +48,17 @@ class Shared : public ::testing::Test {
     // last row and the catch-all event's notification agree at every moment between two of them.
     ChildProcess::Work service() {
         return [this](const ChildProcess::Ready& ready) {
-            support::Database database(host.databaseFile());
+            platform::Connection database;
+            database.open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + host.databaseFile().string());
             for (int i = 1;; ++i) {
                 const std::string number = std::to_string(i);
-                database.run("BEGIN IMMEDIATE; INSERT INTO NotificationLog VALUES(" + number + ", '" +
-                             number +
-                             "', 'Backup', 17, 'a@b', 'yes');"
-                             "UPDATE Events SET EventLastNotification = '" +
-                             number + "' WHERE EventCollection <> 0; COMMIT");
-                if (::testing::Test::HasFailure())
-                    return;
+                for (const std::string& statement :
+                     {std::string("BEGIN IMMEDIATE"),
+                      "INSERT INTO NotificationLog VALUES(" + number + ", '" + number +
+                          "', 'Backup', 17, 'a@b', 'yes')",
+                      "UPDATE Events SET EventLastNotification = '" + number + "' WHERE EventCollection <> 0",
+                      std::string("COMMIT")})
+                    platform::execute(statement, database);
                 if (i == 1)
                     ready();
             }
