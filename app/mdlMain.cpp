@@ -39,10 +39,20 @@ constexpr char module[] = "mdlMain";
     platform::program::end(1);
 }
 
+// What keeps the registry from being read, for the refusal that follows from it; empty when nothing does.
+std::string registryTrouble() {
+    try {
+        RegistryAPI::registryKeyExists(RegistryAPI::HKEY_LOCAL_MACHINE, productRegistryKey);
+        return {};
+    } catch (const platform::Failure& failure) {
+        return "\n\n" + failure.description();
+    }
+}
+
 // The console runs on a Corvane server of version 3.1(1) or later, and nowhere else.
 void checkEnvironment() {
     if (gCorvaneVersion.major == 0)
-        refuse(mdlVerInfo::productName() + myLoadResString(1252),
+        refuse(mdlVerInfo::productName() + myLoadResString(1252) + registryTrouble(),
                mdlVerInfo::productName() + myLoadResString(1253));
     if (!mdlCorvane::isVersionAtLeast(3, 1, 1, 0))
         refuse(mdlVerInfo::productName() + myLoadResString(1254) + "\n" + myLoadResString(1255) +

@@ -24,6 +24,9 @@ using Engine = std::unique_ptr<sqlite3, EngineClose>;
 // no database fails here. A file whose owner may not write it is opened read-only even where the system
 // would let this user write.
 Engine openEngine(const std::string& file, bool readOnly);
+// The same for a file that has to hold a database already. To the engine an empty file is a database
+// without tables; here it is none, so that it is not taken for one and not copied over a backup.
+Engine openDatabase(const std::string& file, bool readOnly);
 
 struct Finalize {
     void operator()(sqlite3_stmt* statement) const noexcept;
