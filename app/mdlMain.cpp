@@ -152,9 +152,8 @@ void checkSupportNotificationDevices() {
 
 void activatePrevInstance(platform::WindowStation& station) {
     procedure(module, "activatePrevInstance", [&](Frame& frame) {
-        const std::string title = platform::program::title();
         // So that the search cannot find this very process; without an earlier window it stays so.
-        platform::program::setTitle("unwanted instance");
+        const std::string title = platform::program::setTitle("unwanted instance");
         platform::WindowHandle window = 0;
         for (const char* className : {"ThunderRTMain", "ThunderRT5Main", "ThunderRT6Main"})
             if (window == 0)

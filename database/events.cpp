@@ -101,28 +101,35 @@ long addNewEvent(const NewEvent& event) {
         }
         Recordset events;
         // Inactive, so that the service stays away until contents and devices are there.
-        frame.steps({[&] { events = openForWriting("SELECT * FROM Events"); }, [&] { events.addNew(); },
-                     [&] { events.set("EventSource", event.eventSource); },
-                     [&] { events.set("EventId", event.eventId); },
-                     [&] { events.set("EventTitle", event.eventTitle); },
-                     [&] { events.set("EventType", std::int64_t{event.eventType}); },
-                     [&] { events.set("EventActive", boolean(false)); }});
-        const bool written = frame.step([&] { events.update(); });
+        const bool filled =
+            frame.steps({[&] { events = openForWriting("SELECT * FROM Events"); }, [&] { events.addNew(); },
+                         [&] { events.set("EventSource", event.eventSource); },
+                         [&] { events.set("EventId", event.eventId); },
+                         [&] { events.set("EventTitle", event.eventTitle); },
+                         [&] { events.set("EventType", std::int64_t{event.eventType}); },
+                         [&] { events.set("EventActive", boolean(false)); }});
+        // An event without its id, say of one beyond 32 bits, could neither be seen nor deleted again; and the
+        // highest key is this event's only if this event was written.
+        const bool written = filled && frame.step([&] { events.update(); });
         frame.step([&] { events.close(); });
-        // The highest key is this event's only if this event was written.
         if (!written)
             return;
         long key = 0;
         frame.step([&] { key = getLastKey("Events", "EventKey"); });
         Recordset contents;
         frame.step([&] { contents = openForWriting("SELECT * FROM Contents"); });
+        bool complete = true;
         for (const ContentType type : {voiceContent, emailContent}) {
             frame.step([&] { contents.addNew(); });
             setContentFields(frame, contents, type, event.content);
-            frame.steps({[&] { contents.set("EventKey", std::int64_t{key}); }, [&] { contents.update(); }});
+            complete = frame.steps({[&] { contents.set("EventKey", std::int64_t{key}); },
+                                    [&] { contents.update(); }}) &&
+                       complete;
         }
         frame.step([&] { contents.close(); });
-        result = key;
+        // The row of an event whose content is missing stays; its next save adds the content.
+        if (complete)
+            result = key;
     });
 }
 
@@ -138,8 +145,10 @@ void modifyEvent(const ModifiedEvent& event) {
                          [&] { row.set("EventActive", boolean(event.eventActive)); },
                          [&] { row.set("EventTitle", event.eventTitle); },
                          [&] { row.set("EventType", std::int64_t{event.eventType}); },
+                         // Every save starts the event's notification timing anew, changed or not; it stays so.
                          [&] { row.set("EventLastNotification", Null{}); }, [&] { row.update(); }});
         frame.step([&] { row.close(); });
+        // Contents are written even when the event's own row is gone; it stays so.
         writeContent(frame, event.eventKey, voiceContent, event.content);
         writeContent(frame, event.eventKey, emailContent, event.content);
     });

@@ -168,9 +168,9 @@ class Catalog {
 };
 
 // Copies a database file through the engine, whole even while others write it: into a file beside the
-// target, synced, renamed over it. Raises 53 for a missing source, 70 for a target (or folder) that may not
-// be written, -2147467259 when the source is no database, is damaged or stays locked past five seconds. A
-// failure leaves an old target as it was.
+// target, synced, renamed over it. Raises 53 for a missing source, 76 for a missing folder, 70 for a target
+// (or folder) that may not be written, -2147467259 when the source is no database, is damaged or stays locked
+// past five seconds. A failure leaves an old target as it was.
 void backupDatabase(const std::string& source, const std::string& target);
 
 }  // namespace platform

@@ -145,7 +145,9 @@ void copyPages(const std::string& source, const std::string& copy) {
 
 void backupDatabase(const std::string& source, const std::string& target) {
     const auto sourceStatus = statusOf(source);
-    if (!sourceStatus || !S_ISREG(sourceStatus->st_mode))
+    if (!sourceStatus)
+        throw failureFromErrno(ENOENT, source);
+    if (!S_ISREG(sourceStatus->st_mode))
         throw makeFailure(fileNotFound, source);
     const auto targetStatus = statusOf(target);
     if (targetStatus && (isSameFile(*sourceStatus, *targetStatus) || !(targetStatus->st_mode & S_IWUSR)))

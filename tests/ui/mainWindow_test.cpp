@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
 #include <QFrame>
 #include <QGuiApplication>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QtTest/QTest>
@@ -175,11 +177,11 @@ TEST_F(MainWindow, AddsAnEventThroughTheDialogAndSelectsIt) {
                              "SELECT EventSource, EventId, EventTitle, EventType, EventActive FROM Events "
                              "ORDER BY EventKey DESC LIMIT 1"),
               (std::vector<std::string>{"Backup|42|it's; \"quoted\" 100%|4|0"}));
-    EXPECT_EQ(
-        support::query(
-            host.databaseFile(),
-            "SELECT ContentType, ContentPriority, ContentAttachment FROM Contents ORDER BY ContentType"),
-        (std::vector<std::string>{"1|1|QLN_Default_ENU.wav", "3|2|NULL"}));
+    EXPECT_EQ(support::query(host.databaseFile(),
+                             "SELECT ContentType, ContentPriority, ContentAttachment FROM Contents WHERE "
+                             "EventKey > 2 ORDER BY "
+                             "ContentType"),
+              (std::vector<std::string>{"1|1|QLN_Default_ENU.wav", "3|2|NULL"}));
 
     // Going back to all ids, and cancelling, write nothing.
     script.expect("Add New Event", [&](QWidget& dialog) {
@@ -234,8 +236,8 @@ TEST_F(MainWindow, AnyTextArrivesInTheDatabase) {
                                "SELECT EventSource, EventTitle FROM Events WHERE EventKey > 2") ==
                 std::vector<std::string>{source + "|" + notes});
     EXPECT_TRUE(support::query(host.databaseFile(),
-                               "SELECT ContentAttachment, ContentSubject, ContentNote FROM Contents ORDER "
-                               "BY ContentType") ==
+                               "SELECT ContentAttachment, ContentSubject, ContentNote FROM Contents WHERE "
+                               "EventKey > 2 ORDER BY ContentType") ==
                 (std::vector<std::string>{"it's \"a\"; 100%.wav|" + subject + "|" + stored,
                                           "NULL|" + subject + "|" + stored}));
     EXPECT_EQ(tree->nodeText(tree->selectedKey()), source + " (All)");
@@ -311,6 +313,17 @@ TEST_F(MainWindow, DoubleClickOpensTheEventAndThePopupAddsOneAfterItClosed) {
     QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, cell);
     EXPECT_EQ(tree->selectedKey(), "EventKey-" + std::to_string(key));
     EXPECT_EQ(visiblePane(), 1);
+    // A real double click ends with a release, which is no click of its own: the event is switched once.
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, placeOf("keyMonitoredEvents"));
+    const QPoint flag = grid->cellRectangle(2, "EventActive").center();
+    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick,
+                            QEvent::MouseButtonRelease}) {
+        QMouseEvent event(type, flag, grid->viewport()->mapToGlobal(flag), Qt::LeftButton,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, {});
+        QApplication::sendEvent(grid->viewport(), &event);
+    }
+    EXPECT_EQ(visiblePane(), 1);
+    EXPECT_TRUE(mdlDatabase::isEventActive(key));
     script.expectMenu("mnuPopupAddEvent");
     script.expect("dlgEvent", [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
     QTest::mouseClick(tree->viewport(), Qt::RightButton, {}, placeOf("keyMonitoredEvents"));
@@ -318,10 +331,29 @@ TEST_F(MainWindow, DoubleClickOpensTheEventAndThePopupAddsOneAfterItClosed) {
     EXPECT_EQ(tree->selectedKey(), "keyMonitoredEvents");
 }
 
+TEST_F(MainWindow, ShowsRowsThatLackAValue) {
+    std::string statements;
+    for (int i = 0; i < 12; ++i)
+        statements += "INSERT INTO Events(EventSource, EventTitle) VALUES('Bare', '');";
+    support::run(host.databaseFile(), statements);
+    const long last = add("Zoned", "5");
+    open();
+    EXPECT_EQ(grid->gridRowCount(), 14);
+    EXPECT_EQ(grid->cellText(2, "EventID"), "");
+    EXPECT_TRUE(grid->updatesEnabled());
+    EXPECT_EQ(tree->nodeText("EventKey-" + std::to_string(last)), "Zoned (5)");
+}
+
 TEST_F(MainWindow, LaysItselfOutWithinItsLimits) {
     open();
     EXPECT_EQ(window->width(), 770);
     EXPECT_EQ(window->height(), 592);
+    int third = 3000;
+    window->SizeControls(third);
+    EXPECT_EQ(tree->geometry().left(), 0);
+    EXPECT_EQ(tree->width(), ui::pixels(3000));
+    EXPECT_EQ(find<QWidget>("vsviewportDetails_0")->x(), ui::pixels(3040));
+    EXPECT_EQ(find<QWidget>("vsviewportDetails_0")->width(), ui::pixels(11550 - 3160));
     window->resize(700, ui::pixels(4000));
     EXPECT_GE(ui::twips(window->height()), 5000) << "a lower window springs back";
     int splitter = 300;

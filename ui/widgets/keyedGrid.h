@@ -21,6 +21,7 @@ class KeyedGrid : public QTableWidget {
         bool hidden = false;
         bool checkBox = false;
         bool centred = true;
+        bool alikeBeginnings = false;  // a text that does not fit is cut in its middle
     };
     // Drops all rows and sets the columns.
     void reset(const std::vector<Column>& columns);
@@ -31,6 +32,19 @@ class KeyedGrid : public QTableWidget {
     };
     // Adds a row with one cell per column, in column order.
     void addRow(const std::vector<Cell>& cells);
+    // While an instance lives the grid does not paint.
+    class Fill {
+      public:
+        explicit Fill(KeyedGrid& grid) : grid_(grid) { grid_.setUpdatesEnabled(false); }
+        ~Fill() { grid_.setUpdatesEnabled(true); }
+        Fill(const Fill&) = delete;
+        Fill& operator=(const Fill&) = delete;
+
+      private:
+        KeyedGrid& grid_;
+    };
+    // Makes the columns as wide as their content, as far as the grid's own width allows, now and whenever
+    // that changes.
     void fitColumns();
 
     // 1-based; 0 when no row is current.
@@ -53,16 +67,27 @@ class KeyedGrid : public QTableWidget {
     void doubleClicked();
 
   protected:
+    void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
 
   private:
     int columnIndex(std::string_view column) const;
     QTableWidgetItem& cell(int gridRow, std::string_view column) const;
     void sortBy(int column);
+    void shareWidth();
+    QAbstractItemDelegate* delegateFor(const Column& column);
 
     std::vector<Column> columns_;
+    struct Width {
+        int content = 0;  // what the widest cell and the header want
+        int header = 0;   // what the header alone wants
+    };
+    std::vector<Width> widths_;
+    bool doubleClicked_ = false;
 };
 
 }  // namespace ui

@@ -77,6 +77,7 @@ class KeyedTree : public QTreeWidget {
     void mouseMoveEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     QTreeWidgetItem* find(std::string_view key) const;
@@ -91,6 +92,7 @@ class KeyedTree : public QTreeWidget {
     std::vector<Node> order_;
     std::unordered_map<std::string, std::size_t> index_;  // folded key to place in order_
     std::string pressedKey_;
+    std::string chosenKey_;  // what was selected before the press
     int fills_ = 0;
 };
 
