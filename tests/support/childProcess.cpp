@@ -2,6 +2,7 @@
 
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sched.h>
 #include <signal.h>
 #include <sys/mount.h>
@@ -94,6 +95,13 @@ void ChildProcess::awaitReady() const {
     char byte = 0;
     // An end of the pipe says the same as a byte: there is nothing more to wait for.
     EXPECT_GE(::read(readyPipe_, &byte, 1), 0);
+}
+
+bool ChildProcess::endsWithin(std::chrono::microseconds time) const {
+    constexpr long perSecond = 1'000'000;
+    const timespec left{time.count() / perSecond, time.count() % perSecond * 1000};
+    pollfd end{readyPipe_, POLLIN, 0};  // the pipe closes with the child
+    return ::ppoll(&end, 1, &left, nullptr) == 1;
 }
 
 void ChildProcess::kill() const {

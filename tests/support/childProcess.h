@@ -26,6 +26,8 @@ class ChildProcess {
 
     // Returns when the child is ready or gone.
     void awaitReady() const;
+    // True when the child, being ready, ends within the time; returns as soon as it does.
+    bool endsWithin(std::chrono::microseconds time) const;
     // SIGKILL: nothing of the child runs any more.
     void kill() const;
     // Waits for the end: the exit code, or the negative number of the signal that ended it.

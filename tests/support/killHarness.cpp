@@ -10,7 +10,6 @@
 #include <fstream>
 #include <map>
 #include <random>
-#include <thread>
 
 #include "support/childProcess.h"
 
@@ -37,6 +36,10 @@ ChildProcess start(const KilledOperation& operation) {
     });
 }
 
+Microseconds since(steady_clock::time_point begin) {
+    return std::chrono::duration_cast<Microseconds>(steady_clock::now() - begin);
+}
+
 Microseconds measure(const KilledOperation& operation) {
     std::vector<Microseconds> times;
     for (int i = 0; i < measuredRuns; ++i) {
@@ -46,7 +49,7 @@ Microseconds measure(const KilledOperation& operation) {
         child.awaitReady();
         const auto begin = steady_clock::now();
         EXPECT_EQ(child.wait(), 0) << operation.name;
-        times.push_back(std::chrono::duration_cast<Microseconds>(steady_clock::now() - begin));
+        times.push_back(since(begin));
         EXPECT_NE(operation.allowedState(host), "") << "an undisturbed run's state is allowed";
     }
     std::sort(times.begin(), times.end());
@@ -97,12 +100,11 @@ void killRepeatedly(const KilledOperation& operation) {
     const long kills = numberFromEnvironment("QLN_KILLS", defaultKills);
     const long seed = numberFromEnvironment("QLN_SEED", defaultSeed);
     std::mt19937 random(static_cast<std::mt19937::result_type>(seed));
-    const Microseconds time = measure(operation);
-    std::uniform_int_distribution<long> moment(0, time.count());
+    Microseconds time = measure(operation);
     std::map<std::string, long> states;
     long killed = 0;
     for (long attempt = 0; killed < kills && attempt < kills * attemptsPerKill; ++attempt) {
-        const Microseconds delay(moment(random));
+        const Microseconds delay(std::uniform_int_distribution<long>(0, time.count() * 6 / 5)(random));
         SCOPED_TRACE(operation.name + ", QLN_SEED=" + std::to_string(seed) + ", attempt " +
                      std::to_string(attempt) + ", killed after " + std::to_string(delay.count()) + " of " +
                      std::to_string(time.count()) + " us");
@@ -110,7 +112,12 @@ void killRepeatedly(const KilledOperation& operation) {
         operation.prepare(host);
         ChildProcess child = start(operation);
         child.awaitReady();
-        std::this_thread::sleep_for(delay);
+        const auto begin = steady_clock::now();
+        // Follows a machine that is faster or slower than when it was measured.
+        if (child.endsWithin(delay))
+            time = (time + since(begin)) / 2;
+        else
+            time = std::max(time, delay);
         child.kill();
         const int end = child.wait();
         ASSERT_TRUE(end == -SIGKILL || end == 0) << end;
