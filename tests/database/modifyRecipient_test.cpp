@@ -162,6 +162,17 @@ TEST_F(ModifyRecipient, AnAbandonedSaveLosesNoDevice) {
     EXPECT_EQ(value("SELECT count(*) FROM DeviceRecipient"), "7");
 }
 
+TEST_F(ModifyRecipient, DevicesThatCannotBeReadAreNotStoredASecondTime) {
+    makeFull();
+    run("ALTER TABLE DeviceRecipient RENAME TO Gone");
+    RecipientRecord record = unchanged();
+    record.name = "Anna";
+    modifyRecipient(1, record);
+    EXPECT_EQ(logOf("modifyRecipient").size(), 1u);
+    EXPECT_EQ(value("SELECT RecipientName FROM Recipients"), "Anna");
+    EXPECT_EQ(value("SELECT count(*) FROM Device"), "7");
+}
+
 // Random recipients and random edits of them, held against a plain model of what a save means.
 class ModifyRandomly : public testing::Test {
   protected:
