@@ -365,7 +365,7 @@ class ModifyRandomly : public testing::Test {
 };
 
 TEST_F(ModifyRandomly, LeavesWhatTheRecordSays) {
-    constexpr int pairs = 3000;
+    constexpr int pairs = 2000;
     constexpr char orphans[] =
         "SELECT (SELECT count(*) FROM Device WHERE DeviceKey NOT IN (SELECT DeviceKey FROM DeviceRecipient)) "
         "+ "
