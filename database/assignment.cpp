@@ -146,9 +146,11 @@ void addRecipientToEvent(long eventKey, const DeviceSelection& selection, bool c
 bool changeRecipientsForEvent(long eventKey, DeviceSelection& selection) {
     return core::procedure(module, "changeRecipientsForEvent", false, [&](Frame& frame, bool& hadRows) {
         Recordset rows;
-        frame.steps({[&] { rows = openForWriting(assignmentQuery(eventKey)); },
-                     [&] { hadRows = rows.recordCount() > 0; }});
-        while (rows.state() == ObjectState::open && !rows.EOF_()) {
+        // Whoever does not know the rows would add each of them a second time.
+        if (!frame.step([&] { rows = openForWriting(assignmentQuery(eventKey)); }))
+            return;
+        frame.step([&] { hadRows = rows.recordCount() > 0; });
+        while (!rows.EOF_()) {
             changeAssignment(frame, rows, selection);
             frame.step([&] { rows.moveNext(); });
         }

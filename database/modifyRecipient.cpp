@@ -51,21 +51,20 @@ class Save {
     Save(Frame& frame, long recipientKey, std::string name)
         : frame_(frame), recipientKey_(recipientKey), name_(std::move(name)) {}
 
-    Frame& frame() const { return frame_; }
-
-    void open() {
+    // False when the stored devices could not be read.
+    bool open() {
         const std::string key = std::to_string(recipientKey_);
-        frame_.steps(
-            {[&] {
-                 devices_ = openForWriting(
-                     "SELECT DeviceRecipient.RecipientKey, Device.DeviceKey, Device.DeviceType, "
-                     "Device.DeviceAddress, Device.DeviceActive "
-                     "FROM Device INNER JOIN DeviceRecipient ON Device.DeviceKey = DeviceRecipient.DeviceKey "
-                     "WHERE DeviceRecipient.RecipientKey = " +
-                         key,
-                     CursorType::staticCursor);
-             },
-             [&] { allDevices_ = openForWriting("SELECT * FROM Device", CursorType::staticCursor); }});
+        const bool read = frame_.step([&] {
+            devices_ = openForWriting(
+                "SELECT DeviceRecipient.RecipientKey, Device.DeviceKey, Device.DeviceType, "
+                "Device.DeviceAddress, Device.DeviceActive "
+                "FROM Device INNER JOIN DeviceRecipient ON Device.DeviceKey = DeviceRecipient.DeviceKey "
+                "WHERE DeviceRecipient.RecipientKey = " +
+                    key,
+                CursorType::staticCursor);
+        });
+        frame_.step([&] { allDevices_ = openForWriting("SELECT * FROM Device", CursorType::staticCursor); });
+        return read;
     }
     void close() {
         frame_.steps({[&] { devices_.close(); }, [&] { allDevices_.close(); }});
@@ -231,7 +230,7 @@ void modifyRecipient(long recipientKey, const RecipientRecord& record) {
                      },
                      [&] { missing = recipient.EOF_(); }});
         Save save(frame, recipientKey, record.name);
-        save.open();
+        const bool devicesRead = save.open();
         if (missing) {
             core::gLog().log("Could not find a recipient with RecipientKey = " +
                                  std::to_string(recipientKey) + " Name: " + record.name,
@@ -242,6 +241,9 @@ void modifyRecipient(long recipientKey, const RecipientRecord& record) {
         frame.steps({[&] { recipient.set("RecipientName", record.name); },
                      [&] { recipient.set("RecipientActive", std::int64_t{record.active}); },
                      [&] { recipient.update(); }});
+        // Whoever does not know what is stored would store it a second time.
+        if (!devicesRead)
+            return;
         saveSingleAddress(save, voiceMailKind, record.voiceMailDirectoryId);
         saveSingleAddress(save, emailKind, record.emailDirectoryId);
         saveList(save, pagerKind, record.pagerNumbers);

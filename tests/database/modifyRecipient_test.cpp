@@ -162,6 +162,17 @@ TEST_F(ModifyRecipient, AnAbandonedSaveLosesNoDevice) {
     EXPECT_EQ(value("SELECT count(*) FROM DeviceRecipient"), "7");
 }
 
+TEST_F(ModifyRecipient, DevicesThatCannotBeReadAreNotStoredASecondTime) {
+    makeFull();
+    run("ALTER TABLE DeviceRecipient RENAME TO Gone");
+    RecipientRecord record = unchanged();
+    record.name = "Anna";
+    modifyRecipient(1, record);
+    EXPECT_EQ(logOf("modifyRecipient").size(), 1u);
+    EXPECT_EQ(value("SELECT RecipientName FROM Recipients"), "Anna");
+    EXPECT_EQ(value("SELECT count(*) FROM Device"), "7");
+}
+
 // Random recipients and random edits of them, held against a plain model of what a save means.
 class ModifyRandomly : public testing::Test {
   protected:
@@ -354,7 +365,7 @@ class ModifyRandomly : public testing::Test {
 };
 
 TEST_F(ModifyRandomly, LeavesWhatTheRecordSays) {
-    constexpr int pairs = 3000;
+    constexpr int pairs = 2000;
     constexpr char orphans[] =
         "SELECT (SELECT count(*) FROM Device WHERE DeviceKey NOT IN (SELECT DeviceKey FROM DeviceRecipient)) "
         "+ "
