@@ -35,13 +35,14 @@ void createHost(const fs::path& folder, const HostOptions& options) {
     if (platform::files::fileExists(platform::host::registryFile()))
         throw platform::makeFailure(platform::fileAlreadyExists, platform::host::registryFile().string());
 
-    for (const fs::path& part : {hostFolder, platform::host::menuFolder() / "Corvane",
-                                 platform::host::eventLogsFolder(), platform::host::servicesFolder(),
-                                 root / "QLNAdmin", root / "Service", root / "Database"})
+    for (const fs::path& part :
+         {hostFolder, platform::host::menuFolder() / "Corvane", platform::host::eventLogsFolder(),
+          platform::host::servicesFolder(), root / "QLNAdmin", root / "Service", root / "Database"})
         ensureFolder(part);
     if (!options.kit.empty()) {
         installKit(options.kit, root);
-        installService(root / "Service");
+        if (options.serviceInstalled)
+            installService(root / "Service");
     }
     createTemplateDatabase(root / "Database" / "QLNDB_FRESH.MDB");
     platform::files::writeFile(root / "Database" / "QLN_Default_ENU.wav", defaultVoiceFile());

@@ -6,6 +6,7 @@
 
 #include "host/demonstration.h"
 #include "platform/registry.h"
+#include "platform/serviceManager.h"
 
 namespace host {
 
@@ -14,21 +15,46 @@ namespace {
 constexpr char machine[] = "HKEY_LOCAL_MACHINE\\";
 constexpr char services[] = "SYSTEM\\CurrentControlSet\\Services\\";
 
-constexpr std::array<std::string_view, 34> applicationSources{
-    "ArchiveWriter", "BackupAgent", "CertEnroll", "ClusterNode", "DirectoryAgent", "DiskQuota", "EventLogger",
-    "FileReplica", "GroupPolicy", "LoadMonitor", "MailRelay", "MeridaneCorvane_ArchiveMgr",
-    "MeridaneCorvane_AudioText", "MeridaneCorvane_BridgeSrv", "MeridaneCorvane_CallMgr",
-    "MeridaneCorvane_DirSync", "MeridaneCorvane_DoorBell", "MeridaneCorvane_ExtensionMgr",
-    "MeridaneCorvane_FaxQueue", "MeridaneCorvane_License", "MeridaneCorvane_MailRouter",
-    "MeridaneCorvane_MediaSrv", "MeridaneCorvane_MessageStore", "MeridaneCorvane_NodeMgr",
-    "MeridaneCorvane_Notifier", "MeridaneCorvane_Reports", "MeridaneCorvane_SpeechSrv",
-    "MeridaneCorvane_SwitchLink", "MeridaneCorvane_Telephony", "MeridaneCorvane_WebInbox", "PerfCounters",
-    "PolicyAgent", "SqlDirectory", "UserProfiles"};
+constexpr std::array<std::string_view, 34> applicationSources{"ArchiveWriter",
+                                                              "BackupAgent",
+                                                              "CertEnroll",
+                                                              "ClusterNode",
+                                                              "DirectoryAgent",
+                                                              "DiskQuota",
+                                                              "EventLogger",
+                                                              "FileReplica",
+                                                              "GroupPolicy",
+                                                              "LoadMonitor",
+                                                              "MailRelay",
+                                                              "MeridaneCorvane_ArchiveMgr",
+                                                              "MeridaneCorvane_AudioText",
+                                                              "MeridaneCorvane_BridgeSrv",
+                                                              "MeridaneCorvane_CallMgr",
+                                                              "MeridaneCorvane_DirSync",
+                                                              "MeridaneCorvane_DoorBell",
+                                                              "MeridaneCorvane_ExtensionMgr",
+                                                              "MeridaneCorvane_FaxQueue",
+                                                              "MeridaneCorvane_License",
+                                                              "MeridaneCorvane_MailRouter",
+                                                              "MeridaneCorvane_MediaSrv",
+                                                              "MeridaneCorvane_MessageStore",
+                                                              "MeridaneCorvane_NodeMgr",
+                                                              "MeridaneCorvane_Notifier",
+                                                              "MeridaneCorvane_Reports",
+                                                              "MeridaneCorvane_SpeechSrv",
+                                                              "MeridaneCorvane_SwitchLink",
+                                                              "MeridaneCorvane_Telephony",
+                                                              "MeridaneCorvane_WebInbox",
+                                                              "PerfCounters",
+                                                              "PolicyAgent",
+                                                              "SqlDirectory",
+                                                              "UserProfiles"};
 
 constexpr std::array<std::string_view, 22> systemSources{
-    "Browser", "ClockSync", "DnsCache", "DhcpClient", "Disk", "FaultTolerance", "Firewall", "Kernel",
-    "NetBridge", "NetLogon", "Ntp", "Parport", "PlugPlay", "PowerUnit", "PrintSpool", "Redirector",
-    "RemoteAccess", "SerialPort", "ServiceManager", "StorageBus", "TapeDrive", "VolumeSnap"};
+    "Browser",        "ClockSync",  "DnsCache",   "DhcpClient", "Disk",         "FaultTolerance",
+    "Firewall",       "Kernel",     "NetBridge",  "NetLogon",   "Ntp",          "Parport",
+    "PlugPlay",       "PowerUnit",  "PrintSpool", "Redirector", "RemoteAccess", "SerialPort",
+    "ServiceManager", "StorageBus", "TapeDrive",  "VolumeSnap"};
 
 // Sources that registered no message file; a console lists none of them.
 constexpr std::array<std::string_view, 2> silentSources{"OldPrinter", "TrialPackage"};
@@ -57,9 +83,14 @@ void addService(std::string_view name, const std::string& program) {
     constexpr std::uint32_t ownProcess = 16;
     const std::string path = services + std::string(name);
     setValue(path, "ImagePath", "\"" + program + "\"");
-    setValue(path, "ObjectName", std::string(demonstrationAccount));
-    setValue(path, "Start", startAutomatically);
     setValue(path, "Type", ownProcess);
+    const platform::ServiceManager manager(platform::managerExecute);
+    platform::Service service(manager, name, platform::serviceChangeConfig);
+    platform::ServiceConfiguration configuration;
+    configuration.startType = startAutomatically;
+    configuration.account = demonstrationAccount;
+    configuration.password = demonstrationPassword;
+    service.changeConfiguration(configuration);
 }
 
 }  // namespace
@@ -77,14 +108,17 @@ void fillDemonstrationRegistry(const std::filesystem::path& root, const HostOpti
                  std::string("SOFTWARE\\Tessaly\\SnmpAgent"));
 
     addService("TsHubMgr", below("Corvane/TsHubMgr.exe"));
-    addService("HbQlnSvc", below("Service/HbQlnSvc.exe"));
     for (const std::string_view source : applicationSources)
         // One source has categories but no messages of its own, as some have.
         addSource("Application", source, below("Corvane/messages.dll"), source == "PerfCounters");
     for (const std::string_view source : systemSources)
         addSource("System", source, below("Corvane/system.dll"));
     for (const std::string_view source : silentSources)
-        setValue(std::string(services) + "EventLog\\Application\\" + std::string(source), "TypesSupported", 7u);
+        setValue(std::string(services) + "EventLog\\Application\\" + std::string(source), "TypesSupported",
+                 7u);
+    if (!options.serviceInstalled)
+        return;
+    addService("HbQlnSvc", below("Service/HbQlnSvc.exe"));
     addOwnSource("MeridaneCorvane_HbQlnSvc", below("Service/MeridaneCorvane_HbQlnSvc.dll"));
     addOwnSource("QLNTest", below("QLNAdmin/QLNTest_MC.DLL"));
 }
