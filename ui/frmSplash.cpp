@@ -9,7 +9,6 @@
 #include <QTimer>
 
 #include "core/procedure.h"
-#include "core/state.h"
 #include "ui/controls.h"
 #include "ui/formFonts.h"
 #include "ui/paintingWait.h"
@@ -48,7 +47,7 @@ frmSplash::frmSplash() : QWidget(nullptr, Qt::SplashScreen) {
 
 void frmSplash::splashOn(const QString& status, std::optional<short> delay) {
     core::procedure(module, "splashOn", [&](core::Frame& frame) {
-        setWindowTitle(ui::fromUtf8(core::gProductName));
+        setWindowTitle(ui::text(1205));
         lblStatus->setText(status);
         ui::setFormFonts(*this);
         frame.step([&] {
