@@ -23,7 +23,7 @@ constexpr int lowestWidth = 380;
 
 }  // namespace
 
-frmSplash::frmSplash() : QWidget(nullptr, Qt::SplashScreen) {
+frmSplash::frmSplash() : QWidget(nullptr, Qt::SplashScreen | Qt::WindowStaysOnTopHint) {
     setObjectName("frmSplash");
     timerDelay = ui::makeControl<QTimer>(this, "timerDelay");
     Frame1 = ui::makeControl<QFrame>(this, "Frame1");
@@ -51,6 +51,9 @@ void frmSplash::splashOn(const QString& status, std::optional<short> delay) {
         lblStatus->setText(status);
         ui::setFormFonts(*this);
         frame.step([&] {
+            // A window that is up already would learn of a longer line only later.
+            Frame1->layout()->activate();
+            layout()->activate();
             adjustSize();
             placeInTheMiddle();
             show();

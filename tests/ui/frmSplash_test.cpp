@@ -66,6 +66,9 @@ TEST_F(Splash, GoesAfterItsDelayAndObeysTheLaterCall) {
     splash.splashOn("first", 1);
     splash.splashOn("second");
     EXPECT_EQ(status().text(), "second");
+    const QString longLine = "A line that needs more room than the one before";
+    splash.splashOn(longLine);
+    EXPECT_GE(status().width(), status().fontMetrics().horizontalAdvance(longLine));
     tick();
     EXPECT_TRUE(splash.isVisible());
     splash.splashOn("third", 1);
