@@ -36,6 +36,7 @@ constexpr int dragMargin = 500;
 constexpr int treeTop = 60;
 constexpr int firstSplitter = 3300;
 constexpr int hitAreaWidth = 90;
+constexpr int paneGap = 40;
 
 constexpr int maximumTipWidth = 400;  // pixels
 constexpr int paneCount = 8;
@@ -158,7 +159,8 @@ void frmMain::Form_Load() {
                          tooltip_->Create(this);
                          tooltip_->setMaxTipWidth(maximumTipWidth);
                          tooltip_->AddTool(tvNavigation, "");
-                         // Without a node under the pointer there is nothing to say.
+                         // An empty text became "Tool1"; without a node under the pointer there is nothing
+                         // to say.
                          tooltip_->setToolText(tvNavigation, "");
                      },
                      [&] { expanded_.fill(true); }, [&] { core::gRebuildingControls = true; },
@@ -222,12 +224,14 @@ void frmMain::SizeControls(int& splitterX) {
         splitterLeft_ = splitterX;
         const int top = ui::pixels(treeTop);
         const int treeHeight = centralWidget()->height() - ui::pixels(2 * treeTop);
-        tvNavigation->setGeometry(ui::pixels(60), top, ui::pixels(splitterX) - ui::pixels(60), treeHeight);
+        tvNavigation->setGeometry(0, top, ui::pixels(splitterX), treeHeight);
         imgSplitter_->setGeometry(ui::pixels(splitterX), top, ui::pixels(hitAreaWidth), treeHeight);
-        const QRect pane(ui::pixels(splitterX + hitAreaWidth), top,
-                         ui::pixels(windowWidth - (splitterX + 160)), treeHeight);
+        const QRect pane(ui::pixels(splitterX + paneGap), top, ui::pixels(windowWidth - (splitterX + 160)),
+                         treeHeight);
         for (QWidget* viewport : vsviewportDetails_)
             viewport->setGeometry(pane);
+        // The hit area is wider than the gap; it lies over the panes' empty margin.
+        imgSplitter_->raise();
     });
 }
 
@@ -290,6 +294,7 @@ void frmMain::imgSplitter_MouseMove(int pointerX) {
     if (!splitterMoving_)
         return;
     core::procedure(module, "imgSplitter_MouseMove", [&](core::Frame&) {
+        // The bar may go further out than the layout, which springs back to its own limit; it stays so.
         const int candidate = hitAreaLeft() + pointerX;
         const int limit = ui::twips(width()) - dragMargin;
         picSplitter_->move(ui::pixels(std::max(dragMargin, std::min(candidate, limit))), picSplitter_->y());

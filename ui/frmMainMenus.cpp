@@ -34,7 +34,7 @@ void frmMain::checkMenus(long nodeType) {
         switch (nodeType) {
             case nodeTypeCategoryEvents:
                 actions_.at("mnuPopupAddEvent")->setVisible(true);
-                actions_.at("mnuFileNewEvent")->setEnabled(true);
+                actions_.at("mnuFileNewEvent")->setEnabled(true);  // nothing ever disables it; it stays so
                 break;
             case nodeTypeEvent:
                 actions_.at("mnuPopupDeleteEvent")->setVisible(true);

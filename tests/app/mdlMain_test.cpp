@@ -8,10 +8,14 @@
 #include <QAction>
 #include <QProcess>
 #include <QtTest/QTest>
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <regex>
 
+#include "core/classLog.h"
 #include "core/state.h"
+#include "platform/files.h"
 #include "platform/host.h"
 #include "platform/registry.h"
 #include "support/processEnd.h"
@@ -88,6 +92,63 @@ TEST_F(Start, RefusesAMachineThatIsNoServerAndAnOldOne) {
     EXPECT_EQ(runMain(), 1);
     EXPECT_TRUE(fs::exists(host.databaseFile()));
     EXPECT_FALSE(backupExists());
+}
+
+TEST_F(Start, RefusesWithTheReasonWhenTheRegistryCannotBeRead) {
+    makeReady();
+    const fs::path store = platform::host::registryFile();
+    const std::string text = "QLNAdmin can only be run from a Meridane Corvane server.  Exiting.\n\n";
+    const std::string title = "QLNAdmin not running on a Meridane Corvane server.";
+    const std::string good = platform::files::readFile(store);
+    platform::files::writeFile(store, good + "[half a ke");
+    const long line = std::ranges::count(good, '\n') + 1;
+    prompts.expect({text + "Path/File access error (" + store.string() + ":" + std::to_string(line) +
+                        ": a key without ']')",
+                    title, BoxIcon::critical},
+                   BoxAnswer::ok);
+    EXPECT_EQ(runMain(), 1);
+    EXPECT_EQ(platform::files::readFile(store), good + "[half a ke");
+    fs::remove(store);
+    fs::create_directory(store);
+    prompts.expect({text + "Path/File access error (" + store.string() + ")", title, BoxIcon::critical},
+                   BoxAnswer::ok);
+    EXPECT_EQ(runMain(), 1);
+    EXPECT_FALSE(fs::exists(host.databaseFile()));
+}
+
+// An unusable database or log is told in the log alone: the console comes up, empty, and ends orderly.
+TEST_F(Start, ComesUpWithoutAUsableDatabaseOrLog) {
+    makeReady();
+    const fs::path fresh = host.databaseFolder() / "QLNDB_FRESH.MDB";
+    const fs::path backup = host.databaseFolder() / "QLNDB_BKP.MDB";
+    const std::string good = platform::files::readFile(fresh);
+    fs::remove(fresh);
+    platform::files::writeFile(backup, "of better days");
+    support::ManualClock clock;
+    const auto runWith = [&](const std::string& shape) {
+        SCOPED_TRACE(shape.size());
+        platform::files::writeFile(host.databaseFile(), shape);
+        expectServiceWarning();
+        EXPECT_EQ(runMain(), -1);
+        ASSERT_NE(gMainWindow, nullptr);
+        EXPECT_TRUE(gMainWindow->isVisible());
+        EXPECT_THROW(mdlMain::myFinalExit(), support::ProcessEnded);
+        EXPECT_EQ(platform::files::readFile(host.databaseFile()), shape);
+        EXPECT_EQ(platform::files::readFile(backup), "of better days");
+        delete gMainWindow;
+        core::resetState();
+    };
+    runWith("");
+    runWith("no database at all");
+    runWith(good.substr(0, good.size() / 2));
+    EXPECT_GE(host.countInLog("Err.Number = -2147467259"), 3);
+    core::resetLog();
+    fs::remove_all(host.programFolder() / "LOGS");
+    std::ofstream(host.programFolder() / "LOGS") << "no folder";
+    fs::remove(host.databaseFile());
+    expectServiceWarning();
+    EXPECT_EQ(runMain(), -1) << "neither database, nor template, nor log";
+    EXPECT_FALSE(fs::exists(host.databaseFile()));
 }
 
 TEST_F(Start, ComesUpInItsOrderAndEndsWithABackup) {

@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QStyledItemDelegate>
 #include <QToolTip>
+#include <utility>
 
 #include "platform/failure.h"
 #include "ui/text.h"
@@ -120,7 +121,7 @@ void KeyedGrid::addRow(const std::vector<Cell>& cells) {
         // A cell is one line high: line breaks of a long note show as blanks, the tip has the whole text.
         if (const QString whole = item->text(); whole.contains('\n') || whole.contains('\r')) {
             item->setText(whole.simplified());
-            item->setToolTip(whole.left(2000));
+            item->setToolTip(whole.left(2000).toHtmlEscaped().replace('\n', "<br>"));
         }
         if (columns_[i].centred)
             item->setTextAlignment(Qt::AlignCenter);
@@ -230,12 +231,21 @@ void KeyedGrid::sortBy(int column) {
 void KeyedGrid::mouseReleaseEvent(QMouseEvent* event) {
     QTableWidget::mouseReleaseEvent(event);
     const QTableWidgetItem* hit = itemAt(event->position().toPoint());
-    if (event->button() == Qt::LeftButton && hit && hit == currentItem())
+    // The release that ends a double click is no click of its own.
+    if (event->button() != Qt::LeftButton || std::exchange(doubleClicked_, false))
+        return;
+    if (hit && hit == currentItem())
         emit clicked();
+}
+
+void KeyedGrid::mousePressEvent(QMouseEvent* event) {
+    doubleClicked_ = false;
+    QTableWidget::mousePressEvent(event);
 }
 
 void KeyedGrid::mouseDoubleClickEvent(QMouseEvent* event) {
     QTableWidget::mouseDoubleClickEvent(event);
+    doubleClicked_ = true;  // only now: on refilled rows the base class takes it for a press
     if (event->button() == Qt::LeftButton && itemAt(event->position().toPoint()))
         emit doubleClicked();
 }

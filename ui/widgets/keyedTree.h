@@ -93,6 +93,7 @@ class KeyedTree : public QTreeWidget {
     std::vector<Node> order_;
     std::unordered_map<std::string, std::size_t> index_;  // folded key to place in order_
     std::string pressedKey_;
+    std::string chosenKey_;  // what was selected before the press
     int fills_ = 0;
 };
 
