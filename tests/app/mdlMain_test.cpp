@@ -17,9 +17,11 @@
 #include "core/state.h"
 #include "platform/files.h"
 #include "platform/host.h"
+#include "platform/registry.h"
 #include "support/processEnd.h"
 #include "support/scriptedPrompts.h"
-#include "support/temporaryHost.h"
+#include "support/serviceHost.h"
+#include "support/serviceWindows.h"
 #include "ui/frmMain.h"
 
 namespace {
@@ -37,9 +39,10 @@ class Start : public ::testing::Test {
         host.setRegistry(tessaly, "Version Number", version);
         host.setRegistry(tessaly, "Build Number", build);
     }
-    void makeReady() {
+    void makeReady(bool installed = true) {
         makeServer(0x00040000, 0x00010000);
-        host.createRegistryKey(serviceKey);
+        if (installed)
+            host.installService();
         host.createRegistryKey("SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service");
         host.makeDirectory({"CREATE TABLE GlobalSubscriber(DisplayName, DirectoryId, DtmfAccessId)",
                             "CREATE TABLE DistributionList(DisplayName, DirectoryId)"});
@@ -65,7 +68,7 @@ class Start : public ::testing::Test {
 
     ~Start() override { delete gMainWindow; }
 
-    support::TemporaryHost host;
+    support::ServiceHost host;
     support::ScriptedPrompts prompts;
     support::CatchProcessEnd catchEnd;
 };
@@ -184,6 +187,33 @@ TEST_F(Start, ComesUpInItsOrderAndEndsWithABackup) {
     const std::regex form(R"((    Info| Warning|   ERROR| VerInfo):\(.{45}\) .*)");
     for (const std::string& line : host.logLines())
         EXPECT_TRUE(std::regex_match(line, form)) << line;
+}
+
+TEST_F(Start, TheFirstRunAsksForThePasswordAndOpensWithARunningService) {
+    makeReady(false);
+    support::FastClock clock;
+    support::ScriptedPassword password;
+    password.answers = {"wrong", std::nullopt};
+    prompts.expect(
+        {"The QLN Service could not be started.  Typically this is because of an invalid password.  "
+         "Please try again.",
+         "QLN Service failed to start", BoxIcon::critical},
+        BoxAnswer::ok);
+    prompts.expect({"The Quillon Service must be installed to use this application.  Exiting.",
+                    "Quillon Service not installed!", BoxIcon::critical},
+                   BoxAnswer::ok);
+    EXPECT_EQ(runMain(), 1) << "cancelled";
+    EXPECT_EQ(core::gCorvaneDb.state(), platform::ObjectState::closed);
+    EXPECT_EQ(gMainWindow, nullptr);
+    EXPECT_FALSE(backupExists());
+
+    platform::registry().deleteKey(std::string("HKEY_LOCAL_MACHINE\\") + serviceKey);
+    host.setBehaviour("", 200);
+    password.answers = {support::servicePassword};
+    EXPECT_EQ(runMain(), -1) << "no warning comes: the service runs";
+    ASSERT_NE(gMainWindow, nullptr);
+    EXPECT_TRUE(gMainWindow->isVisible());
+    EXPECT_EQ(host.processes(), 1);
 }
 
 TEST_F(Start, FindsTheDevicesThatTheHostSupports) {
