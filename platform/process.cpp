@@ -69,15 +69,31 @@ fs::path findProgram(const std::string& name) {
     return {};
 }
 
+constexpr char windowVariable[] = "QLN_WINDOW=";
+char maximizedWish[] = "QLN_WINDOW=maximized";
+
+// This process's environment with the wish for the program's window in place of any that came from above.
+std::vector<char*> environmentFor(ProgramWindow window) {
+    std::vector<char*> result;
+    for (char** variable = environ; *variable; ++variable)
+        if (!std::string_view(*variable).starts_with(windowVariable))
+            result.push_back(*variable);
+    if (window == ProgramWindow::maximized)
+        result.push_back(maximizedWish);
+    result.push_back(nullptr);
+    return result;
+}
+
 // Runs in the grandchild: becomes the program, or tells the waiting parent why not.
-[[noreturn]] void becomeProgram(const fs::path& file, std::vector<char*>& arguments, int report) {
+[[noreturn]] void becomeProgram(const fs::path& file, std::vector<char*>& arguments,
+                                std::vector<char*>& environment, int report) {
     ::setsid();
     const int nothing = ::open("/dev/null", O_RDWR);
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         ::dup2(nothing, descriptor);
     ::close_range(3, static_cast<unsigned>(report) - 1, 0);
     ::close_range(static_cast<unsigned>(report) + 1, ~0U, 0);
-    ::execv(file.c_str(), arguments.data());
+    ::execve(file.c_str(), arguments.data(), environment.data());
     const int error = errno;
     const ssize_t ignored = ::write(report, &error, sizeof error);
     _exit(ignored < 0 ? 126 : 127);
@@ -85,7 +101,7 @@ fs::path findProgram(const std::string& name) {
 
 }  // namespace
 
-void startDetached(const std::string& commandLine) {
+void startDetached(const std::string& commandLine, ProgramWindow window) {
     std::vector<std::string> words = splitWords(commandLine);
     if (words.empty())
         throw makeFailure(invalidProcedureCall);
@@ -97,6 +113,8 @@ void startDetached(const std::string& commandLine) {
         arguments.push_back(word.data());
     arguments.push_back(nullptr);
 
+    std::vector<char*> environment = environmentFor(window);
+
     int report[2];
     if (::pipe2(report, O_CLOEXEC) != 0)
         throw failureFromErrno(errno, file.string());
@@ -106,7 +124,7 @@ void startDetached(const std::string& commandLine) {
         const pid_t grandchild = ::fork();
         if (grandchild != 0)
             _exit(grandchild < 0 ? 1 : 0);
-        becomeProgram(file, arguments, report[1]);
+        becomeProgram(file, arguments, environment, report[1]);
     }
     const int forkError = errno;
     ::close(report[1]);
@@ -122,6 +140,11 @@ void startDetached(const std::string& commandLine) {
     ::close(report[0]);
     if (error != 0)
         throw failureFromErrno(error, file.string());
+}
+
+bool startedMaximized() {
+    const char* wish = std::getenv("QLN_WINDOW");
+    return wish && std::string_view(wish) == "maximized";
 }
 
 }  // namespace platform
