@@ -5,7 +5,6 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QScrollBar>
-#include <QSignalBlocker>
 #include <QTextBlock>
 #include <QTextLayout>
 
@@ -50,7 +49,6 @@ void VariableTextBox::setStoredText(const std::string& text) {
 }
 
 void VariableTextBox::colorTokens(const QStringList& tokens) {
-    const QSignalBlocker colorsAreNoChange(this);
     colors_->setTokens(tokens);
 }
 
@@ -117,10 +115,8 @@ void VariableTextBox::focusInEvent(QFocusEvent* event) {
 
 void VariableTextBox::changeEvent(QEvent* event) {
     QTextEdit::changeEvent(event);
-    if (event->type() != QEvent::PaletteChange)
-        return;
-    const QSignalBlocker colorsAreNoChange(this);
-    colors_->setColor(tokenColor(palette()));
+    if (event->type() == QEvent::PaletteChange)
+        colors_->setColor(tokenColor(palette()));
 }
 
 void VariableTextBox::keyPressEvent(QKeyEvent* event) {
