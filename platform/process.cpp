@@ -72,6 +72,10 @@ fs::path findProgram(const std::string& name) {
     return {};
 }
 
+// A wish for the program's window; every started program gets this one in place of any that came from above.
+constexpr char windowVariable[] = "QLN_WINDOW=";
+constexpr char maximized[] = "maximized";
+
 // The words of a call of the system, ended by a null pointer. They refer to the texts.
 std::vector<char*> pointers(std::vector<std::string>& texts) {
     std::vector<char*> list;
@@ -183,8 +187,15 @@ void startProcess(const std::string& commandLine, const StartOptions& options) {
         throw failureFromErrno(problem != 0 ? problem : EAGAIN, file.string());
 }
 
-void startDetached(const std::string& commandLine) {
-    startProcess(commandLine, {});
+void startDetached(const std::string& commandLine, ProgramWindow window) {
+    StartOptions options;
+    options.environment = {windowVariable + std::string(window == ProgramWindow::maximized ? maximized : "")};
+    startProcess(commandLine, options);
+}
+
+bool startedMaximized() {
+    const char* wish = std::getenv("QLN_WINDOW");
+    return wish && std::string_view(wish) == maximized;
 }
 
 }  // namespace platform
