@@ -16,7 +16,10 @@
 #include "ui/dlgEvent.h"
 #include "ui/formFonts.h"
 #include "ui/paneEventDetails.h"
+#include "ui/paneExclusionDetails.h"
+#include "ui/paneExclusions.h"
 #include "ui/paneMonitoredEvents.h"
+#include "ui/paneReports.h"
 #include "ui/text.h"
 #include "ui/twips.h"
 #include "ui/widgets/keyedTree.h"
@@ -103,8 +106,11 @@ void frmMain::createMenus() {
     mnuFileNew_ = mnuFile_->addMenu(QString());
     mnuFileNew_->setObjectName("mnuFileNew");
     entry(mnuFileNew_, "mnuFileNewEvent", &frmMain::mnuFileNewEvent_Click);
+    entry(mnuFileNew_, "mnuFileNewExclusion", &frmMain::mnuPopupExclusion_Create_Click);
     entry(mnuFile_, "mnuFileDelete", &frmMain::mnuFileDelete_Click);
     mnuFile_->addSeparator()->setObjectName("mnuFileSep1");
+    entry(mnuFile_, "mnuOptions", &frmMain::mnuOptions_Click);
+    entry(mnuFile_, "mnuImportEvents", &frmMain::mnuImportEvents_Click);
     entry(mnuFile_, "mnuRemoveService", &frmMain::mnuRemoveService_Click);
     mnuFile_->addSeparator()->setObjectName("mnuFileBar2");
     entry(mnuFile_, "mnuExit", &frmMain::mnuExit_Click);
@@ -115,6 +121,8 @@ void frmMain::createMenus() {
     mnuPopup_->setObjectName("mnuPopup");
     entry(mnuPopup_, "mnuPopupAddEvent", &frmMain::mnuPopupAddEvent_Click);
     entry(mnuPopup_, "mnuPopupDeleteEvent", &frmMain::mnuPopupDeleteEvent_Click);
+    entry(mnuPopup_, "mnuPopupExclusion_Create", &frmMain::mnuPopupExclusion_Create_Click);
+    entry(mnuPopup_, "mnuPopupExclusion_Delete", &frmMain::mnuPopupExclusion_Delete_Click);
     entry(mnuPopup_, "mnuDummyLastItem", nullptr);
 }
 
@@ -122,20 +130,28 @@ void frmMain::createPanes() {
     QWidget* client = centralWidget();
     paneMonitoredEvents_ = new paneMonitoredEvents(client);
     paneEventDetails_ = new paneEventDetails(client);
+    paneReport_ = new paneReport(client);
+    paneExclusions_ = new paneExclusions(client);
+    paneExclusionDetails_ = new paneExclusionDetails(client);
     vsviewportDetails_ = {paneMonitoredEvents_,
                           paneEventDetails_,
                           makeHeadingPane(client, "lblAllRecipients"),
                           makeHeadingPane(client, "lblRecipientName"),
-                          makeHeadingPane(client, "lblReports"),
-                          makeHeadingPane(client, "lblReport"),
-                          makeHeadingPane(client, "lblAllExclusions"),
-                          makeHeadingPane(client, "lblExclusionSource")};
+                          new paneReportCategory(client),
+                          paneReport_,
+                          paneExclusions_,
+                          paneExclusionDetails_};
     for (int i = 0; i < paneCount; ++i)
         vsviewportDetails_[static_cast<std::size_t>(i)]->setObjectName("vsviewportDetails_" +
                                                                        QString::number(i));
     connect(paneMonitoredEvents_, &paneMonitoredEvents::newEventWanted, this,
             &frmMain::mnuFileNewEvent_Click);
     connect(paneMonitoredEvents_, &paneMonitoredEvents::eventsChanged, this, &frmMain::showEventsRoot);
+    connect(paneExclusions_, &paneExclusions::newExclusionWanted, this,
+            &frmMain::mnuPopupExclusion_Create_Click);
+    connect(paneExclusions_, &paneExclusions::exclusionDeleted, this, &frmMain::showEventsRoot);
+    connect(paneExclusionDetails_, &paneExclusionDetails::exclusionSaved, this,
+            [this](long key) { loadNavigationTree({}, {}, key); });
     connect(paneMonitoredEvents_, &paneMonitoredEvents::eventOpened, this,
             [this](long key) { selectNode(findNode(nodeTypeEvent, key)); });
 }
@@ -186,7 +202,12 @@ void frmMain::frmMain_ControlInit() {
         actions_.at("mnuHelpAbout")->setText(ui::text(1015));
         actions_.at("mnuRemoveService")->setText(ui::text(1257));
         actions_.at("mnuFileNewEvent")->setText(ui::text(1115));
+        actions_.at("mnuFileNewExclusion")->setText(ui::text(1310));
         actions_.at("mnuFileDelete")->setText(ui::text(1117));
+        actions_.at("mnuOptions")->setText(ui::text(1118));
+        actions_.at("mnuImportEvents")->setText(ui::text(1172));
+        actions_.at("mnuPopupExclusion_Create")->setText(ui::text(1305));
+        actions_.at("mnuPopupExclusion_Delete")->setText(ui::text(1306));
         actions_.at("mnuExit")->setText(ui::text(1016));
         actions_.at("mnuPopupAddEvent")->setText(ui::text(1129));
         actions_.at("mnuPopupDeleteEvent")->setText(ui::text(1130));
@@ -197,13 +218,11 @@ void frmMain::frmMain_ControlInit() {
         };
         heading("lblAllRecipients", ui::text(1104));
         heading("lblRecipientName", ui::text(1103));
-        // These two panes have no node; their captions are the names of their node types.
-        heading("lblReports", "nodeTypeCategoryReports");
-        heading("lblReport", "nodeTypeReport");
-        heading("lblAllExclusions", ui::text(1314));
-        heading("lblExclusionSource", ui::text(1311));
         paneMonitoredEvents_->controlInit();
         paneEventDetails_->controlInit();
+        paneReport_->controlInit();
+        paneExclusions_->controlInit();
+        paneExclusionDetails_->controlInit();
         relabelNavigationTree();
     });
 }

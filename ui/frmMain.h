@@ -18,9 +18,13 @@ class QFrame;
 class QMenu;
 class QStatusBar;
 class cTooltip;
+class dlgAddExclusion;
 class dlgEvent;
 class paneEventDetails;
+class paneExclusionDetails;
+class paneExclusions;
 class paneMonitoredEvents;
+class paneReport;
 
 namespace ui {
 class KeyedTree;
@@ -88,6 +92,10 @@ class frmMain : public QMainWindow {
     void mnuFileDelete_Click();
     void mnuPopupAddEvent_Click();
     void mnuPopupDeleteEvent_Click();
+    void mnuPopupExclusion_Create_Click();
+    void mnuPopupExclusion_Delete_Click();
+    void mnuOptions_Click();
+    void mnuImportEvents_Click();
     void mnuRemoveService_Click();
     void mnuExit_Click();
     void mnuHelpAbout_Click();
@@ -100,6 +108,9 @@ class frmMain : public QMainWindow {
     std::vector<QWidget*> vsviewportDetails_;
     paneMonitoredEvents* paneMonitoredEvents_;
     paneEventDetails* paneEventDetails_;
+    paneReport* paneReport_;
+    paneExclusions* paneExclusions_;
+    paneExclusionDetails* paneExclusionDetails_;
     QFrame* imgSplitter_;
     QFrame* picSplitter_;
     QStatusBar* sbStatusBar_;
@@ -110,7 +121,8 @@ class frmMain : public QMainWindow {
     std::map<std::string, QAction*> actions_;  // menu entries by name
     std::array<QIcon, 5> imagelistTreeNodes_;  // by index 1 to 4
     std::unique_ptr<cTooltip> tooltip_;
-    dlgEvent* dlgEvent_ = nullptr;  // one shared instance, made on first use
+    dlgEvent* dlgEvent_ = nullptr;                // one shared instance, made on first use
+    dlgAddExclusion* dlgAddExclusion_ = nullptr;  // likewise
 
     std::array<bool, 4> expanded_{true, true, true, true};  // by node type 0 to 3
     std::string previousNode_;

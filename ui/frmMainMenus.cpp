@@ -28,7 +28,8 @@ void frmMain::checkMenus(long nodeType) {
         // The popup keeps one visible entry while all others are hidden.
         QAction* dummy = actions_.at("mnuDummyLastItem");
         dummy->setVisible(true);
-        for (const char* name : {"mnuPopupAddEvent", "mnuPopupDeleteEvent"})
+        for (const char* name : {"mnuPopupAddEvent", "mnuPopupDeleteEvent", "mnuPopupExclusion_Create",
+                                 "mnuPopupExclusion_Delete"})
             actions_.at(name)->setVisible(false);
         actions_.at("mnuFileDelete")->setEnabled(false);
         switch (nodeType) {
@@ -38,6 +39,13 @@ void frmMain::checkMenus(long nodeType) {
                 break;
             case nodeTypeEvent:
                 actions_.at("mnuPopupDeleteEvent")->setVisible(true);
+                actions_.at("mnuFileDelete")->setEnabled(true);
+                break;
+            case nodeTypeCategoryExclusions:
+                actions_.at("mnuPopupExclusion_Create")->setVisible(true);
+                break;
+            case nodeTypeExclusion:
+                actions_.at("mnuPopupExclusion_Delete")->setVisible(true);
                 actions_.at("mnuFileDelete")->setEnabled(true);
                 break;
             default:
@@ -64,8 +72,12 @@ void frmMain::mnuFileDelete_Click() {
     core::procedure(module, "mnuFileDelete_Click", [&](core::Frame& frame) {
         frame.step([&] {
             const std::string selected = tvNavigation->selectedKey();
-            if (!selected.empty() && tvNavigation->info(selected).nodeType == nodeTypeEvent)
+            const long nodeType =
+                selected.empty() ? nodeTypeCategoryEvents : tvNavigation->info(selected).nodeType;
+            if (nodeType == nodeTypeEvent)
                 mnuPopupDeleteEvent_Click();
+            else if (nodeType == nodeTypeExclusion)
+                mnuPopupExclusion_Delete_Click();
         });
     });
 }

@@ -11,7 +11,10 @@
 #include "ui/cTooltip.h"
 #include "ui/frmMain.h"
 #include "ui/paneEventDetails.h"
+#include "ui/paneExclusionDetails.h"
+#include "ui/paneExclusions.h"
 #include "ui/paneMonitoredEvents.h"
+#include "ui/paneReports.h"
 #include "ui/widgets/keyedTree.h"
 
 using modLocalize::myLoadResString;
@@ -258,12 +261,15 @@ void frmMain::displayPane(const classNodeInfo& info, const std::string& nodeText
             break;
         case nodeTypeReport:
             showViewPort(5);
+            paneReport_->openReport(nodeText);
             break;
         case nodeTypeCategoryExclusions:
             showViewPort(6);
+            paneExclusions_->displayAllExclusions();
             break;
         case nodeTypeExclusion:
             showViewPort(7);
+            paneExclusionDetails_->displayExclusion(info.key);
             break;
         default:
             break;
