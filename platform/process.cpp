@@ -23,6 +23,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr char windowVariable[] = "QLN_WINDOW=";
+
 std::vector<std::string> splitWords(const std::string& commandLine) {
     std::vector<std::string> words;
     bool inWord = false;
@@ -183,8 +185,16 @@ void startProcess(const std::string& commandLine, const StartOptions& options) {
         throw failureFromErrno(problem != 0 ? problem : EAGAIN, file.string());
 }
 
-void startDetached(const std::string& commandLine) {
-    startProcess(commandLine, {});
+void startDetached(const std::string& commandLine, ProgramWindow window) {
+    const bool maximized = window == ProgramWindow::maximized;
+    StartOptions options;
+    options.environment.push_back(windowVariable + std::string(maximized ? "maximized" : ""));
+    startProcess(commandLine, options);
+}
+
+bool startedMaximized() {
+    const char* const wish = std::getenv("QLN_WINDOW");
+    return wish && std::string_view(wish) == "maximized";
 }
 
 }  // namespace platform

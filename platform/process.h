@@ -20,7 +20,11 @@ struct StartOptions {
 // what `before` raises; the program does not run then.
 void startProcess(const std::string& commandLine, const StartOptions& options);
 
-// The same with nothing to add.
-void startDetached(const std::string& commandLine);
+enum class ProgramWindow { normal, maximized };
+
+// The same for a program with a window. `window` is a wish that a program of the host finds in its environment.
+void startDetached(const std::string& commandLine, ProgramWindow window = ProgramWindow::normal);
+// True when this program was started with the wish for a maximized window.
+bool startedMaximized();
 
 }  // namespace platform

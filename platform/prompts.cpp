@@ -21,12 +21,10 @@ class StandardErrorPrompts : public Prompts {
         }
         return BoxAnswer::ok;
     }
-    std::optional<std::string> inputBox(const std::string&, const std::string&) override {
+    std::optional<std::string> inputBox(const std::string&, const std::string&, const std::string&) override {
         return std::nullopt;
     }
-    std::optional<std::string> openFile(const std::string&, const std::string&) override {
-        return std::nullopt;
-    }
+    std::optional<std::string> openFile(const FileQuestion&) override { return std::nullopt; }
 };
 
 class NoPassword : public PasswordPrompt {

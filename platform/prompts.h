@@ -20,15 +20,23 @@ struct MessageBox {
     BoxButtons buttons = BoxButtons::ok;
 };
 
+struct FileQuestion {
+    std::string title;
+    std::string filter;            // of the form "Audio file (*.wav)|*.wav"
+    std::string defaultExtension;  // for a name typed without one; ".wav"
+    std::string folder;            // shown first
+};
+
 class Prompts {
   public:
     virtual ~Prompts() = default;
     // Modal. Closing the box without a button counts as cancel where there is one, else as no or ok.
     virtual BoxAnswer messageBox(const MessageBox& box) = 0;
-    // One line of text; nothing when cancelled.
-    virtual std::optional<std::string> inputBox(const std::string& text, const std::string& title) = 0;
-    // An existing file's path; nothing when cancelled. `filter` has the form "Audio file (*.wav)|*.wav".
-    virtual std::optional<std::string> openFile(const std::string& title, const std::string& filter) = 0;
+    // One line of text, `initial` to begin with; nothing when cancelled.
+    virtual std::optional<std::string> inputBox(const std::string& text, const std::string& title,
+                                                const std::string& initial) = 0;
+    // An existing file's path; nothing when cancelled.
+    virtual std::optional<std::string> openFile(const FileQuestion& question) = 0;
 };
 
 // Asks for the password of the service's account.

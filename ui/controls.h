@@ -25,6 +25,10 @@ Control* makeControl(QWidget* parent, const std::string& name) {
 // Refills a list with string-table texts and keeps its selected row.
 void fillCombo(QComboBox& combo, std::initializer_list<long> texts);
 
+// Selects the first row that begins with the text, without regard to case, as a click would. False, and the
+// selection stays, when there is none. An empty text is the beginning of every row.
+bool setComboText(const QString& text, QComboBox& combo);
+
 // A caption without its mnemonic and its colon, as an accessible name.
 QString plainCaption(QString caption);
 // Gives every control that has a buddy label the label's caption as accessible name.
