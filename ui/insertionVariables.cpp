@@ -35,7 +35,8 @@ InsertionVariables::InsertionVariables(std::string module, QWidget& window, Vari
     connect(mnuVariables, &QMenu::triggered, this, [this](QAction* entry) { mnuInsert_Click(*entry); });
     connectBox(rtbEmailSubject);
     connectBox(rtbEmailBody);
-    new LeaveGuard(rtbEmailSubject, [this] { return rtbEmailSubject_Validate(); });
+    new LeaveGuard(
+        rtbEmailSubject, [this] { return rtbEmailSubject_Validate(); }, this);
 }
 
 void InsertionVariables::controlInit() {

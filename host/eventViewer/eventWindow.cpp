@@ -100,10 +100,9 @@ QSplitter* EventWindow::createTableAndDetails() {
     QHeaderView& header = *tableEvents_->horizontalHeader();
     header.setHighlightSections(false);
     header.setStretchLastSection(true);
-    const QFontMetrics metrics(font());
-    constexpr std::array<int, 8> letters{18, 12, 12, 32, 10, 12, 18, 14};
-    for (std::size_t i = 0; i < letters.size(); ++i)
-        header.resizeSection(static_cast<int>(i), metrics.averageCharWidth() * letters[i]);
+    // Of a long log the first rows tell how wide its columns are.
+    constexpr int rowsLookedAt = 200;
+    header.setResizeContentsPrecision(rowsLookedAt);
 
     auto* below = new QWidget(splitter);
     auto* layout = new QVBoxLayout(below);
@@ -115,7 +114,11 @@ QSplitter* EventWindow::createTableAndDetails() {
     txtDetails_->setTabChangesFocus(true);
     // A read-only text that the keyboard can reach and mark.
     txtDetails_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    txtDetails_->setTabStopDistance(QFontMetrics(txtDetails_->font()).averageCharWidth() * 12);
+    int widest = 0;
+    for (const char* caption : texts_.copiedLabels)
+        widest = std::max(widest, QFontMetrics(txtDetails_->font()).horizontalAdvance(plain(caption)));
+    constexpr int gap = 24;
+    txtDetails_->setTabStopDistance(widest + gap);
     label->setBuddy(txtDetails_);
     layout->addWidget(label);
     layout->addWidget(txtDetails_);
@@ -142,11 +145,20 @@ void EventWindow::connectControls() {
 void EventWindow::showLog() {
     tableEvents_->setCurrentIndex({});
     refresh();
+    fitColumns();
+}
+
+void EventWindow::fitColumns() {
+    constexpr int air = 16;
+    tableEvents_->resizeColumnsToContents();
+    for (int column = 0; column < model_->columnCount(); ++column)
+        tableEvents_->setColumnWidth(column, tableEvents_->columnWidth(column) + air);
 }
 
 void EventWindow::refresh() {
     const int row = currentRow();
     const bool chosen = row >= 0;
+    const bool wasEmpty = model_->rowCount() == 0;
     const std::size_t place = chosen ? model_->place(row) : 0;
     statusBar()->clearMessage();
     try {
@@ -156,6 +168,8 @@ void EventWindow::refresh() {
         statusBar()->showMessage(
             QString(texts_.cannotRead).arg(QString::fromStdString(failure.description())));
     }
+    if (wasEmpty)
+        fitColumns();
     const int again = chosen ? model_->rowOf(place) : -1;
     tableEvents_->setCurrentIndex(model_->index(std::max(again, 0), 0));
     showDetails();
@@ -175,8 +189,10 @@ int EventWindow::currentRow() const {
 void EventWindow::showDetails() {
     const int row = currentRow();
     cmdCopy_->setEnabled(row >= 0);
-    txtDetails_->setPlainText(row < 0 ? QString()
-                                      : QString::fromStdString(copiedText(model_->event(row), texts_)));
+    // The copied form, its values in one column.
+    txtDetails_->setPlainText(
+        row < 0 ? QString()
+                : QString::fromStdString(copiedText(model_->event(row), texts_)).replace("\t\t", "\t"));
     lblCount_->setText(QString(texts_.count).arg(model_->rowCount()).arg(model_->eventCount()));
 }
 

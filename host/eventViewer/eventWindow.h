@@ -28,6 +28,7 @@ class EventWindow : public QMainWindow {
     QSplitter* createTableAndDetails();
     void connectControls();
     void showLog();
+    void fitColumns();
     void chooseType();
     void showDetails();
     void copyEvent();
