@@ -6,6 +6,7 @@
 #include "platform/windowStation.h"
 #include "ui/appearance.h"
 #include "ui/messageBoxes.h"
+#include "ui/windowServices.h"
 
 int main(int argc, char** argv) {
     platform::program::setCommandLine(argc, argv);
@@ -14,6 +15,7 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     ui::MessageBoxes boxes;
     platform::setPrompts(&boxes);
+    const ui::WindowServices services;
     platform::WindowStation station(platform::program::name());
 
     mdlMain::Main(station);

@@ -20,6 +20,7 @@
 #include "server/mdlCorvane.h"
 #include "server/mdlCorvaneDatabase.h"
 #include "server/serviceControl.h"
+#include "server/legacyShortcuts.h"
 #include "server/serviceInstallation.h"
 #include "ui/frmMain.h"
 #include "ui/widgets/keyedTree.h"

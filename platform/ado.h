@@ -41,9 +41,10 @@ class Connection {
     Connection& operator=(const Connection&) = delete;
 
     // "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=FILE" opens that file for reading and writing (read-only
-    // where its attribute says so); "...;Initial Catalog=CorvaneDb" opens the host's directory read-only.
-    // Never creates a file. Raises 3705 when open already, -2147467259 with the engine's text and the file's
-    // name when the file is missing, no database, or cannot be opened; the same failure is in errors().
+    // where its attribute or "Mode=Read" says so); "...;Initial Catalog=CorvaneDb" opens the host's directory
+    // read-only. Never creates a file. Raises 3705 when open already, -2147467259 with the engine's text and
+    // the file's name when the file is missing, no database, or cannot be opened; the same failure is in
+    // errors().
     void open(const std::string& connectionString);
     void close() noexcept;
     ObjectState state() const noexcept { return handle_ ? ObjectState::open : ObjectState::closed; }

@@ -101,6 +101,7 @@ void switchSetting(sqlite3* handle, int setting, int value, const std::string& f
 struct Target {
     std::string dataSource;
     std::string catalog;
+    bool readOnly = false;
 };
 
 Target parseConnectionString(std::string_view text) {
@@ -121,6 +122,8 @@ Target parseConnectionString(std::string_view text) {
             target.dataSource = value;
         else if (key == "initial catalog")
             target.catalog = value;
+        else if (key == "mode")
+            target.readOnly = ado::lowerCase(value) == "read";
     }
     // A catalog wins: for the directory's provider the data source would name a server.
     if (!target.catalog.empty())
@@ -187,7 +190,7 @@ void Connection::open(const std::string& connectionString) {
         const Target target = parseConnectionString(connectionString);
         directory_ = !target.catalog.empty();
         fileName_ = directory_ ? directoryFile(target.catalog) : target.dataSource;
-        ado::Engine engine = ado::openEngine(fileName_, directory_);
+        ado::Engine engine = ado::openEngine(fileName_, directory_ || target.readOnly);
         if (directory_)
             runSetting(engine.get(), "PRAGMA query_only = ON", fileName_);
         else if (sqlite3_db_readonly(engine.get(), "main") == 0)

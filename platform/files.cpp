@@ -39,6 +39,13 @@ void requireWritable(const Path& path) {
         throw makeFailure(permissionDenied, path.string());
 }
 
+// The file of a running program is held: replacing it by name would leave two programs under one.
+void requireNotRunning(const Path& path) {
+    const Descriptor probe(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK));
+    if (probe.get() < 0 && errno == ETXTBSY)
+        throw failureFromErrno(errno, path.string());
+}
+
 Path folderOf(const Path& path) {
     return path.has_parent_path() ? path.parent_path() : Path(".");
 }
@@ -132,8 +139,10 @@ void copyFile(const Path& source, const Path& target) {
     // A new file is its owner's alone, and a program stays one that runs.
     mode_t mode = 0600u | (status.st_mode & S_IXUSR);
     struct stat old {};
-    if (::stat(target.c_str(), &old) == 0)
+    if (::stat(target.c_str(), &old) == 0) {
         mode = old.st_mode & 07777u;
+        requireNotRunning(target);
+    }
     Replacement replacement(target, mode);
     char buffer[1 << 16];
     for (;;) {

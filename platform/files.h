@@ -21,7 +21,8 @@ bool folderExists(const Path& path) noexcept;
 void createFolder(const Path& path);
 
 // Copies file to file, overwriting: written beside the target, synced, renamed, so that a copy that fails
-// leaves the old target. Raises 53 for a missing source, 70 for a target whose owner may not write it.
+// leaves the old target. Raises 53 for a missing source, 70 for a target whose owner may not write it and for
+// a program that runs.
 void copyFile(const Path& source, const Path& target);
 
 // Deletes one file. Raises 53 when missing, 70 when it is read-only and `force` is false.

@@ -29,7 +29,21 @@ class StandardErrorPrompts : public Prompts {
     }
 };
 
+class NoPassword : public PasswordPrompt {
+  public:
+    std::optional<Secret> askPassword(const std::string&) override { return std::nullopt; }
+    void unload() override {}
+};
+
+class NoSplash : public Splash {
+  public:
+    void splashOn(const std::string&, std::optional<short>) override {}
+    void splashOff() override {}
+};
+
 Prompts* promptsInUse = nullptr;
+PasswordPrompt* passwordPromptInUse = nullptr;
+Splash* splashInUse = nullptr;
 
 }  // namespace
 
@@ -40,6 +54,24 @@ Prompts& prompts() {
 
 void setPrompts(Prompts* prompts) {
     promptsInUse = prompts;
+}
+
+PasswordPrompt& passwordPrompt() {
+    static NoPassword fallback;
+    return passwordPromptInUse ? *passwordPromptInUse : fallback;
+}
+
+void setPasswordPrompt(PasswordPrompt* prompt) {
+    passwordPromptInUse = prompt;
+}
+
+Splash& splash() {
+    static NoSplash fallback;
+    return splashInUse ? *splashInUse : fallback;
+}
+
+void setSplash(Splash* splash) {
+    splashInUse = splash;
 }
 
 }  // namespace platform

@@ -28,7 +28,7 @@ class dlgEvent : public QDialog {
 
     // Prepares the dialog and shows it modally; returns when it is closed.
     void displayForm();
-    void dlgEvent_ControlInit();
+    Q_INVOKABLE void dlgEvent_ControlInit();
 
     // Read after displayForm. True when the dialog ended without OK.
     bool cancelled = true;

@@ -105,7 +105,12 @@ void frmMain::createMenus() {
     entry(mnuFileNew_, "mnuFileNewEvent", &frmMain::mnuFileNewEvent_Click);
     entry(mnuFile_, "mnuFileDelete", &frmMain::mnuFileDelete_Click);
     mnuFile_->addSeparator()->setObjectName("mnuFileSep1");
+    entry(mnuFile_, "mnuRemoveService", &frmMain::mnuRemoveService_Click);
+    mnuFile_->addSeparator()->setObjectName("mnuFileBar2");
     entry(mnuFile_, "mnuExit", &frmMain::mnuExit_Click);
+    mnuHelp_ = menuBar()->addMenu(QString());
+    mnuHelp_->setObjectName("mnuHelp");
+    entry(mnuHelp_, "mnuHelpAbout", &frmMain::mnuHelpAbout_Click);
     mnuPopup_ = new QMenu(this);
     mnuPopup_->setObjectName("mnuPopup");
     entry(mnuPopup_, "mnuPopupAddEvent", &frmMain::mnuPopupAddEvent_Click);
@@ -177,6 +182,9 @@ void frmMain::frmMain_ControlInit() {
         setWindowTitle(ui::fromUtf8(core::gProductName));
         mnuFile_->setTitle(ui::text(1010));
         mnuFileNew_->setTitle(ui::text(1114));
+        mnuHelp_->setTitle(ui::text(1013));
+        actions_.at("mnuHelpAbout")->setText(ui::text(1015));
+        actions_.at("mnuRemoveService")->setText(ui::text(1257));
         actions_.at("mnuFileNewEvent")->setText(ui::text(1115));
         actions_.at("mnuFileDelete")->setText(ui::text(1117));
         actions_.at("mnuExit")->setText(ui::text(1016));
@@ -196,6 +204,7 @@ void frmMain::frmMain_ControlInit() {
         heading("lblExclusionSource", ui::text(1311));
         paneMonitoredEvents_->controlInit();
         paneEventDetails_->controlInit();
+        relabelNavigationTree();
     });
 }
 

@@ -165,6 +165,28 @@ void frmMain::initExclusions(const std::string& root, std::optional<long> exclus
     });
 }
 
+void frmMain::relabelNavigationTree() {
+    core::procedure(module, "relabelNavigationTree", [&](core::Frame& frame) {
+        if (tvNavigation->count() == 0)
+            return;  // the window is only being loaded
+        const auto relabel = [&](const std::string& key, const std::string& text) {
+            if (tvNavigation->contains(key))
+                tvNavigation->setNodeText(key, text);
+        };
+        for (const auto& [key, caption] :
+             {std::pair(eventsRoot, 1030L), {recipientsRoot, 1031L}, {exclusionsRoot, 1311L}})
+            frame.step([&, root = key, id = caption] { relabel(root, myLoadResString(id)); });
+        Recordset events = mdlDatabase::getEvents();
+        forEachRow(frame, events,
+                   [&] { relabel("EventKey-" + events.text("EventKey"), sourceAndId(events)); });
+        Recordset exclusions = mdlDatabase::getExclusions();
+        forEachRow(frame, exclusions, [&] {
+            relabel("ExclusionKey-" + exclusions.text("ExclusionKey"), sourceAndId(exclusions));
+        });
+        hovered_ = false;
+    });
+}
+
 void frmMain::selectAfterRebuild(const std::string& nodeKey) {
     if (nodeKey.empty())
         return;

@@ -119,6 +119,22 @@ void paneMonitoredEvents::controlInit() {
     cmdCreateNewEvent->setText(ui::text(1171));
     cmdDeleteSelectedEvent->setText(ui::text(1170));
     ui::nameByBuddy(*this);
+    if (vsflexgridMonitoredEvents->columnCount() > 0)
+        refillInPresentLanguage();
+}
+
+// Headers and cells hold translated words; the current row stays the same event's.
+void paneMonitoredEvents::refillInPresentLanguage() {
+    KeyedGrid& grid = *vsflexgridMonitoredEvents;
+    const int row = grid.currentGridRow();
+    const long current = row >= 1 ? currentEventKey() : 0;
+    const std::string column = grid.currentColumnKey();
+    displayEvents();
+    for (int i = 1; row >= 1 && i <= grid.gridRowCount(); ++i)
+        if (grid.cellValue(i, "EventKey").toLongLong() == current) {
+            grid.setCurrentGridCell(i, column);
+            cmdDeleteSelectedEvent->setEnabled(true);
+        }
 }
 
 void paneMonitoredEvents::displayEvents() {

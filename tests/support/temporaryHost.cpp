@@ -97,6 +97,20 @@ std::vector<std::string> TemporaryHost::logLines() const {
     return lines;
 }
 
+long TemporaryHost::countInLog(std::string_view level, std::string_view procedure,
+                               std::string_view text) const {
+    long count = 0;
+    for (const std::string& line : logLines()) {
+        const std::size_t end = line.find(") ");
+        if (line.find(std::string(level) + ":(") == std::string::npos || end == std::string::npos ||
+            !line.substr(0, end).ends_with("]" + std::string(procedure)))
+            continue;
+        const std::size_t start = line.find_first_not_of(' ', end + 1);
+        count += start != std::string::npos && line.substr(start).starts_with(text) ? 1 : 0;
+    }
+    return count;
+}
+
 long TemporaryHost::countInLog(std::string_view text) const {
     long count = 0;
     for (const std::string& line : logLines())

@@ -39,6 +39,9 @@ class TemporaryHost {
     std::vector<std::string> logLines() const;
     // Number of log lines that contain the text.
     long countInLog(std::string_view text) const;
+    // Number of lines of that level ("Info", "Warning", "ERROR", "VerInfo") and procedure whose text begins
+    // so.
+    long countInLog(std::string_view level, std::string_view procedure, std::string_view text) const;
 
   private:
     std::filesystem::path root_;

@@ -98,6 +98,10 @@ std::string KeyedTree::nodeText(std::string_view key) const {
     return toUtf8(get(key).text(0));
 }
 
+void KeyedTree::setNodeText(std::string_view key, const std::string& text) {
+    get(key).setText(0, fromUtf8(text));
+}
+
 std::string KeyedTree::selectedKey() const {
     return keyOf(currentItem());
 }

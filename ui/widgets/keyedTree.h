@@ -40,6 +40,7 @@ class KeyedTree : public QTreeWidget {
     // Raise 35601 for an unknown key.
     const classNodeInfo& info(std::string_view key) const;
     std::string nodeText(std::string_view key) const;
+    void setNodeText(std::string_view key, const std::string& text);
 
     // Key of the selected node; empty when none is. Selecting raises no nodeClicked.
     std::string selectedKey() const;
