@@ -110,6 +110,9 @@ void frmMain::createMenus() {
     entry(mnuFile_, "mnuExit", &frmMain::mnuExit_Click);
     mnuHelp_ = menuBar()->addMenu(QString());
     mnuHelp_->setObjectName("mnuHelp");
+    entry(mnuHelp_, "mnuHelpContents", &frmMain::mnuHelpContents_Click);
+    actions_.at("mnuHelpContents")->setShortcut(Qt::Key_F1);
+    mnuHelp_->addSeparator()->setObjectName("mnuHelpBar0");
     entry(mnuHelp_, "mnuHelpAbout", &frmMain::mnuHelpAbout_Click);
     mnuPopup_ = new QMenu(this);
     mnuPopup_->setObjectName("mnuPopup");
@@ -183,6 +186,7 @@ void frmMain::frmMain_ControlInit() {
         mnuFile_->setTitle(ui::text(1010));
         mnuFileNew_->setTitle(ui::text(1114));
         mnuHelp_->setTitle(ui::text(1013));
+        actions_.at("mnuHelpContents")->setText(ui::text(1014));
         actions_.at("mnuHelpAbout")->setText(ui::text(1015));
         actions_.at("mnuRemoveService")->setText(ui::text(1257));
         actions_.at("mnuFileNewEvent")->setText(ui::text(1115));

@@ -3,6 +3,7 @@
 #include <QMenu>
 #include <chrono>
 
+#include "core/mdlHTMLHelp.h"
 #include "core/modLocalize.h"
 #include "core/procedure.h"
 #include "database/events.h"
@@ -98,6 +99,13 @@ void frmMain::mnuRemoveService_Click() {
         // The console does not stay open without its service.
         frame.steps({[] { mdlUtility::uninstallQLNService(); }, [&] { platform::clock().sleep(pauseToRead); },
                      [&] { emit finalExitRequested(); }});
+    });
+}
+
+void frmMain::mnuHelpContents_Click() {
+    core::procedure(module, "mnuHelpContents_Click", [&](core::Frame& frame) {
+        frame.step(
+            [&] { mdlHTMLHelp::showCHMHelp(mdlHTMLHelp::getHelpFileName(), static_cast<long>(winId())); });
     });
 }
 
