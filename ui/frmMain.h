@@ -116,6 +116,7 @@ class frmMain : public QMainWindow {
     void mnuPopupDeleteEvent_Click();
     void mnuRemoveService_Click();
     void mnuExit_Click();
+    void mnuHelpContents_Click();
     void mnuHelpAbout_Click();
 
     void imgSplitter_MouseDown();

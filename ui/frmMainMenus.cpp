@@ -3,6 +3,7 @@
 #include <QMenuBar>
 #include <chrono>
 
+#include "core/mdlHTMLHelp.h"
 #include "core/modLocalize.h"
 #include "core/procedure.h"
 #include "database/events.h"
@@ -56,6 +57,8 @@ constexpr MenuRow entryRows[] = {
     {"mnuFile", "mnuRemoveService", 1257},
     {"mnuFile", "mnuFileBar2", 0},
     {"mnuFile", "mnuExit", 1016},
+    {"mnuHelp", "mnuHelpContents", 1014},
+    {"mnuHelp", "mnuHelpBar0", 0},
     {"mnuHelp", "mnuHelpAbout", 1015},
     {"mnuEvents1", "mnuEditRecipients1", 1120},
     {"mnuEvents1", "mnuRemoveRecipient1", 1121},
@@ -137,6 +140,7 @@ void frmMain::createMenus() {
         {"mnuViewCurrentLogFile", &frmMain::mnuViewCurrentLogFile_Click},
         {"mnuRemoveService", &frmMain::mnuRemoveService_Click},
         {"mnuExit", &frmMain::mnuExit_Click},
+        {"mnuHelpContents", &frmMain::mnuHelpContents_Click},
         {"mnuHelpAbout", &frmMain::mnuHelpAbout_Click},
         {"mnuPopupAddEvent", &frmMain::mnuPopupAddEvent_Click},
         {"mnuPopupDeleteEvent", &frmMain::mnuPopupDeleteEvent_Click},
@@ -147,6 +151,7 @@ void frmMain::createMenus() {
         connect(actions_.at(name), &QAction::triggered, this, handler);
         actions_.at(name)->setEnabled(true);
     }
+    actions_.at("mnuHelpContents")->setShortcut(Qt::Key_F1);
 }
 
 void frmMain::captionMenus() {
@@ -242,6 +247,13 @@ void frmMain::mnuRemoveService_Click() {
         // The console does not stay open without its service.
         frame.steps({[] { mdlUtility::uninstallQLNService(); }, [&] { platform::clock().sleep(pauseToRead); },
                      [&] { emit finalExitRequested(); }});
+    });
+}
+
+void frmMain::mnuHelpContents_Click() {
+    core::procedure(module, "mnuHelpContents_Click", [&](core::Frame& frame) {
+        frame.step(
+            [&] { mdlHTMLHelp::showCHMHelp(mdlHTMLHelp::getHelpFileName(), static_cast<long>(winId())); });
     });
 }
 

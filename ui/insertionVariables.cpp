@@ -35,13 +35,16 @@ InsertionVariables::InsertionVariables(std::string module, QWidget& window, Vari
     connect(mnuVariables, &QMenu::triggered, this, [this](QAction* entry) { mnuInsert_Click(*entry); });
     connectBox(rtbEmailSubject);
     connectBox(rtbEmailBody);
-    new LeaveGuard(rtbEmailSubject, [this] { return rtbEmailSubject_Validate(); });
+    new LeaveGuard(
+        rtbEmailSubject, [this] { return rtbEmailSubject_Validate(); }, this);
 }
 
 void InsertionVariables::controlInit() {
     mnuVariables->setTitle(text(1058));
     if (mnuInsert.size() == 1)
         RTBHelpers::buildInsertionMenu(mnuInsert, *mnuVariables);
+    else
+        RTBHelpers::captionInsertionMenu(mnuInsert);
 }
 
 void InsertionVariables::connectBox(VariableTextBox& box) {

@@ -20,8 +20,8 @@ class InsertionVariables : public QObject {
     Q_OBJECT
 
   public:
-    // `module` is the window's name in the log. The object and its menu belong to `window`, which outlives
-    // both boxes. `changed`, if there is one, is the window's own part of the boxes' change handlers.
+    // `module` is the window's name in the log. The object and its menu belong to `window`, and so do the
+    // boxes. `changed`, if there is one, is the window's own part of the boxes' change handlers.
     InsertionVariables(std::string module, QWidget& window, VariableTextBox& rtbEmailSubject,
                        VariableTextBox& rtbEmailBody, std::function<void()> changed = {});
 

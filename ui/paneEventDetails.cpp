@@ -6,7 +6,6 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QSignalBlocker>
@@ -200,7 +199,9 @@ void paneEventDetails::controlInit() {
     ui::fillCombo(*comboEmailPriority, {1035, 1036});
     cmdExclusions->setText(ui::text(1107));
     cmdEventApply->setText(ui::text(1046));
-    variables->mnuVariables->setTitle(ui::text(1058));
+    // The menu is filled when the first event is shown.
+    if (variables->mnuInsert.size() > 1)
+        variables->controlInit();
     // The catch-all event's source is a caption.
     if (!comboEventSource->isEnabled() && comboEventSource->count() == 1)
         comboEventSource->setItemText(0, ui::text(1049));

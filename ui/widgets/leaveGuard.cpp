@@ -36,8 +36,8 @@ bool leavesForAnotherControl(Qt::FocusReason reason) {
 
 }  // namespace
 
-LeaveGuard::LeaveGuard(QWidget& control, std::function<Answer()> ask)
-    : QObject(&control), control_(control), ask_(std::move(ask)) {
+LeaveGuard::LeaveGuard(QWidget& control, std::function<Answer()> ask, QObject* parent)
+    : QObject(parent), control_(control), ask_(std::move(ask)) {
     control.installEventFilter(this);
 }
 
