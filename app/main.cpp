@@ -6,6 +6,7 @@
 #include "platform/prompts.h"
 #include "platform/windowStation.h"
 #include "ui/appearance.h"
+#include "ui/helpViewer/helpViewer.h"
 #include "ui/messageBoxes.h"
 #include "ui/windowServices.h"
 
@@ -18,6 +19,7 @@ int main(int argc, char** argv) {
     ui::MessageBoxes boxes;
     platform::setPrompts(&boxes);
     const ui::WindowServices services;
+    const ui::HelpViewer helpViewer;
     platform::WindowStation station(platform::program::name());
 
     mdlMain::Main(station);

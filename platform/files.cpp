@@ -101,7 +101,7 @@ class Replacement {
     Descriptor create() const {
         struct stat status {};
         if (::fstat(folder_.get(), &status) == 0 && !(status.st_mode & S_IWUSR))
-            fail(EACCES);
+            throw failureFromErrno(EACCES, folderOf(target_).string());
         if (::fstatat(folder_.get(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
             !(status.st_mode & S_IWUSR))
             fail(EACCES);

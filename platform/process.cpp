@@ -23,6 +23,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr char windowVariable[] = "QLN_WINDOW=";
+
 std::vector<std::string> splitWords(const std::string& commandLine) {
     std::vector<std::string> words;
     bool inWord = false;
@@ -71,10 +73,6 @@ fs::path findProgram(const std::string& name) {
     }
     return {};
 }
-
-// A wish for the program's window; every started program gets this one in place of any that came from above.
-constexpr char windowVariable[] = "QLN_WINDOW=";
-constexpr char maximized[] = "maximized";
 
 // The words of a call of the system, ended by a null pointer. They refer to the texts.
 std::vector<char*> pointers(std::vector<std::string>& texts) {
@@ -188,14 +186,15 @@ void startProcess(const std::string& commandLine, const StartOptions& options) {
 }
 
 void startDetached(const std::string& commandLine, ProgramWindow window) {
+    const bool maximized = window == ProgramWindow::maximized;
     StartOptions options;
-    options.environment = {windowVariable + std::string(window == ProgramWindow::maximized ? maximized : "")};
+    options.environment.push_back(windowVariable + std::string(maximized ? "maximized" : ""));
     startProcess(commandLine, options);
 }
 
 bool startedMaximized() {
-    const char* wish = std::getenv("QLN_WINDOW");
-    return wish && std::string_view(wish) == maximized;
+    const char* const wish = std::getenv("QLN_WINDOW");
+    return wish && std::string_view(wish) == "maximized";
 }
 
 }  // namespace platform

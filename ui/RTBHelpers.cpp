@@ -40,10 +40,15 @@ void buildInsertionMenu(std::vector<QAction*>& mnuInsert, QMenu& mnuVariables) {
                 mnuInsert.push_back(mnuVariables.addAction(QString()));
                 mnuInsert[i]->setObjectName("mnuInsert_" + QString::number(i));
             }
-            mnuInsert[i]->setText(ui::text(entries[i].caption));
             mnuInsert[i]->setData(QString::fromLatin1(entries[i].tag));
         }
+        captionInsertionMenu(mnuInsert);
     });
+}
+
+void captionInsertionMenu(const std::vector<QAction*>& mnuInsert) {
+    for (std::size_t i = 0; i < entries.size() && i < mnuInsert.size(); ++i)
+        mnuInsert[i]->setText(ui::text(entries[i].caption));
 }
 
 void colorInsertionTokens(ui::VariableTextBox& richText, const QString& tokenList) {

@@ -19,6 +19,8 @@ inline constexpr char insertionTokens[] =
 // Gives entry 0 of the array its caption and tag and adds entries 1 to 9 to the array and the menu. An
 // entry's data is its tag, the text that it inserts.
 void buildInsertionMenu(std::vector<QAction*>& mnuInsert, QMenu& mnuVariables);
+// The captions alone, after a change of language.
+void captionInsertionMenu(const std::vector<QAction*>& mnuInsert);
 
 // Colours every occurrence of every token of a comma-separated list, letter case regarded. Caret, selection,
 // text and what undo takes back stay; typing goes on in black.

@@ -43,6 +43,8 @@ void InsertionVariables::controlInit() {
     mnuVariables->setTitle(text(1058));
     if (mnuInsert.size() == 1)
         RTBHelpers::buildInsertionMenu(mnuInsert, *mnuVariables);
+    else
+        RTBHelpers::captionInsertionMenu(mnuInsert);
 }
 
 void InsertionVariables::connectBox(VariableTextBox& box) {

@@ -8,12 +8,14 @@
 #include "core/procedure.h"
 #include "database/exclusions.h"
 #include "ui/controls.h"
+#include "ui/rowText.h"
 #include "ui/text.h"
 #include "ui/twips.h"
 #include "ui/widgets/keyedGrid.h"
 
 using modLocalize::myLoadResString;
 using ui::KeyedGrid;
+using ui::textOrEmpty;
 
 namespace {
 
@@ -23,11 +25,6 @@ std::vector<KeyedGrid::Column> gridColumns() {
     return {{"EventSource", myLoadResString(1302), false, false, false, true},
             {"ExclusionKey", "", true},
             {"EventId", myLoadResString(1019)}};
-}
-
-// A field's text; one without a value is empty, and its row still shows.
-std::string textOrEmpty(const platform::Recordset& row, std::string_view field) {
-    return row.isNull(field) ? std::string() : row.text(field);
 }
 
 KeyedGrid::Cell idCell(const platform::Recordset& row) {

@@ -14,6 +14,7 @@
 #include <functional>
 #include <set>
 
+#include "colorsOf.h"
 #include "core/state.h"
 #include "database/settings.h"
 #include "platform/files.h"
@@ -155,7 +156,7 @@ TEST_F(EventDialog, IsNamedReachableByKeyboardAndClosesWithABlankSubject) {
         EXPECT_EQ(find<QLabel>("Label2").text(), "Right-click for menu of insertion strings.");
         EXPECT_EQ(find<QPushButton>("cmdImportFromClipboard").toolTip(),
                   "Import Event Source and ID from clipboard.");
-        EXPECT_TRUE(find<ui::VariableTextBox>("rtbEmailSubject").isColored(25))
+        EXPECT_EQ(colorsOf(find<ui::VariableTextBox>("rtbEmailSubject")).at(25), 'b')
             << "the defaults are coloured";
         std::set<QWidget*> reached;
         for (QWidget* control = dialog.focusWidget(); control && reached.insert(control).second;

@@ -6,7 +6,7 @@
 #include <QLineEdit>
 #include <QRadioButton>
 
-#include "shell.h"
+#include "mainWindowFixture.h"
 #include "ui/dlgAddExclusion.h"
 #include "ui/widgets/keyedGrid.h"
 
@@ -15,17 +15,17 @@ namespace {
 using platform::BoxAnswer;
 using platform::BoxButtons;
 using platform::BoxIcon;
-using uiTest::Lines;
+using Lines = std::vector<std::string>;
 
-class ExclusionPanes : public uiTest::Shell {
+class ExclusionPanes : public uiTest::MainWindow {
   protected:
     void openOn(const std::string& node) {
         open();
         clickNode(node);
-        apply = &find<QPushButton>("cmdExclusionApply");
-        id = find<QWidget>("vsviewportDetails_7").findChild<QLineEdit*>("tdbnlSpecificEventId");
+        apply = find<QPushButton>("cmdExclusionApply");
+        id = *find<QWidget>("vsviewportDetails_7")->findChild<QLineEdit*>("tdbnlSpecificEventId");
         for (int i : {0, 1})
-            option[i] = find<QWidget>("vsviewportDetails_7")
+            option[i] = *find<QWidget>("vsviewportDetails_7")
                             .findChild<QRadioButton*>("optionEventId_" + QString::number(i));
     }
     Lines exclusions() { return rows("SELECT EventSource, EventId FROM Exclusions ORDER BY ExclusionKey"); }
@@ -55,8 +55,8 @@ class ExclusionPanes : public uiTest::Shell {
 TEST_F(ExclusionPanes, GridListsAllAndDeletesTheCurrentRow) {
     run("INSERT INTO Exclusions VALUES(0, 'Zoned', 70000), (1, 'Alarm', -1), (2, NULL, NULL)");
     openOn("keyExclusions");
-    EXPECT_TRUE(isPaneShown(6));
-    auto& grid = find<ui::KeyedGrid>("vsflexgridAllExclusions");
+    EXPECT_EQ(visiblePane(), 6);
+    auto& grid = *find<ui::KeyedGrid>("vsflexgridAllExclusions");
     const auto cells = [&] {
         Lines lines;
         for (int row = 1; row <= grid.gridRowCount(); ++row)
@@ -64,7 +64,7 @@ TEST_F(ExclusionPanes, GridListsAllAndDeletesTheCurrentRow) {
         return lines;
     };
     EXPECT_EQ(cells(), (Lines{"|", "Alarm|All", "Zoned|70000"}));
-    auto& remove = find<QPushButton>("cmdDeleteSelectedExclusion");
+    auto& remove = *find<QPushButton>("cmdDeleteSelectedExclusion");
     EXPECT_FALSE(remove.isEnabled());
     const auto clickRow = [&](int row) {
         const QPoint cell = grid.cellRectangle(row, "EventSource").center();
@@ -73,10 +73,10 @@ TEST_F(ExclusionPanes, GridListsAllAndDeletesTheCurrentRow) {
     };
     clickRow(3);
     EXPECT_TRUE(remove.isEnabled());
-    EXPECT_TRUE(isPaneShown(6)) << "a double click does nothing";
+    EXPECT_EQ(visiblePane(), 6) << "a double click does nothing";
     expectQuestion("Zoned", BoxAnswer::no);
     press("cmdDeleteSelectedExclusion");
-    EXPECT_TRUE(isPaneShown(6));
+    EXPECT_EQ(visiblePane(), 6);
     expectQuestion("Zoned", BoxAnswer::yes);
     press("cmdDeleteSelectedExclusion");
     EXPECT_EQ(exclusions(), (Lines{"Alarm|-1", "NULL|NULL"}));
@@ -91,7 +91,7 @@ TEST_F(ExclusionPanes, GridListsAllAndDeletesTheCurrentRow) {
 TEST_F(ExclusionPanes, DetailsChangeTheIdAndNothingElse) {
     run("INSERT INTO Exclusions VALUES(0, 'Alarm', -1), (1, 'Backup', 7)");
     openOn("ExclusionKey-0");
-    auto& source = find<QLineEdit>("txtExclusionSource");
+    auto& source = *find<QLineEdit>("txtExclusionSource");
     EXPECT_EQ(source.text(), "Alarm");
     EXPECT_TRUE(option[0]->isChecked());
     EXPECT_FALSE(id->isVisible());
@@ -142,9 +142,9 @@ TEST_F(ExclusionPanes, CreatesFromEveryPlaceAndReadsTheIdAs16Bits) {
     expectDialog("Backup", "32767");
     press("cmdCreateNewExclusion");
     EXPECT_EQ(tree->nodeText(tree->selectedKey()), "Backup (32767)");
-    EXPECT_TRUE(isPaneShown(7));
+    EXPECT_EQ(visiblePane(), 7);
     expectDialog("Alarm", "32768");
-    find<QAction>("mnuFileNewExclusion").trigger();
+    find<QAction>("mnuFileNewExclusion")->trigger();
     EXPECT_EQ(exclusions(), Lines{"Backup|32767"});
     EXPECT_EQ(host.countInLog("ERROR", "mnuPopupExclusion_Create_Click", "Err.Number = 6 "), 1);
     script.expectMenu("mnuPopupExclusion_Create");
@@ -168,14 +168,14 @@ TEST_F(ExclusionPanes, MenusDeleteTheSelectedExclusion) {
     run("INSERT INTO Exclusions VALUES(0, 'Alarm', -1), (1, 'Backup', 7)");
     openOn("ExclusionKey-0");
     expectQuestion("Alarm", BoxAnswer::yes);
-    EXPECT_TRUE(find<QAction>("mnuFileDelete").isEnabled());
-    find<QAction>("mnuFileDelete").trigger();
+    EXPECT_TRUE(find<QAction>("mnuFileDelete")->isEnabled());
+    find<QAction>("mnuFileDelete")->trigger();
     EXPECT_EQ(tree->selectedKey(), "keyMonitoredEvents");
     expectQuestion("Backup", BoxAnswer::yes);
     script.expectMenu("mnuPopupExclusion_Delete");
     clickNode("ExclusionKey-1", Qt::RightButton);
     EXPECT_EQ(exclusions(), Lines{});
-    EXPECT_TRUE(isPaneShown(0));
+    EXPECT_EQ(visiblePane(), 0);
 }
 
 TEST_F(ExclusionPanes, DialogHoldsItsRulesForOkAndImportsACopiedEvent) {

@@ -10,16 +10,16 @@
 #include <set>
 
 #include "platform/files.h"
-#include "shell.h"
+#include "mainWindowFixture.h"
 #include "ui/widgets/limitedNumberBox.h"
 #include "ui/widgets/variableTextBox.h"
 
 namespace {
 
 using platform::BoxAnswer;
-using uiTest::Lines;
+using Lines = std::vector<std::string>;
 
-class Options : public uiTest::Shell {
+class Options : public uiTest::MainWindow {
   protected:
     // Opens the window by its menu entry, works in it and, if it is still open, cancels it.
     void work(const std::function<void()>& inside) {
@@ -31,7 +31,7 @@ class Options : public uiTest::Shell {
             if (shown.isVisible())
                 QTest::mouseClick(&in<QPushButton>("cmdCancel"), Qt::LeftButton);
         });
-        find<QAction>("mnuOptions").trigger();
+        find<QAction>("mnuOptions")->trigger();
     }
     template <class Control>
     Control& in(const char* name) {

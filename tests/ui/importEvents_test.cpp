@@ -4,18 +4,19 @@
 #include <fstream>
 
 #include "server/serviceControl.h"
-#include "shell.h"
+#include "mainWindowFixture.h"
+#include "support/serviceHost.h"
 
 namespace {
 
 using platform::BoxAnswer;
 using platform::BoxButtons;
 using platform::BoxIcon;
-using uiTest::Lines;
+using Lines = std::vector<std::string>;
 
 constexpr char legacyService[] = "tskesnsvr";
 
-class ImportEvents : public uiTest::Shell {
+class ImportEvents : public uiTest::MainWindowOn<support::ServiceHost> {
   protected:
     ImportEvents() {
         const std::filesystem::path folder = host.root() / "Kesn";
@@ -60,7 +61,7 @@ class ImportEvents : public uiTest::Shell {
                  "import again.",
                  "Cannot Stop TsKESN Service", BoxIcon::critical, BoxButtons::ok},
                 BoxAnswer::ok);
-        find<QAction>("mnuImportEvents").trigger();
+        find<QAction>("mnuImportEvents")->trigger();
     }
     Lines imported() { return rows("SELECT EventSource, EventId FROM Events WHERE EventKey > 2"); }
 

@@ -7,15 +7,15 @@
 #include <iostream>
 
 #include "platform/language.h"
-#include "shell.h"
+#include "mainWindowFixture.h"
 #include "ui/widgets/rowGrid.h"
 
 namespace {
 
 using platform::DateOrder;
-using uiTest::Lines;
+using Lines = std::vector<std::string>;
 
-class Reports : public uiTest::Shell {
+class Reports : public uiTest::MainWindow {
   protected:
     ~Reports() override { platform::setDateOrder(DateOrder::monthFirst); }
 
@@ -31,10 +31,10 @@ class Reports : public uiTest::Shell {
             tree->addNode(node);
         }
         clickNode("History");
-        grid = &find<ui::RowGrid>("vsflexgridReportData");
+        log = find<ui::RowGrid>("vsflexgridReportData");
     }
     QDateTimeEdit& picker(int index) {
-        return find<QDateTimeEdit>("dtpickerReport_" + std::to_string(index));
+        return *find<QDateTimeEdit>(qPrintable("dtpickerReport_" + QString::number(index)));
     }
     // Filters by two moments, each given as in the database.
     void filter(const char* start, const char* end) {
@@ -52,8 +52,8 @@ class Reports : public uiTest::Shell {
     }
     Lines sources() {
         Lines found;
-        for (int row = 1; row <= grid->gridRowCount(); ++row)
-            found.push_back(grid->cellText(row, 1));
+        for (int row = 1; row <= log->gridRowCount(); ++row)
+            found.push_back(log->cellText(row, 1));
         return found;
     }
     void logAt(const std::vector<std::string>& moments) {
@@ -64,7 +64,7 @@ class Reports : public uiTest::Shell {
         run(statements);
     }
 
-    ui::RowGrid* grid = nullptr;
+    ui::RowGrid* log = nullptr;
     long lastKey = 0;
 };
 
@@ -79,20 +79,20 @@ TEST_F(Reports, OpenWithTheLastHourAndNoRows) {
     clock.set(system_clock::from_time_t(std::mktime(&midnight)));
     logAt({"2026-01-01 00:10:00"});
     openReport();
-    EXPECT_TRUE(isPaneShown(5));
-    EXPECT_EQ(grid->gridRowCount(), 0);
+    EXPECT_EQ(visiblePane(), 5);
+    EXPECT_EQ(log->gridRowCount(), 0);
     EXPECT_EQ(picker(0).date(), QDate(2025, 12, 31));
     EXPECT_EQ(picker(1).time(), QTime(23, 30));
     EXPECT_EQ(picker(2).date(), QDate(2026, 1, 1));
     EXPECT_EQ(picker(3).time(), QTime(0, 30));
-    EXPECT_EQ(find<QLabel>("lblReport").text(), "nodeTypeReport") << "until a report is loaded";
+    EXPECT_EQ(find<QLabel>("lblReport")->text(), "nodeTypeReport") << "until a report is loaded";
     press("cmdFilterByDate");
     EXPECT_EQ(sources(), Lines{"2026-01-01 00:10:00"});
-    EXPECT_EQ(find<QLabel>("lblReport").text(), "Notification History");
+    EXPECT_EQ(find<QLabel>("lblReport")->text(), "Notification History");
     press("cmdFilterByDate");
-    EXPECT_EQ(grid->gridRowCount(), 1) << "the same rows, not twice as many";
+    EXPECT_EQ(log->gridRowCount(), 1) << "the same rows, not twice as many";
     clickNode("Reports");
-    EXPECT_TRUE(isPaneShown(4));
+    EXPECT_EQ(visiblePane(), 4);
     EXPECT_EQ(host.countInLog("Err.Number"), 0);
 }
 
@@ -109,7 +109,7 @@ TEST_F(Reports, BoundsAreStrictInBothOrdersOfADate) {
         EXPECT_EQ(between("2026-03-04 12:00:00", "2026-04-03 12:00:01"), Lines{"2026-04-03 12:00:00"});
         EXPECT_EQ(between("2024-02-28 23:59:59", "2024-03-01 00:00:00"), Lines{"2024-02-29 10:00:00"});
         EXPECT_EQ(between("2026-12-11 00:29:59", "2026-12-11 00:30:01"), Lines{"2026-12-11 00:30:00"});
-        EXPECT_EQ(grid->cellText(1, 0),
+        EXPECT_EQ(log->cellText(1, 0),
                   order == DateOrder::dayFirst ? "11/12/2026 00:30:00" : "12/11/2026 12:30:00 AM");
         EXPECT_EQ(between("2026-12-12 00:00:00", "2026-12-11 00:00:00"), Lines{})
             << "the start after the end";
@@ -126,7 +126,7 @@ TEST_F(Reports, CellsAreAsTheLogHasThem) {
     const auto row = [&](int number) {
         Lines cells;
         for (int column = 0; column < 5; ++column)
-            cells.push_back(grid->cellText(number, column));
+            cells.push_back(log->cellText(number, column));
         return cells;
     };
     EXPECT_EQ(row(1), (Lines{"5/6/2026 7:08:10 AM", "first by key", "70000", "x", "False"}));
@@ -144,8 +144,8 @@ TEST_F(Reports, ShowAHundredThousandRows) {
     filter("2020-01-01 00:00:00", "2030-01-01 00:00:00");
     QCoreApplication::processEvents();
     const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - started;
-    EXPECT_EQ(grid->gridRowCount(), 100'000);
-    EXPECT_EQ(grid->cellText(100'000, 3), "someone100000@example.net");
+    EXPECT_EQ(log->gridRowCount(), 100'000);
+    EXPECT_EQ(log->cellText(100'000, 3), "someone100000@example.net");
     std::cout << "100,000 log rows read and shown in " << taken.count() << " ms\n";
 }
 

@@ -4,9 +4,8 @@
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QTextDocument>
 #include <QScrollBar>
-#include <QTextBlock>
-#include <QTextLayout>
 
 #include "ui/text.h"
 #include "ui/widgets/tokenColors.h"
@@ -54,15 +53,6 @@ void VariableTextBox::setStoredText(const std::string& text) {
 
 void VariableTextBox::colorTokens(const QStringList& tokens) {
     colors_->setTokens(tokens);
-}
-
-bool VariableTextBox::isColored(int index) const {
-    const QTextBlock block = document()->findBlock(index);
-    const int place = index - block.position();
-    for (const QTextLayout::FormatRange& range : block.layout()->formats())
-        if (place >= range.start && place < range.start + range.length)
-            return range.format.hasProperty(QTextFormat::ForegroundBrush);
-    return false;
 }
 
 void VariableTextBox::insertAt(int index, const QString& text) {

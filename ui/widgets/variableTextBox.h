@@ -24,8 +24,6 @@ class VariableTextBox : public QTextEdit {
     // Colours every occurrence of the tokens in blue, now and from now on. No change of the text, and nothing
     // that undo takes back.
     void colorTokens(const QStringList& tokens);
-    // True when the character is shown in the tokens' colour.
-    bool isColored(int index) const;
     // Inserts a text as a step of its own for undo; an index past the end counts as the end. The caret goes
     // behind it, what is scrolled stays.
     void insertAt(int index, const QString& text);
