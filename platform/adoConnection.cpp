@@ -8,8 +8,10 @@
 
 #include "platform/ado.h"
 #include "platform/adoDialect.h"
+#include "platform/adoOdbc.h"
 #include "platform/adoStatement.h"
 #include "platform/host.h"
+#include "platform/registry.h"
 
 namespace platform {
 
@@ -17,6 +19,7 @@ namespace {
 
 constexpr int busyTimeoutMilliseconds = 5000;
 constexpr char engineName[] = "SQLite";
+constexpr char directoryKey[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessaly\\CorvaneDb";
 
 bool writeProtected(const std::string& file) {
     struct stat status {};
@@ -133,11 +136,17 @@ Target parseConnectionString(std::string_view text) {
     return target;
 }
 
-std::string directoryFile(const std::string& catalog) {
-    // The embedded directory is one database of one name.
+// The data source that the host names for its directory; empty for the embedded one.
+std::string directoryDataSource() {
+    const auto value = registry().value(directoryKey, "DataSource");
+    const std::string* name = value ? std::get_if<std::string>(&*value) : nullptr;
+    return name ? *name : std::string();
+}
+
+// The host has one directory of one name.
+void requireDirectory(const std::string& catalog) {
     if (!ado::equalsIgnoringCase(catalog, "CorvaneDb"))
         throw describe(SQLITE_CANTOPEN, engineText(nullptr, SQLITE_CANTOPEN), catalog, true, {});
-    return host::directoryDatabase().string();
 }
 
 }  // namespace
@@ -180,13 +189,22 @@ Connection::~Connection() {
 }
 
 void Connection::open(const std::string& connectionString) {
-    if (handle_)
+    if (state() == ObjectState::open)
         throw makeFailure(objectOpen);
     errors_.clear();
     try {
         const Target target = parseConnectionString(connectionString);
         directory_ = !target.catalog.empty();
-        fileName_ = directory_ ? directoryFile(target.catalog) : target.dataSource;
+        fileName_ = target.dataSource;
+        if (directory_) {
+            requireDirectory(target.catalog);
+            if (const std::string dataSource = directoryDataSource(); !dataSource.empty()) {
+                fileName_ = dataSource;
+                server_ = ado::connectServer(dataSource);
+                return;
+            }
+            fileName_ = host::directoryDatabase().string();
+        }
         ado::Engine engine = ado::openEngine(fileName_, directory_);
         if (directory_)
             runSetting(engine.get(), "PRAGMA query_only = ON", fileName_);
@@ -201,9 +219,12 @@ void Connection::open(const std::string& connectionString) {
 
 void Connection::close() noexcept {
     ado::EngineClose()(std::exchange(handle_, nullptr));
+    server_.reset();
 }
 
 sqlite3* Connection::handle() const {
+    if (server_)
+        throw makeFailure(updatingNotSupported);
     if (!handle_)
         throw makeFailure(connectionClosed);
     return handle_;
@@ -214,10 +235,20 @@ Failure engineFailure(const Connection& connection, int code, std::string_view s
                     connection.isDirectory(), statement);
 }
 
-void execute(std::string_view statement, Connection& connection) {
+std::unique_ptr<ado::RowSource> ado::openRows(const Connection& connection, std::string_view source) {
+    if (connection.server())
+        return openServerRows(connection.server(), source);
     connection.handle();
-    ado::Statement prepared = ado::prepareSource(connection, statement);
-    while (prepared.step()) {
+    auto statement = std::make_unique<Statement>(prepareSource(connection, source));
+    if (sqlite3_column_count(statement->get()) > 0)
+        return statement;
+    statement->step();
+    return nullptr;
+}
+
+void execute(std::string_view statement, Connection& connection) {
+    const std::unique_ptr<ado::RowSource> rows = ado::openRows(connection, statement);
+    while (rows && rows->step()) {
     }
 }
 

@@ -32,12 +32,11 @@ auto& opened(const ImplPointer& impl) {
 
 }  // namespace
 
-Recordset::Impl::Impl(std::string_view statement, Connection& owner, ado::Statement prepared)
-    : connection(owner), engine(owner.handle()), source(statement), select(std::move(prepared)) {
-    const int count = sqlite3_column_count(select.get());
-    for (int i = 0; i < count; ++i) {
+Recordset::Impl::Impl(std::string_view statement, Connection& owner, std::unique_ptr<ado::RowSource> opened)
+    : connection(owner), source(statement), select(std::move(opened)) {
+    for (std::string& name : select->fieldNames()) {
         ado::Field field;
-        field.name = sqlite3_column_name(select.get(), i);
+        field.name = std::move(name);
         fields.push_back(std::move(field));
     }
     indexes.resize(fields.size());
@@ -53,8 +52,9 @@ void Recordset::Impl::makeWritable() {
     try {
         withId = ado::Statement(connection, text, source);
     } catch (const Failure&) {
-        return;  // a view or a join has no row id
+        return;  // a view or a join has no row id, and a server is only read
     }
+    sqlite3* const handle = connection.handle();
     sqlite3_stmt* statement = withId.get();
     const int count = sqlite3_column_count(statement);
     const char* owner = sqlite3_column_table_name(statement, count - 1);
@@ -70,15 +70,16 @@ void Recordset::Impl::makeWritable() {
         field.column = columnName;
         const char* type = nullptr;
         int autoIncrement = 0;
-        if (sqlite3_table_column_metadata(engine, "main", owner, columnName, &type, nullptr, nullptr, nullptr,
+        if (sqlite3_table_column_metadata(handle, "main", owner, columnName, &type, nullptr, nullptr, nullptr,
                                           &autoIncrement) != SQLITE_OK)
             return;
         field.autoIncrement = autoIncrement != 0;
         ado::setKind(field, type ? type : "");
     }
+    engine = handle;
     table = owner;
     fields = std::move(described);
-    select = std::move(withId);
+    select = std::make_unique<ado::Statement>(std::move(withId));
     writable = true;
 }
 
@@ -89,7 +90,7 @@ void Recordset::Impl::readAtOpen() {
     }
     readRows(writable ? rowsReadAtOnce : everything);
     if (!complete) {
-        select.reset();
+        select->reset();
         rows.clear();
         unplaced = true;
     }
@@ -97,18 +98,18 @@ void Recordset::Impl::readAtOpen() {
 
 // Appends up to `limit` rows of the statement.
 void Recordset::Impl::readRows(std::size_t limit) {
-    const int idIndex = sqlite3_column_count(select.get()) - 1;
+    const int idIndex = static_cast<int>(fields.size());
     for (std::size_t count = 0; count < limit; ++count) {
-        if (!select.step()) {
+        if (!select->step()) {
             complete = true;
             return;
         }
         Row row;
         row.values.reserve(fields.size());
         for (std::size_t i = 0; i < fields.size(); ++i)
-            row.values.push_back(select.column(static_cast<int>(i)));
+            row.values.push_back(select->column(static_cast<int>(i)));
         if (writable)
-            row.id = std::get<std::int64_t>(select.column(idIndex));
+            row.id = std::get<std::int64_t>(select->column(idIndex));
         rows.push_back(std::move(row));
     }
 }
@@ -126,7 +127,7 @@ void Recordset::Impl::nextBlock() {
 }
 
 void Recordset::Impl::restart() {
-    select.reset();
+    select->reset();
     rows.clear();
     base = position = 0;
     complete = false;
@@ -232,13 +233,10 @@ void Recordset::open(std::string_view source, Connection& connection, CursorType
                      CursorLocation location) {
     if (impl_)
         throw makeFailure(objectOpen);
-    connection.handle();
-    ado::Statement statement = ado::prepareSource(connection, source);
-    if (sqlite3_column_count(statement.get()) == 0) {
-        statement.step();
+    std::unique_ptr<ado::RowSource> selected = ado::openRows(connection, source);
+    if (!selected)
         return;
-    }
-    auto impl = std::make_unique<Impl>(source, connection, std::move(statement));
+    auto impl = std::make_unique<Impl>(source, connection, std::move(selected));
     // Pessimistic is optimistic here: nothing is held from set to update, because the service must not
     // wait for an administrator who looks at a row.
     if (lock != LockType::readOnly)

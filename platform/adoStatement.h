@@ -5,8 +5,9 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "platform/ado.h"
+#include "platform/adoRows.h"
 
 struct sqlite3_stmt;
 
@@ -23,7 +24,7 @@ using Engine = std::unique_ptr<sqlite3, EngineClose>;
 Engine openEngine(const std::string& file, bool readOnly);
 
 // A statement prepared on an open connection. `source` is the text that failures name.
-class Statement {
+class Statement : public RowSource {
   public:
     Statement() = default;
     // Raises -2147217900 when `text` holds no statement or more than one, and what the engine says.
@@ -34,10 +35,11 @@ class Statement {
 
     // Parameters count from 1.
     void bind(int parameter, const Value& value);
-    // True with a row, false at the end. A failure resets the statement, so that it keeps no lock.
-    bool step();
-    void reset() noexcept;
-    Value column(int index) const;
+    std::vector<std::string> fieldNames() const override;
+    // A failure resets the statement, so that it keeps no lock.
+    bool step() override;
+    void reset() noexcept override;
+    Value column(int index) const override;
 
   private:
     struct Finalize {
