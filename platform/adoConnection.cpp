@@ -206,10 +206,13 @@ void Connection::open(const std::string& connectionString) {
             fileName_ = host::directoryDatabase().string();
         }
         ado::Engine engine = ado::openEngine(fileName_, directory_);
-        if (directory_)
+        if (directory_) {
             runSetting(engine.get(), "PRAGMA query_only = ON", fileName_);
-        else if (sqlite3_db_readonly(engine.get(), "main") == 0)
+            // Room for a large directory, which a search for everybody sorts as a whole.
+            runSetting(engine.get(), "PRAGMA cache_size = -32768", fileName_);
+        } else if (sqlite3_db_readonly(engine.get(), "main") == 0) {
             runSetting(engine.get(), "PRAGMA journal_mode = DELETE", fileName_);
+        }
         handle_ = engine.release();
     } catch (const Failure& failure) {
         errors_.push_back(failure);

@@ -164,7 +164,8 @@ std::string PostgresServer::query(const std::string& database, const std::string
 void PostgresServer::copyDirectory(const std::string& database, const fs::path& directory) const {
     std::string statements;
     for (std::string definition : support::query(
-             directory, "SELECT sql FROM sqlite_master WHERE sql IS NOT NULL ORDER BY type, rowid")) {
+             directory,
+             "SELECT sql FROM sqlite_master WHERE type IN ('table', 'view') ORDER BY type, rowid")) {
         constexpr std::string_view collation = " COLLATE NOCASE";
         for (std::size_t at = 0; (at = definition.find(collation)) != std::string::npos;)
             definition.erase(at, collation.size());
