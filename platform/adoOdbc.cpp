@@ -4,7 +4,9 @@
 #include <sqlext.h>
 #include <sqlucode.h>
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <utility>
 
@@ -107,7 +109,7 @@ using Session = Handle<SQL_HANDLE_DBC>;
 using Query = Handle<SQL_HANDLE_STMT>;
 
 SQLPOINTER number(SQLULEN value) {
-    return reinterpret_cast<SQLPOINTER>(value);
+    return std::bit_cast<SQLPOINTER>(value);
 }
 
 Environment environment() {
@@ -199,7 +201,7 @@ Kind kindOf(SQLSMALLINT type) {
     }
 }
 
-class ServerRows : public RowSource {
+class ServerRows final : public RowSource {
   public:
     ServerRows(std::shared_ptr<OdbcServer> server, std::string_view source);
     ~ServerRows() override { reset(); }

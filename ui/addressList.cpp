@@ -74,6 +74,7 @@ void AddressList::add(const mdlDatabase::AddressEntry& entry) {
 
 std::vector<mdlDatabase::AddressEntry> AddressList::entries() const {
     std::vector<mdlDatabase::AddressEntry> all;
+    all.reserve(static_cast<std::size_t>(list->count()));
     for (int i = 0; i < list->count(); ++i)
         all.push_back({list->entryKey(i), list->entryText(i)});
     return all;

@@ -124,6 +124,7 @@ BoundGrid::BoundGrid(QWidget* parent) : QTableView(parent), model_(new BoundRows
 void BoundGrid::setColumns(const std::vector<Column>& columns) {
     columns_ = columns;
     std::vector<QString> headers;
+    headers.reserve(columns.size());
     for (const Column& column : columns)
         headers.push_back(fromUtf8(column.header));
     model_->setHeaders(std::move(headers));
