@@ -197,8 +197,10 @@ const Value& Recordset::Impl::stored(Row& row, std::size_t field) {
 
 const Value& Recordset::Impl::value(std::size_t field) {
     static const Value nothing = Null{};
-    if (!edits.empty() && edits[field])
-        return *edits[field];
+    if (!edits.empty()) {
+        if (const std::optional<Value>& edited = edits[field])
+            return *edited;
+    }
     return adding ? nothing : stored(present(), field);
 }
 
