@@ -12,6 +12,7 @@
 
 #include "platform/failure.h"
 #include "ui/text.h"
+#include "ui/widgets/cellTip.h"
 
 namespace ui {
 
@@ -184,14 +185,10 @@ void KeyedGrid::resizeEvent(QResizeEvent* event) {
 
 bool KeyedGrid::viewportEvent(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
-        auto* help = static_cast<QHelpEvent*>(event);
+        const auto* help = static_cast<QHelpEvent*>(event);
         const QTableWidgetItem* hit = itemAt(help->pos());
-        // A cell that shows all it has needs no tip.
-        if (hit && hit->toolTip().isEmpty() &&
-            fontMetrics().horizontalAdvance(hit->text()) > visualItemRect(hit).width() - 6) {
-            QToolTip::showText(help->globalPos(), hit->text().toHtmlEscaped(), viewport());
+        if (hit && hit->toolTip().isEmpty() && showCutText(*this, *help))
             return true;
-        }
     }
     return QTableWidget::viewportEvent(event);
 }
