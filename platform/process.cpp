@@ -51,7 +51,7 @@ bool isProgram(const fs::path& file) {
 fs::path findProgram(const std::string& name) {
     if (name.find('/') != std::string::npos)
         return isProgram(name) ? fs::path(name) : fs::path();
-    if (const fs::path beside = program::folder() / name; isProgram(beside))
+    if (fs::path beside = program::folder() / name; isProgram(beside))
         return beside;
     std::error_code error;
     for (fs::directory_iterator entry(program::folder(), error), end; !error && entry != end;
@@ -62,7 +62,7 @@ fs::path findProgram(const std::string& name) {
     std::string_view folders = variable ? variable : "";
     while (!folders.empty()) {
         const std::size_t end = folders.find(':');
-        if (const fs::path candidate = fs::path(folders.substr(0, end)) / name; isProgram(candidate))
+        if (fs::path candidate = fs::path(folders.substr(0, end)) / name; isProgram(candidate))
             return candidate;
         folders.remove_prefix(end == std::string_view::npos ? folders.size() : end + 1);
     }
@@ -109,6 +109,7 @@ void startDetached(const std::string& commandLine, ProgramWindow window) {
     if (file.empty())
         throw makeFailure(fileNotFound, words.front());
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);
