@@ -51,7 +51,7 @@ EventWindow::EventWindow(Language language) : texts_(texts(language)), model_(ne
     lblCount_ = named<QLabel>("lblCount", this);
     statusBar()->addPermanentWidget(lblCount_);
     connectControls();
-    resize(960, 640);
+    resize(1080, 680);
     showLog();
     tableEvents_->setFocus();
 }
