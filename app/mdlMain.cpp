@@ -17,10 +17,10 @@
 #include "platform/clock.h"
 #include "platform/host.h"
 #include "platform/prompts.h"
+#include "server/legacyShortcuts.h"
 #include "server/mdlCorvane.h"
 #include "server/mdlCorvaneDatabase.h"
 #include "server/serviceControl.h"
-#include "server/legacyShortcuts.h"
 #include "server/serviceInstallation.h"
 #include "ui/frmMain.h"
 #include "ui/widgets/keyedTree.h"
@@ -40,10 +40,20 @@ constexpr char module[] = "mdlMain";
     platform::program::end(1);
 }
 
+// What keeps the registry from being read, for the refusal that follows from it; empty when nothing does.
+std::string registryTrouble() {
+    try {
+        RegistryAPI::registryKeyExists(RegistryAPI::HKEY_LOCAL_MACHINE, productRegistryKey);
+        return {};
+    } catch (const platform::Failure& failure) {
+        return "\n\n" + failure.description();
+    }
+}
+
 // The console runs on a Corvane server of version 3.1(1) or later, and nowhere else.
 void checkEnvironment() {
     if (gCorvaneVersion.major == 0)
-        refuse(mdlVerInfo::productName() + myLoadResString(1252),
+        refuse(mdlVerInfo::productName() + myLoadResString(1252) + registryTrouble(),
                mdlVerInfo::productName() + myLoadResString(1253));
     if (!mdlCorvane::isVersionAtLeast(3, 1, 1, 0))
         refuse(mdlVerInfo::productName() + myLoadResString(1254) + "\n" + myLoadResString(1255) +

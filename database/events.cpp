@@ -3,6 +3,7 @@
 #include "core/classLog.h"
 #include "core/modLocalize.h"
 #include "core/procedure.h"
+#include "database/confirmation.h"
 #include "database/openRecordset.h"
 #include "database/settings.h"
 #include "platform/prompts.h"
@@ -10,12 +11,9 @@
 using core::Frame;
 using core::gLog;
 using modLocalize::myLoadResString;
-using platform::BoxAnswer;
-using platform::BoxButtons;
 using platform::BoxIcon;
 using platform::Null;
 using platform::Recordset;
-using platform::Value;
 
 namespace mdlDatabase {
 
@@ -25,10 +23,6 @@ constexpr char module[] = "mdlDatabase";
 
 enum ContentType : long { voiceContent = 1, emailContent = 3 };
 
-Value boolean(bool value) {
-    return std::int64_t{value ? -1 : 0};
-}
-
 std::string eventQuery(std::string_view columns, long eventKey) {
     return "SELECT " + std::string(columns) + " FROM Events WHERE EventKey = " + std::to_string(eventKey);
 }
@@ -37,8 +31,7 @@ std::string eventQuery(std::string_view columns, long eventKey) {
 bool wantsDuplicate(const NewEvent& event) {
     const std::string text = myLoadResString(1187) + "\n" + myLoadResString(1179) + event.eventSource +
                              myLoadResString(1188) + event.eventId + "\n\n" + myLoadResString(1189);
-    return platform::prompts().messageBox(
-               {text, myLoadResString(1190), BoxIcon::question, BoxButtons::yesNo}) == BoxAnswer::yes;
+    return confirmed(text, myLoadResString(1190));
 }
 
 // Sets the fields of one content row that its type has, in their order.
@@ -166,20 +159,18 @@ bool deleteEvent(long eventKey, std::string_view eventName) {
             return;
         }
         const std::string name(eventName);
-        if (platform::prompts().messageBox({myLoadResString(1246) + name, myLoadResString(1247),
-                                            BoxIcon::question, BoxButtons::yesNo}) != BoxAnswer::yes)
+        if (!confirmed(myLoadResString(1246) + name, myLoadResString(1247)))
             return;
-        const std::string key = std::to_string(eventKey);
-        gLog().log("Deleting event: " + name + " Key: " + key, core::logInfo, frame.tag());
+        gLog().log("Deleting event: " + name + " Key: " + std::to_string(eventKey), core::logInfo,
+                   frame.tag());
         // Dependents first: a delete that stops half way leaves an event that the service cannot act on.
-        frame.steps(
-            {[&] {
-                 if (row.state() == platform::ObjectState::open)
-                     row.close();
-             },
-             [&] { platform::execute("DELETE FROM Contents WHERE EventKey = " + key, core::gDatabase); },
-             [&] { platform::execute("DELETE FROM EventDevice WHERE EventKey = " + key, core::gDatabase); },
-             [&] { platform::execute("DELETE FROM Events WHERE EventKey = " + key, core::gDatabase); }});
+        frame.steps({[&] {
+                         if (row.state() == platform::ObjectState::open)
+                             row.close();
+                     },
+                     [&] { deleteRows("Contents", "EventKey", eventKey); },
+                     [&] { deleteRows("EventDevice", "EventKey", eventKey); },
+                     [&] { deleteRows("Events", "EventKey", eventKey); }});
         deleted = true;
     });
 }

@@ -19,6 +19,10 @@ struct sqlite3;
 
 namespace platform {
 
+namespace ado {
+class StatementCache;
+}
+
 enum class ObjectState { closed = 0, open = 1 };
 enum class CursorType { forwardOnly, keyset, dynamic, staticCursor };
 enum class LockType { readOnly, pessimistic, optimistic, batchOptimistic };
@@ -50,14 +54,17 @@ class Connection {
     ObjectState state() const noexcept { return handle_ ? ObjectState::open : ObjectState::closed; }
     const std::vector<Failure>& errors() const noexcept { return errors_; }
 
-    // For this layer: the engine's handle (raises 3709 when closed), the file's name for messages, and
-    // whether failures are numbered as the directory provider does.
+    // For this layer: the engine's handle (raises 3709 when closed), the file's name for messages, whether
+    // failures are numbered as the directory provider does, and the statements that are kept for their next
+    // use.
     sqlite3* handle() const;
     const std::string& fileName() const noexcept { return fileName_; }
     bool isDirectory() const noexcept { return directory_; }
+    const std::shared_ptr<ado::StatementCache>& statements() const noexcept { return statements_; }
 
   private:
     sqlite3* handle_ = nullptr;
+    std::shared_ptr<ado::StatementCache> statements_;
     std::string fileName_;
     bool directory_ = false;
     std::vector<Failure> errors_;
@@ -79,8 +86,9 @@ class Recordset {
     // Runs `source`, a SELECT, or a statement without rows, which runs here and leaves the recordset
     // closed. A writable recordset needs a SELECT of one table's columns; any other SELECT opens read-only.
     // Client, static and keyset cursors read all rows now, writable ones on a large result when a row is
-    // first asked for; a forward-only, read-only one on the server steps the statement in blocks. Raises 3705
-    // when open, 3709 on a closed connection, and the numbers of failure.h for a statement that fails.
+    // first asked for (a row that find finds by its key from the first row on is read alone); a forward-only,
+    // read-only one on the server steps the statement in blocks. Raises 3705 when open, 3709 on a closed
+    // connection, and the numbers of failure.h for a statement that fails.
     void open(std::string_view source, Connection& connection, CursorType cursor = CursorType::forwardOnly,
               LockType lock = LockType::readOnly, CursorLocation location = CursorLocation::server);
     // Raises 3704 when closed already. Drops what a batch collected.
@@ -169,9 +177,9 @@ class Catalog {
 };
 
 // Copies a database file through the engine, whole even while others write it: into a file beside the
-// target, synced, renamed over it. Raises 53 for a missing source, 76 for a missing folder, 70 for a target (or folder) that may not
-// be written, -2147467259 when the source is no database or stays locked past five seconds. A failure
-// leaves an old target as it was.
+// target, synced, renamed over it. Raises 53 for a missing source, 76 for a missing folder, 70 for a target
+// (or folder) that may not be written, -2147467259 when the source is no database, is damaged or stays locked
+// past five seconds. A failure leaves an old target as it was.
 void backupDatabase(const std::string& source, const std::string& target);
 
 }  // namespace platform

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform::ado {
 
@@ -42,5 +44,9 @@ bool nothingToRun(std::string_view rest);
 // A translated SELECT with the row id as a last column named `idColumn`; empty for statements whose
 // rows are not rows of one table (DISTINCT, GROUP BY, joins, compounds).
 std::string withRowId(std::string_view translated, std::string_view idColumn);
+
+// The statement with every whole number that stands right behind "=" or ">" replaced by a parameter, and the
+// numbers in their order. A statement with parameters of its own stays as it is.
+std::string withNumbersTaken(std::string_view translated, std::vector<std::int64_t>& numbers);
 
 }  // namespace platform::ado

@@ -99,7 +99,10 @@ void Recordset::Impl::readAtOpen() {
 void Recordset::Impl::readRows(std::size_t limit) {
     const int idIndex = sqlite3_column_count(select.get()) - 1;
     for (std::size_t count = 0; count < limit; ++count) {
-        if (!select.step()) {
+        const bool found = select.step();
+        if (columnsChanged())
+            throw Failure(providerError, "columns have changed since [" + source + "] was opened", "SQLite");
+        if (!found) {
             complete = true;
             return;
         }
@@ -111,6 +114,20 @@ void Recordset::Impl::readRows(std::size_t limit) {
             row.id = std::get<std::int64_t>(select.column(idIndex));
         rows.push_back(std::move(row));
     }
+}
+
+// True when a statement that was prepared earlier turned out to have other columns by now.
+bool Recordset::Impl::columnsChanged() const {
+    if (!select.preparedAnew())
+        return false;
+    const auto count = static_cast<std::size_t>(sqlite3_column_count(select.get()));
+    if (count != fields.size() + (writable ? 1 : 0))
+        return true;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (fields[i].name != sqlite3_column_name(select.get(), static_cast<int>(i)))
+            return true;
+    }
+    return false;
 }
 
 void Recordset::Impl::nextBlock() {
@@ -151,25 +168,66 @@ void Recordset::Impl::load() {
     if (!addedIds.empty())
         std::erase_if(rows, [&](const Row& row) { return addedIds.contains(*row.id); });
     const std::size_t offset = rows.size();
-    position = unplaced ? 0 : position + offset;
+    if (sought)
+        position = static_cast<std::size_t>(
+            std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row.id == sought->id; }) -
+            rows.begin());
+    else
+        position = unplaced ? 0 : position + offset;
+    sought.reset();
     unplaced = false;
     for (Operation& operation : operations)
         operation.row += offset;
     rows.insert(rows.end(), std::make_move_iterator(added.begin()), std::make_move_iterator(added.end()));
 }
 
+// Finds the row of a key without loading them all. False when that cannot be or there is no such row.
+bool Recordset::Impl::seek(const Criterion& criterion) {
+    std::int64_t id = 0;
+    const char* const end = criterion.key.data() + criterion.key.size();
+    const auto read = std::from_chars(criterion.key.data(), end, id);
+    if (!unplaced || batch || !fields[criterion.field].autoIncrement || read.ec != std::errc() ||
+        read.ptr != end)
+        return false;
+    const auto added =
+        std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row.id == id && !row.deleted; });
+    if (added != rows.end()) {
+        position = static_cast<std::size_t>(added - rows.begin());
+        unplaced = false;
+        return true;
+    }
+    ado::Statement query(connection,
+                         "SELECT * FROM (" + ado::withRowId(translateStatement(source), idColumn) +
+                             ") WHERE " + ado::quotedName(idColumn) + " = ?",
+                         source);
+    query.bind(1, id);
+    if (!query.step() || query.preparedAnew())
+        return false;
+    Row row;
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        row.values.push_back(query.column(static_cast<int>(i)));
+    row.id = id;
+    sought = std::move(row);
+    unplaced = false;
+    return true;
+}
+
 void Recordset::Impl::ensureLoaded() {
-    if (!complete && !streaming)
+    if (loadedLater())
         load();
 }
 
 bool Recordset::Impl::atEnd() {
+    if (sought)
+        return false;
     if (unplaced)
         load();
     return position - base >= rows.size();
 }
 
 Recordset::Impl::Row& Recordset::Impl::present() {
+    if (sought)
+        return *sought;
     if (atEnd() || rows[position - base].deleted)
         throw makeFailure(noCurrentRecord);
     return rows[position - base];
@@ -203,7 +261,12 @@ const Value& Recordset::Impl::value(std::size_t field) {
 
 void Recordset::Impl::moveFirst() {
     dropEdits();
-    ensureLoaded();
+    // Rows were there at open; which one is the first can wait until somebody asks for it.
+    if (loadedLater()) {
+        sought.reset();
+        unplaced = true;
+        return;
+    }
     if (base > 0)
         restart();
     position = 0;
@@ -228,15 +291,14 @@ Recordset::~Recordset() = default;
 Recordset::Recordset(Recordset&&) noexcept = default;
 Recordset& Recordset::operator=(Recordset&&) noexcept = default;
 
-void Recordset::open(std::string_view source, Connection& connection, CursorType cursor, LockType lock,
-                     CursorLocation location) {
-    if (impl_)
-        throw makeFailure(objectOpen);
-    connection.handle();
+// Nothing for a statement without rows, which runs here.
+std::unique_ptr<Recordset::Impl> Recordset::Impl::prepare(std::string_view source, Connection& connection,
+                                                          CursorType cursor, LockType lock,
+                                                          CursorLocation location) {
     ado::Statement statement = ado::prepareSource(connection, source);
     if (sqlite3_column_count(statement.get()) == 0) {
         statement.step();
-        return;
+        return nullptr;
     }
     auto impl = std::make_unique<Impl>(source, connection, std::move(statement));
     // Pessimistic is optimistic here: nothing is held from set to update, because the service must not
@@ -246,7 +308,28 @@ void Recordset::open(std::string_view source, Connection& connection, CursorType
     impl->batch = lock == LockType::batchOptimistic;
     impl->counted = cursor != CursorType::forwardOnly || location == CursorLocation::client;
     impl->streaming = !impl->counted && !impl->writable;
-    impl->readAtOpen();
+    return impl;
+}
+
+void Recordset::open(std::string_view source, Connection& connection, CursorType cursor, LockType lock,
+                     CursorLocation location) {
+    if (impl_)
+        throw makeFailure(objectOpen);
+    connection.handle();
+    auto impl = Impl::prepare(source, connection, cursor, lock, location);
+    if (!impl)
+        return;
+    try {
+        impl->readAtOpen();
+    } catch (const Failure&) {
+        if (!impl->columnsChanged())
+            throw;
+        // What was prepared for another schema is of no use any more.
+        impl.reset();
+        connection.statements()->clear();
+        impl = Impl::prepare(source, connection, cursor, lock, location);
+        impl->readAtOpen();
+    }
     impl_ = std::move(impl);
 }
 

@@ -39,6 +39,9 @@ struct Recordset::Impl {
     };
 
     // Reading
+    static std::unique_ptr<Impl> prepare(std::string_view source, Connection& connection, CursorType cursor,
+                                         LockType lock, CursorLocation location);
+    bool columnsChanged() const;
     void makeWritable();
     void readAtOpen();
     void readRows(std::size_t limit);
@@ -48,6 +51,7 @@ struct Recordset::Impl {
     void ensureLoaded();
     bool atEnd();
     Row& present();
+    bool loadedLater() const noexcept { return !complete && !streaming; }
     void skipDeleted() noexcept;
     std::size_t liveCount() const noexcept { return rows.size() - deletedCount; }
     std::size_t fieldIndex(std::string_view name) const;
@@ -58,6 +62,7 @@ struct Recordset::Impl {
 
     // Searching
     Criterion parseCriterion(std::string_view text) const;
+    bool seek(const Criterion& criterion);
     void find(const Criterion& criterion, std::size_t from);
     void findStreaming(const Criterion& criterion, std::size_t from);
     void dropIndexes();
@@ -89,10 +94,11 @@ struct Recordset::Impl {
     // Of a streaming recordset, the present block of rows; of a writable one that has not been loaded, the
     // rows added here.
     std::vector<Row> rows;
-    std::size_t base = 0;      // position of rows[0] in the result
-    std::size_t position = 0;  // of the present row in the result
-    bool complete = false;     // nothing is left to be read
-    bool unplaced = false;     // not loaded, and the present row is the first one, whichever that is
+    std::size_t base = 0;       // position of rows[0] in the result
+    std::size_t position = 0;   // of the present row in the result
+    bool complete = false;      // nothing is left to be read
+    bool unplaced = false;      // not loaded, and the present row is the first one, whichever that is
+    std::optional<Row> sought;  // not loaded, and this is the present row
     std::size_t deletedCount = 0;
 
     bool adding = false;

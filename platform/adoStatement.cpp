@@ -8,25 +8,116 @@
 
 namespace platform::ado {
 
-void Statement::Finalize::operator()(sqlite3_stmt* statement) const noexcept {
+namespace {
+
+constexpr std::size_t keptStatements = 64;
+
+// Of these only the schema that they were prepared for can change what they do, and the engine looks at that.
+bool worthKeeping(std::string_view text) {
+    const std::string_view word = trimmed(text).substr(0, 6);
+    for (const std::string_view kind : {"SELECT", "INSERT", "UPDATE", "DELETE", "COMMIT"}) {
+        if (equalsIgnoringCase(word, kind))
+            return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+void Finalize::operator()(sqlite3_stmt* statement) const noexcept {
     sqlite3_finalize(statement);
+}
+
+Handle StatementCache::take(const std::string& text) {
+    const auto found = statements_.find(text);
+    if (found == statements_.end())
+        return nullptr;
+    Handle statement = std::move(found->second);
+    statements_.erase(found);
+    sqlite3_stmt_status(statement.get(), SQLITE_STMTSTATUS_REPREPARE, 1);
+    return statement;
+}
+
+void StatementCache::giveBack(const std::string& text, Handle statement) {
+    sqlite3_reset(statement.get());
+    sqlite3_clear_bindings(statement.get());
+    if (!closed_ && statements_.size() < keptStatements)
+        statements_.insert_or_assign(text, std::move(statement));
+}
+
+void StatementCache::clear() noexcept {
+    statements_.clear();
+}
+
+void StatementCache::close() noexcept {
+    closed_ = true;
+    clear();
 }
 
 Statement::Statement(const Connection& connection, std::string_view text, std::string_view source)
     : connection_(&connection), source_(source) {
-    sqlite3* handle = connection.handle();
+    connection.handle();
     if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
         throw engineFailure(connection, SQLITE_TOOBIG, {});
+    if (worthKeeping(text)) {
+        text_ = withNumbersTaken(text, numbers_);
+        cache_ = connection.statements();
+        if (const auto cache = cache_.lock())
+            statement_ = cache->take(text_);
+        if (!statement_)
+            prepare(text_);
+    } else {
+        prepare(text);
+    }
+    for (std::size_t i = 0; i < numbers_.size(); ++i)
+        check(sqlite3_bind_int64(statement_.get(), static_cast<int>(i) + 1, numbers_[i]));
+}
+
+Statement::~Statement() {
+    giveBack();
+}
+
+Statement& Statement::operator=(Statement&& other) noexcept {
+    if (this != &other) {
+        giveBack();
+        connection_ = other.connection_;
+        source_ = std::move(other.source_);
+        text_ = std::move(other.text_);
+        numbers_ = std::move(other.numbers_);
+        statement_ = std::move(other.statement_);
+        cache_ = std::move(other.cache_);
+    }
+    return *this;
+}
+
+void Statement::prepare(std::string_view text) {
     sqlite3_stmt* prepared = nullptr;
     const char* tail = nullptr;
-    const int code =
-        sqlite3_prepare_v3(handle, text.data(), static_cast<int>(text.size()), 0, &prepared, &tail);
+    const int code = sqlite3_prepare_v3(connection_->handle(), text.data(), static_cast<int>(text.size()), 0,
+                                        &prepared, &tail);
     statement_.reset(prepared);
     check(code);
     if (!prepared)
         throw Failure(statementFailed, "no statement [" + source_ + "]", "SQLite");
     if (!nothingToRun(text.substr(static_cast<std::size_t>(tail - text.data()))))
         throw Failure(statementFailed, "more than one statement [" + source_ + "]", "SQLite");
+}
+
+void Statement::giveBack() noexcept {
+    if (!statement_)
+        return;
+    const auto cache = cache_.lock();
+    if (cache && !text_.empty())
+        cache->giveBack(text_, std::move(statement_));
+    statement_.reset();
+}
+
+int Statement::parameterCount() const noexcept {
+    return sqlite3_bind_parameter_count(statement_.get()) - static_cast<int>(numbers_.size());
+}
+
+bool Statement::preparedAnew() const noexcept {
+    return sqlite3_stmt_status(statement_.get(), SQLITE_STMTSTATUS_REPREPARE, 0) > 0;
 }
 
 void Statement::check(int code) const {
@@ -83,7 +174,7 @@ Value Statement::column(int index) const {
 
 Statement prepareSource(const Connection& connection, std::string_view source) {
     Statement statement(connection, translateStatement(source), source);
-    if (sqlite3_bind_parameter_count(statement.get()) > 0)
+    if (statement.parameterCount() > 0)
         throw Failure(connection.isDirectory() ? statementFailed : columnMissing,
                       "no value given for a parameter [" + std::string(source) + "]", "SQLite");
     return statement;

@@ -1,10 +1,13 @@
 // Owners of the engine's handles, for the sources of platform/ado.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
 #include "platform/ado.h"
 
@@ -21,13 +24,42 @@ using Engine = std::unique_ptr<sqlite3, EngineClose>;
 // no database fails here. A file whose owner may not write it is opened read-only even where the system
 // would let this user write.
 Engine openEngine(const std::string& file, bool readOnly);
+// The same for a file that has to hold a database already. To the engine an empty file is a database
+// without tables; here it is none, so that it is not taken for one and not copied over a backup.
+Engine openDatabase(const std::string& file, bool readOnly);
 
-// A statement prepared on an open connection. `source` is the text that failures name.
+struct Finalize {
+    void operator()(sqlite3_stmt* statement) const noexcept;
+};
+using Handle = std::unique_ptr<sqlite3_stmt, Finalize>;
+
+// Statements of one connection that nobody runs at the moment, by their text: most are asked for again, with
+// other numbers, and preparing one costs more than running it.
+class StatementCache {
+  public:
+    // Nothing when there is none of that text.
+    Handle take(const std::string& text);
+    // After the connection's end, or with enough statements kept, the statement just goes.
+    void giveBack(const std::string& text, Handle statement);
+    void clear() noexcept;
+    void close() noexcept;
+
+  private:
+    std::unordered_map<std::string, Handle> statements_;
+    bool closed_ = false;
+};
+
+// A statement prepared on an open connection, or taken from its cache. `source` is the text that failures
+// name. A number that is compared with is a parameter to the engine, so that statements that differ in
+// nothing else share one.
 class Statement {
   public:
     Statement() = default;
     // Raises -2147217900 when `text` holds no statement or more than one, and what the engine says.
     Statement(const Connection& connection, std::string_view text, std::string_view source);
+    ~Statement();
+    Statement(Statement&&) noexcept = default;
+    Statement& operator=(Statement&& other) noexcept;
 
     explicit operator bool() const noexcept { return statement_ != nullptr; }
     sqlite3_stmt* get() const noexcept { return statement_.get(); }
@@ -38,16 +70,22 @@ class Statement {
     bool step();
     void reset() noexcept;
     Value column(int index) const;
+    // Parameters of the text itself, for which values are to be given.
+    int parameterCount() const noexcept;
+    // True when the engine had to prepare it anew, because the schema is not what it was.
+    bool preparedAnew() const noexcept;
 
   private:
-    struct Finalize {
-        void operator()(sqlite3_stmt* statement) const noexcept;
-    };
+    void prepare(std::string_view text);
+    void giveBack() noexcept;
     void check(int code) const;
 
     const Connection* connection_ = nullptr;
     std::string source_;
-    std::unique_ptr<sqlite3_stmt, Finalize> statement_;
+    std::string text_;  // empty for one that is not kept
+    std::vector<std::int64_t> numbers_;
+    Handle statement_;
+    std::weak_ptr<StatementCache> cache_;
 };
 
 // Prepares a caller's statement: translated, and without parameters, since nobody gives them values.

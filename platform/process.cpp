@@ -54,7 +54,7 @@ bool isProgram(const fs::path& file) {
 fs::path findProgram(const std::string& name) {
     if (name.find('/') != std::string::npos)
         return name;
-    if (const fs::path beside = program::folder() / name; isProgram(beside))
+    if (fs::path beside = program::folder() / name; isProgram(beside))
         return beside;
     std::error_code error;
     for (fs::directory_iterator entry(program::folder(), error), end; !error && entry != end;
@@ -65,7 +65,7 @@ fs::path findProgram(const std::string& name) {
     std::string_view folders = variable ? variable : "";
     while (!folders.empty()) {
         const std::size_t end = folders.find(':');
-        if (const fs::path candidate = fs::path(folders.substr(0, end)) / name; isProgram(candidate))
+        if (fs::path candidate = fs::path(folders.substr(0, end)) / name; isProgram(candidate))
             return candidate;
         folders.remove_prefix(end == std::string_view::npos ? folders.size() : end + 1);
     }
@@ -75,6 +75,7 @@ fs::path findProgram(const std::string& name) {
 // The words of a call of the system, ended by a null pointer. They refer to the texts.
 std::vector<char*> pointers(std::vector<std::string>& texts) {
     std::vector<char*> list;
+    list.reserve(texts.size() + 1);
     for (std::string& text : texts)
         list.push_back(text.data());
     list.push_back(nullptr);

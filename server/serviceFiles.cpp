@@ -59,8 +59,9 @@ void clearReadOnly(core::Frame& frame, const Path& target, const Path& delivered
         core::logWarning, frame.tag());
     // The kit's bit is flipped without a test, so a kit file that was writable becomes read-only; it stays
     // so.
+    FileObject kitFile;
     frame.steps(
-        {[&] { flipReadOnly(file); }, [&] { file = getFile(delivered); }, [&] { flipReadOnly(file); }});
+        {[&] { flipReadOnly(file); }, [&] { kitFile = getFile(delivered); }, [&] { flipReadOnly(kitFile); }});
 }
 
 }  // namespace

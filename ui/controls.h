@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <initializer_list>
+#include <limits>
 #include <string>
 
 class QComboBox;
@@ -10,11 +11,14 @@ class QWidget;
 
 namespace ui {
 
-// A control with its object name; the parent owns it.
+// A control with its object name; the parent owns it. A line takes a text of any length: the toolkit's own
+// limit would cut off what the database holds.
 template <class Control>
 Control* makeControl(QWidget* parent, const std::string& name) {
     auto* control = new Control(parent);
     control->setObjectName(QString::fromStdString(name));
+    if constexpr (requires { control->setMaxLength(0); })
+        control->setMaxLength(std::numeric_limits<int>::max());
     return control;
 }
 

@@ -134,6 +134,7 @@ void dlgEvent::buildLayout() {
 
 void dlgEvent::dlgEvent_ControlInit() {
     core::procedure(module, "dlgEvent_ControlInit", [&](core::Frame&) {
+        setWindowTitle(ui::text(1018));
         lblEventSource->setText(ui::text(1053));
         frameEventId->setTitle(ui::text(1019));
         optionEventId[allEventIds]->setText(ui::text(1021));
@@ -174,7 +175,6 @@ void dlgEvent::connectControls() {
 
 void dlgEvent::displayForm() {
     core::procedure(module, "displayForm", [&](core::Frame& frame) {
-        setWindowTitle(ui::text(1018));
         frame.step([&] { fillSources(); });
         optionEventId[allEventIds]->setChecked(true);
         tdbnlSpecificEventId->hide();

@@ -23,7 +23,7 @@ namespace {
 constexpr char module[] = "frmAbout";
 constexpr int logoSize = 72;
 constexpr int makerLogoSize = 44;
-constexpr int textWidth = 380;
+constexpr int textWidth = 440;
 constexpr double productSize = 1.5;  // of the window's font
 
 }  // namespace
@@ -133,7 +133,7 @@ void frmAbout::showVersion() {
 void frmAbout::frmAbout_ControlInit() {
     core::procedure(module, "frmAbout_ControlInit", [&](core::Frame& frame) {
         setWindowTitle(ui::plainCaption(ui::text(1015)));
-        lblProduct->setText(ui::fromUtf8(core::gProductName));
+        lblProduct->setText(ui::text(1205));
         cmdOk->setText(ui::text(1001));
         lblMeridaneAddress1->setText(ui::text(1007));
         lblMeridaneAddress2->setText(ui::text(1002));

@@ -182,7 +182,7 @@ void frmMain::Form_Unload() {
 
 void frmMain::frmMain_ControlInit() {
     core::procedure(module, "frmMain_ControlInit", [&](core::Frame&) {
-        setWindowTitle(ui::fromUtf8(core::gProductName));
+        setWindowTitle(ui::text(1205));
         mnuFile_->setTitle(ui::text(1010));
         mnuFileNew_->setTitle(ui::text(1114));
         mnuHelp_->setTitle(ui::text(1013));

@@ -9,7 +9,6 @@
 #include <QTimer>
 
 #include "core/procedure.h"
-#include "core/state.h"
 #include "ui/controls.h"
 #include "ui/formFonts.h"
 #include "ui/paintingWait.h"
@@ -24,7 +23,7 @@ constexpr int lowestWidth = 380;
 
 }  // namespace
 
-frmSplash::frmSplash() : QWidget(nullptr, Qt::SplashScreen) {
+frmSplash::frmSplash() : QWidget(nullptr, Qt::SplashScreen | Qt::WindowStaysOnTopHint) {
     setObjectName("frmSplash");
     timerDelay = ui::makeControl<QTimer>(this, "timerDelay");
     Frame1 = ui::makeControl<QFrame>(this, "Frame1");
@@ -48,10 +47,13 @@ frmSplash::frmSplash() : QWidget(nullptr, Qt::SplashScreen) {
 
 void frmSplash::splashOn(const QString& status, std::optional<short> delay) {
     core::procedure(module, "splashOn", [&](core::Frame& frame) {
-        setWindowTitle(ui::fromUtf8(core::gProductName));
+        setWindowTitle(ui::text(1205));
         lblStatus->setText(status);
         ui::setFormFonts(*this);
         frame.step([&] {
+            // A window that is up already would learn of a longer line only later.
+            Frame1->layout()->activate();
+            layout()->activate();
             adjustSize();
             placeInTheMiddle();
             show();

@@ -1,22 +1,21 @@
 #include "ui/loadedWindows.h"
 
 #include <QApplication>
-#include <QPointer>
 #include <QWidget>
 #include <algorithm>
 
 namespace ui {
 
 void forEachLoadedWindow(const std::function<void(QWidget&)>& action) {
-    QList<QPointer<QWidget>> windows;
+    QWidgetList windows;
     for (QWidget* window : QApplication::topLevelWidgets())
         if (window->objectName().startsWith("frm") || window->objectName().startsWith("dlg"))
             windows.append(window);
     std::stable_partition(windows.begin(), windows.end(),
-                          [](const QPointer<QWidget>& window) { return window->objectName() == "frmMain"; });
+                          [](const QWidget* window) { return window->objectName() == "frmMain"; });
     // An action may unload a window that was loaded when the list was made.
-    for (const QPointer<QWidget>& window : windows)
-        if (window)
+    for (QWidget* window : windows)
+        if (QApplication::topLevelWidgets().contains(window))
             action(*window);
 }
 

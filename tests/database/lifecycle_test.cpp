@@ -257,13 +257,18 @@ TEST_F(Lifecycle, TablesOfOtherShapesAreLeftAlone) {
     EXPECT_EQ(host.countInLog("Err.Number = 3265 "), 1) << "only the missing table is a failure";
 }
 
-TEST_F(Lifecycle, UpgradeThatCannotBeginLosesNothing) {
-    useOldExclusions("('zeta', 5)");
+TEST_F(Lifecycle, UpgradeThatCannotCarryARowOverKeepsTheOldTable) {
+    const std::string longSource(60, 's');
+    useOldExclusions("('zeta', 5), ('" + longSource + "', 7)");
     run("CREATE TABLE ExclusionsNew (leftover)");
     EXPECT_FALSE(upgradeDatabase());
-    EXPECT_EQ(rows("SELECT * FROM Exclusions"), Lines{"zeta|5"});
-    EXPECT_EQ(host.countInLog("[mdlDatabase]upgradeDatabase)   Err.Number"), 1);
-    EXPECT_EQ(support::query(safetyCopy, "SELECT * FROM Exclusions"), Lines{"zeta|5"});
+    EXPECT_EQ(rows("SELECT * FROM Exclusions"), (Lines{"zeta|5", longSource + "|7"}));
+    EXPECT_EQ(support::query(safetyCopy, "SELECT count(*) FROM Exclusions"), Lines{"2"});
+    // What an interrupted upgrade left is no obstacle to the next one.
+    run("DELETE FROM Exclusions WHERE EventId = 7");
+    EXPECT_FALSE(upgradeDatabase());
+    EXPECT_EQ(rows("SELECT * FROM Exclusions"), Lines{"0|zeta|5"});
+    EXPECT_EQ(rows("SELECT count(*) FROM sqlite_master WHERE name = 'ExclusionsNew'"), Lines{"0"});
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,6 +46,22 @@ class TemporaryHost {
 
   private:
     std::filesystem::path root_;
+};
+
+// An independent engine handle on a database file, as another program has it; waits five seconds for a lock.
+class Database {
+  public:
+    explicit Database(const std::filesystem::path& file, bool readOnly = false);
+    // Runs statements; fails the test when one fails.
+    void run(const std::string& statements);
+    // Rows of a query: fields joined by '|', Null as "NULL".
+    std::vector<std::string> query(const std::string& statement);
+
+  private:
+    struct Close {
+        void operator()(sqlite3* handle) const;
+    };
+    std::unique_ptr<sqlite3, Close> handle_;
 };
 
 // Rows of a query through an independent engine handle: fields joined by '|', Null as "NULL".

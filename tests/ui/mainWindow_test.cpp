@@ -2,8 +2,10 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QFrame>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPushButton>
@@ -193,6 +195,52 @@ TEST_F(MainWindow, AddsAnEventThroughTheDialogAndSelectsIt) {
     find<QPushButton>("cmdCreateNewEvent")->click();
     EXPECT_EQ(support::query(host.databaseFile(), "SELECT Count(*) FROM Events"),
               std::vector<std::string>{"3"});
+}
+
+// What is typed or pasted into the dialog arrives as it is, of any length.
+TEST_F(MainWindow, AnyTextArrivesInTheDatabase) {
+    const std::string source = "O'Brien's \"Tools\"; 100% \xf0\x9f\x93\x9f";
+    const std::string title =
+        "'; DELETE FROM Events; -- 100% \t\xd7\xa9\xd7\x9c\xd7\x95\xd7\x9d \xf0\x9f\x93\x9f";
+    const std::string subject = "S\xc3\xa9v\xc3\xa9rit\xc3\xa9\xc2\xa0: '<Type>' \"100%\"; \xd7\xa9\xd7\x9c";
+    const std::string body = "'one';\n\ttwo %n\n\xf0\x9f\x93\x9f\n" + std::string(100'000, 'x');
+    host.setRegistry(sourcesKey + source, "EventMessageFile", std::string("file"));
+    mdlDatabase::setConfigurationSetting("WarnOnDuplicateMonitoredEvents", "0");
+    open();
+    script.expect("dlgEvent", [&](QWidget& dialog) {
+        const auto paste = [&](const char* name, const std::string& text) {
+            auto* control = dialog.findChild<QWidget*>(name);
+            control->setFocus();
+            QTest::keyClick(control, Qt::Key_A, Qt::ControlModifier);
+            QGuiApplication::clipboard()->setText(ui::fromUtf8(text));
+            QTest::keyClick(control, Qt::Key_V, Qt::ControlModifier);
+        };
+        auto* sources = dialog.findChild<QComboBox*>("comboEventSource");
+        sources->setFocus();
+        QTest::keyClicks(sources, "O");
+        paste("txtEventTitle", title + std::string(100'000, 'x'));
+        paste("txtVoiceMailFileName", "it's \"a\"; 100%.wav");
+        paste("rtbEmailSubject", subject);
+        paste("rtbEmailBody", body);
+        // Typed at the end, letter by letter.
+        auto* typed = dialog.findChild<QWidget*>("txtEventTitle");
+        typed->setFocus();
+        QTest::keyClicks(typed, "'--\"");
+        dialog.findChild<QPushButton*>("cmdOk")->click();
+    });
+    find<QAction>("mnuFileNewEvent")->trigger();
+    const std::string stored = QString::fromStdString(body).replace("\n", "\r\n").toStdString();
+    const std::string notes = title + std::string(100'000, 'x') + "'--\"";
+    // Compared whole, but not printed.
+    EXPECT_TRUE(support::query(host.databaseFile(),
+                               "SELECT EventSource, EventTitle FROM Events WHERE EventKey > 2") ==
+                std::vector<std::string>{source + "|" + notes});
+    EXPECT_TRUE(support::query(host.databaseFile(),
+                               "SELECT ContentAttachment, ContentSubject, ContentNote FROM Contents WHERE "
+                               "EventKey > 2 ORDER BY ContentType") ==
+                (std::vector<std::string>{"it's \"a\"; 100%.wav|" + subject + "|" + stored,
+                                          "NULL|" + subject + "|" + stored}));
+    EXPECT_EQ(tree->nodeText(tree->selectedKey()), source + " (All)");
 }
 
 TEST_F(MainWindow, DuplicateDeclinedSelectsTheExistingEvent) {

@@ -3,6 +3,7 @@
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QTextDocument>
 
 #include "ui/text.h"
 
@@ -24,7 +25,11 @@ VariableTextBox::VariableTextBox(Lines lines, QWidget* parent) : QTextEdit(paren
 }
 
 std::string VariableTextBox::storedText() const {
-    return toUtf8(toPlainText().replace('\n', QLatin1String("\r\n")));
+    // Not the plain text, which has an ordinary blank in place of each one that does not break.
+    QString text = document()->toRawText();
+    for (const QChar lineBreak : {QChar(QChar::ParagraphSeparator), QChar(QChar::LineSeparator)})
+        text.replace(lineBreak, QLatin1String("\r\n"));
+    return toUtf8(text);
 }
 
 void VariableTextBox::setStoredText(const std::string& text) {
