@@ -53,6 +53,11 @@ constexpr char help[] =
     "The host of the second group is named by --host or QLN_HOST: its own folder, or the\n"
     "folder that DIR was in create.\n"
     "\n"
+    "The directory may be on a database server instead of in the host: name an ODBC data\n"
+    "source (odbc.ini) for it. It is read and never written. Without the value the host's\n"
+    "own directory counts.\n"
+    "  registry set \"SOFTWARE\\Tessaly\\CorvaneDb\" DataSource NAME\n"
+    "\n"
     "Exit codes: 0 done, 1 not there or not possible, 2 not understood.\n";
 
 struct Command {

@@ -1,4 +1,5 @@
-// Connections and recordsets over SQLite, as small as what the stores ask of them.
+// Connections and recordsets over SQLite, and over a server that is only read, as small as what the stores
+// ask of them.
 //
 // Dialect, applied to every statement: a table name that begins with a digit is quoted; a #date# literal
 // becomes the stored form. Nothing else is changed. One statement per call, always: a second statement in
@@ -34,6 +35,11 @@ struct Null {
 // A field's value. Booleans are the integers -1 and 0, dates are texts in stored form.
 using Value = std::variant<Null, std::int64_t, double, std::string>;
 
+namespace ado {
+class OdbcServer;
+class RowSource;
+}  // namespace ado
+
 // A value as text, as people read it: nothing for Null, integers and reals in decimal.
 std::string valueText(const Value& value);
 
@@ -46,18 +52,22 @@ class Connection {
 
     // "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=FILE" opens that file for reading and writing (read-only
     // where its attribute or "Mode=Read" says so); "...;Initial Catalog=CorvaneDb" opens the host's directory
-    // read-only. Never creates a file. Raises 3705 when open already, -2147467259 with the engine's text and
-    // the file's name when the file is missing, no database, or cannot be opened; the same failure is in
-    // errors().
+    // read-only: the ODBC data source that the registry names (value "DataSource" of the key
+    // "SOFTWARE\\Tessaly\\CorvaneDb"), or else the directory's file in the host. Never creates a file. Raises
+    // 3705 when open already, -2147467259 with the engine's text and the file's or data source's name when
+    // that is missing, no database, or cannot be opened; the same failure is in errors().
     void open(const std::string& connectionString);
     void close() noexcept;
-    ObjectState state() const noexcept { return handle_ ? ObjectState::open : ObjectState::closed; }
+    ObjectState state() const noexcept {
+        return handle_ || server_ ? ObjectState::open : ObjectState::closed;
+    }
     const std::vector<Failure>& errors() const noexcept { return errors_; }
 
-    // For this layer: the engine's handle (raises 3709 when closed), the file's name for messages, whether
-    // failures are numbered as the directory provider does, and the statements that are kept for their next
-    // use.
+    // For this layer: the engine's handle (raises 3709 when closed, 3251 on a server, which is only read),
+    // the server that a directory is on, the file's name for messages, whether failures are numbered as the
+    // directory provider does, and the statements that are kept for their next use.
     sqlite3* handle() const;
+    const std::shared_ptr<ado::OdbcServer>& server() const noexcept { return server_; }
     const std::string& fileName() const noexcept { return fileName_; }
     bool isDirectory() const noexcept { return directory_; }
     const std::shared_ptr<ado::StatementCache>& statements() const noexcept { return statements_; }
@@ -65,6 +75,7 @@ class Connection {
   private:
     sqlite3* handle_ = nullptr;
     std::shared_ptr<ado::StatementCache> statements_;
+    std::shared_ptr<ado::OdbcServer> server_;
     std::string fileName_;
     bool directory_ = false;
     std::vector<Failure> errors_;

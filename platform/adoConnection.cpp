@@ -10,8 +10,10 @@
 
 #include "platform/ado.h"
 #include "platform/adoDialect.h"
+#include "platform/adoOdbc.h"
 #include "platform/adoStatement.h"
 #include "platform/host.h"
+#include "platform/registry.h"
 
 namespace platform {
 
@@ -19,6 +21,7 @@ namespace {
 
 constexpr std::chrono::seconds busyTimeout{5};
 constexpr char engineName[] = "SQLite";
+constexpr char directoryKey[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessaly\\CorvaneDb";
 
 bool writeProtected(const std::string& file) {
     struct stat status {};
@@ -152,11 +155,17 @@ Target parseConnectionString(std::string_view text) {
     return target;
 }
 
-std::string directoryFile(const std::string& catalog) {
-    // The embedded directory is one database of one name.
+// The data source that the host names for its directory; empty for the embedded one.
+std::string directoryDataSource() {
+    const auto value = registry().value(directoryKey, "DataSource");
+    const std::string* name = value ? std::get_if<std::string>(&*value) : nullptr;
+    return name ? *name : std::string();
+}
+
+// The host has one directory of one name.
+void requireDirectory(const std::string& catalog) {
     if (!ado::equalsIgnoringCase(catalog, "CorvaneDb"))
         throw describe(SQLITE_CANTOPEN, engineText(nullptr, SQLITE_CANTOPEN), catalog, true, {});
-    return host::directoryDatabase().string();
 }
 
 }  // namespace
@@ -207,18 +216,30 @@ Connection::~Connection() {
 }
 
 void Connection::open(const std::string& connectionString) {
-    if (handle_)
+    if (state() == ObjectState::open)
         throw makeFailure(objectOpen);
     errors_.clear();
     try {
         const Target target = parseConnectionString(connectionString);
         directory_ = !target.catalog.empty();
-        fileName_ = directory_ ? directoryFile(target.catalog) : target.dataSource;
+        fileName_ = target.dataSource;
+        if (directory_) {
+            requireDirectory(target.catalog);
+            if (const std::string dataSource = directoryDataSource(); !dataSource.empty()) {
+                fileName_ = dataSource;
+                server_ = ado::connectServer(dataSource);
+                return;
+            }
+            fileName_ = host::directoryDatabase().string();
+        }
         ado::Engine engine = ado::openDatabase(fileName_, directory_ || target.readOnly);
-        if (directory_)
+        if (directory_) {
             runSetting(engine.get(), "PRAGMA query_only = ON", fileName_);
-        else if (sqlite3_db_readonly(engine.get(), "main") == 0)
+            // Room for a large directory, which a search for everybody sorts as a whole.
+            runSetting(engine.get(), "PRAGMA cache_size = -32768", fileName_);
+        } else if (sqlite3_db_readonly(engine.get(), "main") == 0) {
             runSetting(engine.get(), "PRAGMA journal_mode = DELETE", fileName_);
+        }
         statements_ = std::make_shared<ado::StatementCache>();
         handle_ = engine.release();
     } catch (const Failure& failure) {
@@ -232,9 +253,12 @@ void Connection::close() noexcept {
         statements_->close();
     statements_.reset();
     ado::EngineClose()(std::exchange(handle_, nullptr));
+    server_.reset();
 }
 
 sqlite3* Connection::handle() const {
+    if (server_)
+        throw makeFailure(updatingNotSupported);
     if (!handle_)
         throw makeFailure(connectionClosed);
     return handle_;
@@ -245,10 +269,20 @@ Failure engineFailure(const Connection& connection, int code, std::string_view s
                     connection.isDirectory(), statement);
 }
 
-void execute(std::string_view statement, Connection& connection) {
+std::unique_ptr<ado::RowSource> ado::openRows(const Connection& connection, std::string_view source) {
+    if (connection.server())
+        return openServerRows(connection.server(), source);
     connection.handle();
-    ado::Statement prepared = ado::prepareSource(connection, statement);
-    while (prepared.step()) {
+    auto statement = std::make_unique<Statement>(prepareSource(connection, source));
+    if (sqlite3_column_count(statement->get()) > 0)
+        return statement;
+    statement->step();
+    return nullptr;
+}
+
+void execute(std::string_view statement, Connection& connection) {
+    const std::unique_ptr<ado::RowSource> rows = ado::openRows(connection, statement);
+    while (rows && rows->step()) {
     }
 }
 

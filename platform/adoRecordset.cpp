@@ -32,12 +32,11 @@ auto& opened(const ImplPointer& impl) {
 
 }  // namespace
 
-Recordset::Impl::Impl(std::string_view statement, Connection& owner, ado::Statement prepared)
-    : connection(owner), engine(owner.handle()), source(statement), select(std::move(prepared)) {
-    const int count = sqlite3_column_count(select.get());
-    for (int i = 0; i < count; ++i) {
+Recordset::Impl::Impl(std::string_view statement, Connection& owner, std::unique_ptr<ado::RowSource> opened)
+    : connection(owner), source(statement), select(std::move(opened)) {
+    for (std::string& name : select->fieldNames()) {
         ado::Field field;
-        field.name = sqlite3_column_name(select.get(), i);
+        field.name = std::move(name);
         fields.push_back(std::move(field));
     }
     indexes.resize(fields.size());
@@ -53,8 +52,9 @@ void Recordset::Impl::makeWritable() {
     try {
         withId = ado::Statement(connection, text, source);
     } catch (const Failure&) {
-        return;  // a view or a join has no row id
+        return;  // a view or a join has no row id, and a server is only read
     }
+    sqlite3* const handle = connection.handle();
     sqlite3_stmt* statement = withId.get();
     const int count = sqlite3_column_count(statement);
     const char* owner = sqlite3_column_table_name(statement, count - 1);
@@ -70,15 +70,16 @@ void Recordset::Impl::makeWritable() {
         field.column = columnName;
         const char* type = nullptr;
         int autoIncrement = 0;
-        if (sqlite3_table_column_metadata(engine, "main", owner, columnName, &type, nullptr, nullptr, nullptr,
+        if (sqlite3_table_column_metadata(handle, "main", owner, columnName, &type, nullptr, nullptr, nullptr,
                                           &autoIncrement) != SQLITE_OK)
             return;
         field.autoIncrement = autoIncrement != 0;
         ado::setKind(field, type ? type : "");
     }
+    engine = handle;
     table = owner;
     fields = std::move(described);
-    select = std::move(withId);
+    select = std::make_unique<ado::Statement>(std::move(withId));
     writable = true;
 }
 
@@ -89,7 +90,7 @@ void Recordset::Impl::readAtOpen() {
     }
     readRows(writable ? rowsReadAtOnce : everything);
     if (!complete) {
-        select.reset();
+        select->reset();
         rows.clear();
         unplaced = true;
     }
@@ -97,9 +98,9 @@ void Recordset::Impl::readAtOpen() {
 
 // Appends up to `limit` rows of the statement.
 void Recordset::Impl::readRows(std::size_t limit) {
-    const int idIndex = sqlite3_column_count(select.get()) - 1;
+    const int idIndex = static_cast<int>(fields.size());
     for (std::size_t count = 0; count < limit; ++count) {
-        const bool found = select.step();
+        const bool found = select->step();
         if (columnsChanged())
             throw Failure(providerError, "columns have changed since [" + source + "] was opened", "SQLite");
         if (!found) {
@@ -109,25 +110,21 @@ void Recordset::Impl::readRows(std::size_t limit) {
         Row row;
         row.values.reserve(fields.size());
         for (std::size_t i = 0; i < fields.size(); ++i)
-            row.values.push_back(select.column(static_cast<int>(i)));
+            row.values.push_back(select->column(static_cast<int>(i)));
         if (writable)
-            row.id = std::get<std::int64_t>(select.column(idIndex));
+            row.id = std::get<std::int64_t>(select->column(idIndex));
         rows.push_back(std::move(row));
     }
 }
 
 // True when a statement that was prepared earlier turned out to have other columns by now.
 bool Recordset::Impl::columnsChanged() const {
-    if (!select.preparedAnew())
+    if (!select->preparedAnew())
         return false;
-    const auto count = static_cast<std::size_t>(sqlite3_column_count(select.get()));
-    if (count != fields.size() + (writable ? 1 : 0))
-        return true;
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        if (fields[i].name != sqlite3_column_name(select.get(), static_cast<int>(i)))
-            return true;
-    }
-    return false;
+    const std::vector<std::string> names = select->fieldNames();
+    return names.size() != fields.size() + (writable ? 1 : 0) ||
+           !std::equal(fields.begin(), fields.end(), names.begin(),
+                       [](const ado::Field& field, const std::string& name) { return field.name == name; });
 }
 
 void Recordset::Impl::nextBlock() {
@@ -143,7 +140,7 @@ void Recordset::Impl::nextBlock() {
 }
 
 void Recordset::Impl::restart() {
-    select.reset();
+    select->reset();
     rows.clear();
     base = position = 0;
     complete = false;
@@ -254,8 +251,10 @@ const Value& Recordset::Impl::stored(Row& row, std::size_t field) {
 
 const Value& Recordset::Impl::value(std::size_t field) {
     static const Value nothing = Null{};
-    if (!edits.empty() && edits[field])
-        return *edits[field];
+    if (!edits.empty()) {
+        if (const std::optional<Value>& edited = edits[field])
+            return *edited;
+    }
     return adding ? nothing : stored(present(), field);
 }
 
@@ -295,12 +294,10 @@ Recordset& Recordset::operator=(Recordset&&) noexcept = default;
 std::unique_ptr<Recordset::Impl> Recordset::Impl::prepare(std::string_view source, Connection& connection,
                                                           CursorType cursor, LockType lock,
                                                           CursorLocation location) {
-    ado::Statement statement = ado::prepareSource(connection, source);
-    if (sqlite3_column_count(statement.get()) == 0) {
-        statement.step();
+    std::unique_ptr<ado::RowSource> selected = ado::openRows(connection, source);
+    if (!selected)
         return nullptr;
-    }
-    auto impl = std::make_unique<Impl>(source, connection, std::move(statement));
+    auto impl = std::make_unique<Impl>(source, connection, std::move(selected));
     // Pessimistic is optimistic here: nothing is held from set to update, because the service must not
     // wait for an administrator who looks at a row.
     if (lock != LockType::readOnly)
@@ -315,7 +312,6 @@ void Recordset::open(std::string_view source, Connection& connection, CursorType
                      CursorLocation location) {
     if (impl_)
         throw makeFailure(objectOpen);
-    connection.handle();
     auto impl = Impl::prepare(source, connection, cursor, lock, location);
     if (!impl)
         return;

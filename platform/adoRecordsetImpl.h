@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -16,7 +17,7 @@ namespace platform {
 using Edits = std::vector<std::optional<Value>>;
 
 struct Recordset::Impl {
-    Impl(std::string_view statement, Connection& owner, ado::Statement prepared);
+    Impl(std::string_view statement, Connection& owner, std::unique_ptr<ado::RowSource> opened);
 
     struct Row {
         std::vector<Value> values;
@@ -81,9 +82,9 @@ struct Recordset::Impl {
     void refresh(Row& row);
 
     Connection& connection;
-    sqlite3* engine;  // the handle at open: a connection opened anew is another one
+    sqlite3* engine = nullptr;  // of a writable one, the handle at open: opened anew, it is another one
     std::string source;
-    ado::Statement select;
+    std::unique_ptr<ado::RowSource> select;
     std::vector<ado::Field> fields;
     std::string table;
     bool writable = false;

@@ -138,6 +138,14 @@ void Statement::bind(int parameter, const Value& value) {
         check(sqlite3_bind_null(statement, parameter));
 }
 
+std::vector<std::string> Statement::fieldNames() const {
+    std::vector<std::string> names;
+    const int count = sqlite3_column_count(statement_.get());
+    for (int i = 0; i < count; ++i)
+        names.emplace_back(sqlite3_column_name(statement_.get(), i));
+    return names;
+}
+
 bool Statement::step() {
     const int code = sqlite3_step(statement_.get());
     if (code == SQLITE_ROW)

@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/ado.h"
+#include "platform/adoRows.h"
 
 struct sqlite3_stmt;
 
@@ -52,12 +52,12 @@ class StatementCache {
 // A statement prepared on an open connection, or taken from its cache. `source` is the text that failures
 // name. A number that is compared with is a parameter to the engine, so that statements that differ in
 // nothing else share one.
-class Statement {
+class Statement : public RowSource {
   public:
     Statement() = default;
     // Raises -2147217900 when `text` holds no statement or more than one, and what the engine says.
     Statement(const Connection& connection, std::string_view text, std::string_view source);
-    ~Statement();
+    ~Statement() override;
     Statement(Statement&&) noexcept = default;
     Statement& operator=(Statement&& other) noexcept;
 
@@ -66,14 +66,14 @@ class Statement {
 
     // Parameters count from 1.
     void bind(int parameter, const Value& value);
-    // True with a row, false at the end. A failure resets the statement, so that it keeps no lock.
-    bool step();
-    void reset() noexcept;
-    Value column(int index) const;
+    std::vector<std::string> fieldNames() const override;
+    // A failure resets the statement, so that it keeps no lock.
+    bool step() override;
+    void reset() noexcept override;
+    Value column(int index) const override;
+    bool preparedAnew() const noexcept override;
     // Parameters of the text itself, for which values are to be given.
     int parameterCount() const noexcept;
-    // True when the engine had to prepare it anew, because the schema is not what it was.
-    bool preparedAnew() const noexcept;
 
   private:
     void prepare(std::string_view text);

@@ -12,6 +12,7 @@
 
 #include "platform/failure.h"
 #include "ui/text.h"
+#include "ui/widgets/cellTip.h"
 
 namespace ui {
 
@@ -106,6 +107,14 @@ void KeyedGrid::reset(const std::vector<Column>& columns) {
     }
 }
 
+void KeyedGrid::setHeaders(const std::vector<Column>& columns) {
+    if (columns.size() != columns_.size())
+        return;
+    for (int i = 0; i < columnCount(); ++i)
+        horizontalHeaderItem(i)->setText(fromUtf8(columns[static_cast<std::size_t>(i)].header));
+    fitColumns();
+}
+
 void KeyedGrid::addRow(const std::vector<Cell>& cells) {
     const int row = rowCount();
     insertRow(row);
@@ -140,6 +149,14 @@ void KeyedGrid::fitColumns() {
     shareWidth();
 }
 
+void KeyedGrid::stretchColumn(std::string_view column, int extra) {
+    const int wide = columnIndex(column);
+    int others = 0;
+    for (int i = 0; i < columnCount(); ++i)
+        others += i == wide ? 0 : columnWidth(i);
+    setColumnWidth(wide, width() - others + extra);
+}
+
 // Columns get what their content wants as long as that fits. Where it does not, the widest give way first,
 // down to their headers, so that every column stays in sight; what is cut off then is in the cell's tip.
 void KeyedGrid::shareWidth() {
@@ -168,14 +185,10 @@ void KeyedGrid::resizeEvent(QResizeEvent* event) {
 
 bool KeyedGrid::viewportEvent(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
-        auto* help = static_cast<QHelpEvent*>(event);
+        const auto* help = static_cast<QHelpEvent*>(event);
         const QTableWidgetItem* hit = itemAt(help->pos());
-        // A cell that shows all it has needs no tip.
-        if (hit && hit->toolTip().isEmpty() &&
-            fontMetrics().horizontalAdvance(hit->text()) > visualItemRect(hit).width() - 6) {
-            QToolTip::showText(help->globalPos(), hit->text().toHtmlEscaped(), viewport());
+        if (hit && hit->toolTip().isEmpty() && showCutText(*this, *help))
             return true;
-        }
     }
     return QTableWidget::viewportEvent(event);
 }
