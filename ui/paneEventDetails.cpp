@@ -259,9 +259,7 @@ void paneEventDetails::updateEventApply() {
 
 void paneEventDetails::cmdExclusions_Click() {
     core::procedure(module, "cmdExclusions_Click", [&](core::Frame& frame) {
-        if (!dlgExclusions_)
-            dlgExclusions_ = new dlgExclusions(window());
-        frame.step([&] { dlgExclusions_->displayForm(); });
+        frame.step([&] { ui::sharedDialog<dlgExclusions>(*window()).displayForm(); });
     });
 }
 
