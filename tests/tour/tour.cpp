@@ -127,7 +127,7 @@ void createRecipient() {
 void chooseDevice(QWidget& dialog) {
     auto& recipients = control<ui::KeyedTree>(dialog, "tvRecipients");
     insist(recipients.count() == 3, "the recipient or his devices are missing");
-    for (const auto key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Space})
+    for (const auto key : {Qt::Key_Right, Qt::Key_Down, Qt::Key_Down, Qt::Key_Space})
         QTest::keyClick(&recipients, key);
     insist(recipients.isChecked(recipients.keyAt(1)) && !recipients.isChecked(recipients.keyAt(2)),
            "the recipient does not follow his device");
