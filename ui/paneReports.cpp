@@ -114,10 +114,11 @@ void paneReport::buildLayout() {
     filter->setColumnStretch(4, 1);
     filter->addWidget(lblDate, 0, 1);
     filter->addWidget(lblTime, 0, 2);
-    for (int row = 0; row < 2; ++row) {
-        filter->addWidget(lblBound[static_cast<std::size_t>(row)], row + 1, 0);
-        filter->addWidget(dtpickerReport[static_cast<std::size_t>(2 * row)], row + 1, 1);
-        filter->addWidget(dtpickerReport[static_cast<std::size_t>(2 * row + 1)], row + 1, 2);
+    for (const int row : {0, 1}) {
+        const std::size_t bound = row == 0 ? startDate : endDate;
+        filter->addWidget(lblBound[bound / 2], row + 1, 0);
+        filter->addWidget(dtpickerReport[bound], row + 1, 1);
+        filter->addWidget(dtpickerReport[bound + 1], row + 1, 2);
     }
     filter->addWidget(cmdFilterByDate, 2, 3);
     auto* layout = new QVBoxLayout(this);

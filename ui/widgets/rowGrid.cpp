@@ -2,6 +2,7 @@
 
 #include <QAbstractTableModel>
 #include <QHeaderView>
+#include <QScrollBar>
 #include <algorithm>
 #include <utility>
 
@@ -50,6 +51,7 @@ RowGrid::RowGrid(int columns, QWidget* parent)
     setAlternatingRowColors(true);
     setShowGrid(false);
     setWordWrap(false);
+    setTextElideMode(Qt::ElideMiddle);  // sources begin alike
     setTabKeyNavigation(false);
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     verticalHeader()->hide();
@@ -57,6 +59,7 @@ RowGrid::RowGrid(int columns, QWidget* parent)
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 10);
     horizontalHeader()->setStretchLastSection(true);
+    horizontalHeader()->setMinimumSectionSize(24);  // a blank header asks for no more
     horizontalHeader()->setFixedHeight(fontMetrics().height() + 10);
 }
 
@@ -73,16 +76,17 @@ void RowGrid::setRows(std::vector<Row> rows) {
 // The widest column gives way where not all fit, so that each stays in sight.
 void RowGrid::giveWay() {
     constexpr int narrowest = 80;
+    const int last = rows_->columnCount() - 1;
+    // The last column takes what is left and shall have what it needs.
+    int total = sizeHintForColumn(last) + 2 * frameWidth() + verticalScrollBar()->sizeHint().width();
     int widest = 0;
-    int total = 0;
-    for (int i = 0; i < rows_->columnCount(); ++i) {
+    for (int i = 0; i < last; ++i) {
         total += columnWidth(i);
         if (columnWidth(i) > columnWidth(widest))
             widest = i;
     }
-    const int excess = total - viewport()->width();
-    if (excess > 0)
-        setColumnWidth(widest, std::max(narrowest, columnWidth(widest) - excess));
+    if (total > width())
+        setColumnWidth(widest, std::max(narrowest, columnWidth(widest) - (total - width())));
 }
 
 int RowGrid::gridRowCount() const {
