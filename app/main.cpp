@@ -1,16 +1,16 @@
 #include <QApplication>
-#include <QStyleFactory>
 
 #include "app/mdlMain.h"
 #include "platform/host.h"
 #include "platform/prompts.h"
 #include "platform/windowStation.h"
+#include "ui/appearance.h"
 #include "ui/messageBoxes.h"
 
 int main(int argc, char** argv) {
     platform::program::setCommandLine(argc, argv);
     QApplication application(argc, argv);
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    ui::applyAppearance();
     QApplication::setQuitOnLastWindowClosed(false);
     ui::MessageBoxes boxes;
     platform::setPrompts(&boxes);

@@ -31,8 +31,9 @@ bool Arguments::flag(std::string_view name) {
 
 std::string Arguments::option(std::string_view name, std::string otherwise) {
     const std::string withValue = std::string(name) + "=";
-    const auto word = std::ranges::find_if(
-        words_, [&](const std::string& candidate) { return candidate == name || candidate.starts_with(withValue); });
+    const auto word = std::ranges::find_if(words_, [&](const std::string& candidate) {
+        return candidate == name || candidate.starts_with(withValue);
+    });
     if (word == words_.end())
         return otherwise;
     if (*word != name) {
@@ -49,7 +50,8 @@ std::string Arguments::option(std::string_view name, std::string otherwise) {
 
 void Arguments::finish() const {
     if (!words_.empty())
-        throw UsageError((words_.front().starts_with("--") ? "unknown option " : "unexpected ") + words_.front());
+        throw UsageError((words_.front().starts_with("--") ? "unknown option " : "unexpected ") +
+                         words_.front());
 }
 
 unsigned long parseNumber(std::string_view text, unsigned long highest, std::string_view what) {
@@ -59,8 +61,8 @@ unsigned long parseNumber(std::string_view text, unsigned long highest, std::str
     const auto [end, error] =
         std::from_chars(digits.data(), digits.data() + digits.size(), number, hexadecimal ? 16 : 10);
     if (digits.empty() || error != std::errc{} || end != digits.data() + digits.size() || number > highest)
-        throw UsageError(std::string(what) + " is a whole number up to " + std::to_string(highest) + ", not '" +
-                         std::string(text) + "'");
+        throw UsageError(std::string(what) + " is a whole number up to " + std::to_string(highest) +
+                         ", not '" + std::string(text) + "'");
     return number;
 }
 

@@ -1,5 +1,6 @@
-// The commands of qlnhost. Each reads its own arguments, prints its answer, and gives the exit code: 0 when it
-// did what it was asked, 1 when what was asked for is not there. They raise platform::Failure and UsageError.
+// The commands of qlnhost. Each reads its own arguments, prints its answer, and gives the exit code: 0 when
+// it did what it was asked, 1 when what was asked for is not there. They raise platform::Failure and
+// UsageError.
 #pragma once
 
 #include "host/arguments.h"

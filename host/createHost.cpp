@@ -35,9 +35,9 @@ void createHost(const fs::path& folder, const HostOptions& options) {
     if (platform::files::fileExists(platform::host::registryFile()))
         throw platform::makeFailure(platform::fileAlreadyExists, platform::host::registryFile().string());
 
-    for (const fs::path& part : {hostFolder, platform::host::menuFolder() / "Corvane",
-                                 platform::host::eventLogsFolder(), platform::host::servicesFolder(),
-                                 root / "QLNAdmin", root / "Service", root / "Database"})
+    for (const fs::path& part :
+         {hostFolder, platform::host::menuFolder() / "Corvane", platform::host::eventLogsFolder(),
+          platform::host::servicesFolder(), root / "QLNAdmin", root / "Service", root / "Database"})
         ensureFolder(part);
     if (!options.kit.empty()) {
         installKit(options.kit, root);

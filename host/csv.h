@@ -13,8 +13,8 @@ struct CsvRow {
     std::vector<std::string> fields;
 };
 
-// All rows but empty ones. A byte-order mark at the beginning is passed over; lines end in LF or CR LF. Raises
-// 5 with "name:line: reason" for a quote without its end or text behind one.
+// All rows but empty ones. A byte-order mark at the beginning is passed over; lines end in LF or CR LF.
+// Raises 5 with "name:line: reason" for a quote without its end or text behind one.
 std::vector<CsvRow> parseCsv(std::string_view text, const std::string& name);
 
 }  // namespace host

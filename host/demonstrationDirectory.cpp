@@ -12,29 +12,30 @@ namespace host {
 namespace {
 
 constexpr std::array<std::string_view, 48> firstNames{
-    "Ada",    "Amir",   "Anneliese", "Aoife",  "Bastian", "Beatriz", "Carla",    "Chidi",   "Colette", "Dagny",
-    "Darius", "Elif",   "Elena",     "Emeka",  "Farid",   "Fiona",   "Giulia",   "Grace",   "Hannah",  "Henrik",
-    "Ines",   "Ivan",   "Jamila",    "Jonas",  "Kaito",   "Katarina", "Lars",    "Leila",   "Marcel",  "Mei",
-    "Milan",  "Nadia",  "Noor",      "Oscar",  "Paola",   "Priya",   "Quentin",  "Rafael",  "Rosa",    "Sanjay",
-    "Simone", "Tamsin", "Tomás",     "Ulrike", "Viktor",  "Wanda",   "Yusuf",    "Zoë"};
+    "Ada",     "Amir",     "Anneliese", "Aoife",  "Bastian", "Beatriz", "Carla",  "Chidi",
+    "Colette", "Dagny",    "Darius",    "Elif",   "Elena",   "Emeka",   "Farid",  "Fiona",
+    "Giulia",  "Grace",    "Hannah",    "Henrik", "Ines",    "Ivan",    "Jamila", "Jonas",
+    "Kaito",   "Katarina", "Lars",      "Leila",  "Marcel",  "Mei",     "Milan",  "Nadia",
+    "Noor",    "Oscar",    "Paola",     "Priya",  "Quentin", "Rafael",  "Rosa",   "Sanjay",
+    "Simone",  "Tamsin",   "Tomás",     "Ulrike", "Viktor",  "Wanda",   "Yusuf",  "Zoë"};
 
 constexpr std::array<std::string_view, 45> lastNames{
-    "Abbott",   "Almeida",  "Andersson", "Bakker",  "Bauer",   "Bergström", "Castillo", "Chen",    "Cohen",
-    "D'Amico",  "Dubois",   "Eriksen",   "Fischer", "García",  "Haddad",    "Hughes",   "Ito",     "Jansen",
-    "Kapoor",   "Keller",   "Kowalski",  "Laurent", "Lindqvist", "MacLeod", "Marino",   "Müller",  "Nakamura",
-    "Novák",    "O'Connor", "Okafor",    "Osei",    "Petrov",  "Quinn",     "Ramos",    "Rossi",   "Sato",
-    "Schmidt",  "Silva",    "Sørensen",  "Tanaka",  "Vargas",  "Vermeulen", "Weber",    "Yılmaz",  "Zhang"};
+    "Abbott",  "Almeida",  "Andersson", "Bakker",  "Bauer",     "Bergström", "Castillo", "Chen",   "Cohen",
+    "D'Amico", "Dubois",   "Eriksen",   "Fischer", "García",    "Haddad",    "Hughes",   "Ito",    "Jansen",
+    "Kapoor",  "Keller",   "Kowalski",  "Laurent", "Lindqvist", "MacLeod",   "Marino",   "Müller", "Nakamura",
+    "Novák",   "O'Connor", "Okafor",    "Osei",    "Petrov",    "Quinn",     "Ramos",    "Rossi",  "Sato",
+    "Schmidt", "Silva",    "Sørensen",  "Tanaka",  "Vargas",    "Vermeulen", "Weber",    "Yılmaz", "Zhang"};
 
 // The directory's classes of subscriber, most of them of the first.
 constexpr std::array<char, 20> types{'1', '1', '1', '1', '1', '1', '1', '1', '1', '1',
                                      '2', '2', '2', '3', '3', '5', '5', '7', '8', '1'};
 
 constexpr std::array<std::string_view, 24> departments{
-    "All Staff",        "Operations",      "Night Shift",       "Day Shift",        "Telephony",
-    "Messaging",        "Network",         "Security Desk",     "Service Desk",     "Data Centre North",
-    "Data Centre South", "Facilities",     "Reception",         "Field Engineers",  "Database Group",
-    "Storage Group",    "Duty Managers",   "Escalation Level 2", "Escalation Level 3", "Backup Operators",
-    "Change Board",     "Vendor Liaison",  "Training",          "Disaster Recovery"};
+    "All Staff",         "Operations",     "Night Shift",        "Day Shift",          "Telephony",
+    "Messaging",         "Network",        "Security Desk",      "Service Desk",       "Data Centre North",
+    "Data Centre South", "Facilities",     "Reception",          "Field Engineers",    "Database Group",
+    "Storage Group",     "Duty Managers",  "Escalation Level 2", "Escalation Level 3", "Backup Operators",
+    "Change Board",      "Vendor Liaison", "Training",           "Disaster Recovery"};
 
 // Letters and digits of a name, lower case, other letters by their plain neighbour where there is one.
 std::string plainName(std::string_view name) {
@@ -72,7 +73,8 @@ void fillDemonstrationDirectory(DirectoryWriter& writer, unsigned subscribers, u
     constexpr unsigned lastStep = 17;
     std::set<std::string> taken;
     for (unsigned i = 0; i < subscribers; ++i) {
-        const std::string_view first = firstNames[(i * firstStep + i / firstNames.size()) % firstNames.size()];
+        const std::string_view first =
+            firstNames[(i * firstStep + i / firstNames.size()) % firstNames.size()];
         const std::string_view last = lastNames[i * lastStep % lastNames.size()];
         Subscriber person;
         person.firstName = first;

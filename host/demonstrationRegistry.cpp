@@ -14,21 +14,46 @@ namespace {
 constexpr char machine[] = "HKEY_LOCAL_MACHINE\\";
 constexpr char services[] = "SYSTEM\\CurrentControlSet\\Services\\";
 
-constexpr std::array<std::string_view, 34> applicationSources{
-    "ArchiveWriter", "BackupAgent", "CertEnroll", "ClusterNode", "DirectoryAgent", "DiskQuota", "EventLogger",
-    "FileReplica", "GroupPolicy", "LoadMonitor", "MailRelay", "MeridaneCorvane_ArchiveMgr",
-    "MeridaneCorvane_AudioText", "MeridaneCorvane_BridgeSrv", "MeridaneCorvane_CallMgr",
-    "MeridaneCorvane_DirSync", "MeridaneCorvane_DoorBell", "MeridaneCorvane_ExtensionMgr",
-    "MeridaneCorvane_FaxQueue", "MeridaneCorvane_License", "MeridaneCorvane_MailRouter",
-    "MeridaneCorvane_MediaSrv", "MeridaneCorvane_MessageStore", "MeridaneCorvane_NodeMgr",
-    "MeridaneCorvane_Notifier", "MeridaneCorvane_Reports", "MeridaneCorvane_SpeechSrv",
-    "MeridaneCorvane_SwitchLink", "MeridaneCorvane_Telephony", "MeridaneCorvane_WebInbox", "PerfCounters",
-    "PolicyAgent", "SqlDirectory", "UserProfiles"};
+constexpr std::array<std::string_view, 34> applicationSources{"ArchiveWriter",
+                                                              "BackupAgent",
+                                                              "CertEnroll",
+                                                              "ClusterNode",
+                                                              "DirectoryAgent",
+                                                              "DiskQuota",
+                                                              "EventLogger",
+                                                              "FileReplica",
+                                                              "GroupPolicy",
+                                                              "LoadMonitor",
+                                                              "MailRelay",
+                                                              "MeridaneCorvane_ArchiveMgr",
+                                                              "MeridaneCorvane_AudioText",
+                                                              "MeridaneCorvane_BridgeSrv",
+                                                              "MeridaneCorvane_CallMgr",
+                                                              "MeridaneCorvane_DirSync",
+                                                              "MeridaneCorvane_DoorBell",
+                                                              "MeridaneCorvane_ExtensionMgr",
+                                                              "MeridaneCorvane_FaxQueue",
+                                                              "MeridaneCorvane_License",
+                                                              "MeridaneCorvane_MailRouter",
+                                                              "MeridaneCorvane_MediaSrv",
+                                                              "MeridaneCorvane_MessageStore",
+                                                              "MeridaneCorvane_NodeMgr",
+                                                              "MeridaneCorvane_Notifier",
+                                                              "MeridaneCorvane_Reports",
+                                                              "MeridaneCorvane_SpeechSrv",
+                                                              "MeridaneCorvane_SwitchLink",
+                                                              "MeridaneCorvane_Telephony",
+                                                              "MeridaneCorvane_WebInbox",
+                                                              "PerfCounters",
+                                                              "PolicyAgent",
+                                                              "SqlDirectory",
+                                                              "UserProfiles"};
 
 constexpr std::array<std::string_view, 22> systemSources{
-    "Browser", "ClockSync", "DnsCache", "DhcpClient", "Disk", "FaultTolerance", "Firewall", "Kernel",
-    "NetBridge", "NetLogon", "Ntp", "Parport", "PlugPlay", "PowerUnit", "PrintSpool", "Redirector",
-    "RemoteAccess", "SerialPort", "ServiceManager", "StorageBus", "TapeDrive", "VolumeSnap"};
+    "Browser",        "ClockSync",  "DnsCache",   "DhcpClient", "Disk",         "FaultTolerance",
+    "Firewall",       "Kernel",     "NetBridge",  "NetLogon",   "Ntp",          "Parport",
+    "PlugPlay",       "PowerUnit",  "PrintSpool", "Redirector", "RemoteAccess", "SerialPort",
+    "ServiceManager", "StorageBus", "TapeDrive",  "VolumeSnap"};
 
 // Sources that registered no message file; a console lists none of them.
 constexpr std::array<std::string_view, 2> silentSources{"OldPrinter", "TrialPackage"};
@@ -84,7 +109,8 @@ void fillDemonstrationRegistry(const std::filesystem::path& root, const HostOpti
     for (const std::string_view source : systemSources)
         addSource("System", source, below("Corvane/system.dll"));
     for (const std::string_view source : silentSources)
-        setValue(std::string(services) + "EventLog\\Application\\" + std::string(source), "TypesSupported", 7u);
+        setValue(std::string(services) + "EventLog\\Application\\" + std::string(source), "TypesSupported",
+                 7u);
     addOwnSource("MeridaneCorvane_HbQlnSvc", below("Service/MeridaneCorvane_HbQlnSvc.dll"));
     addOwnSource("QLNTest", below("QLNAdmin/QLNTest_MC.DLL"));
 }

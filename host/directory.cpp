@@ -70,8 +70,9 @@ std::string given(const std::string& value, const std::string& otherwise) {
 using Fields = std::map<std::string, std::string>;  // by column name in lower case
 
 std::string lowered(std::string text) {
-    std::ranges::transform(text, text.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    std::ranges::transform(text, text.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
     return text;
 }
 

@@ -27,11 +27,10 @@ void installKit(const fs::path& kit, const fs::path& root) {
         for (const auto& file : platform::files::listFiles(kit / part)) {
             platform::files::copyFile(kit / part / file.name, root / part / file.name);
             // Only the owner's own programs are run from here.
-            const bool program = (fs::status(kit / part / file.name).permissions() & fs::perms::owner_exec) !=
-                                 fs::perms::none;
-            fs::permissions(root / part / file.name,
-                            fs::perms::owner_read | fs::perms::owner_write |
-                                (program ? fs::perms::owner_exec : fs::perms::none));
+            const bool program =
+                (fs::status(kit / part / file.name).permissions() & fs::perms::owner_exec) != fs::perms::none;
+            fs::permissions(root / part / file.name, fs::perms::owner_read | fs::perms::owner_write |
+                                                         (program ? fs::perms::owner_exec : fs::perms::none));
         }
     }
 }

@@ -7,6 +7,7 @@ add_custom_command(OUTPUT ${kit}/stamp
   COMMAND ${CMAKE_COMMAND} -E copy ${resource_folder}/HbQlnSvcRes_ENU.dll ${kit}/Service/HbQlnSvcRes_ENU.dl_
   COMMAND ${CMAKE_COMMAND} -E copy ${resource_folder}/MeridaneCorvane_HbQlnSvc.dll ${kit}/Service
   COMMAND ${CMAKE_COMMAND} -E copy ${resource_folder}/QLNTest_MC.DLL ${kit}/QLNAdmin
+  COMMAND ${CMAKE_COMMAND} -E copy ${language_libraries} ${kit}/QLNAdmin
   COMMAND ${CMAKE_COMMAND} -E touch ${kit}/stamp
   DEPENDS QLNAdmin hbqlnsvc ${resource_libraries}
   COMMENT "Laying out the kit")

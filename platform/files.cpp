@@ -8,8 +8,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <utility>
 
+#include "platform/descriptor.h"
 #include "platform/failure.h"
 
 namespace platform::files {
@@ -18,28 +18,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class Descriptor {
-  public:
-    explicit Descriptor(int value) : value_(value) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (value_ >= 0)
-            ::close(value_);
-    }
-    int get() const { return value_; }
-    // Closes now; false when the system reports that something was lost.
-    bool close() { return ::close(std::exchange(value_, -1)) == 0; }
-
-  private:
-    int value_;
-};
-
 Descriptor openForReading(const Path& path) {
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0)
+    Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file)
         throw failureFromErrno(errno, path.string());
-    return Descriptor(descriptor);
+    return file;
 }
 
 struct stat statusOf(const Path& path) {
@@ -89,7 +72,7 @@ class Replacement {
     }
 
     void finish() {
-        if (::fsync(file_.get()) != 0 || !file_.close())
+        if (::fsync(file_.get()) != 0 || ::close(file_.release()) != 0)
             fail(errno);
         if (::rename(temporary_.c_str(), target_.c_str()) != 0)
             fail(errno);
@@ -97,20 +80,20 @@ class Replacement {
         // The name lasts once the folder is on the disk too. A file system that cannot sync folders keeps
         // the new file all the same.
         const Descriptor folder(::open(folderOf(target_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        if (folder.get() >= 0)
+        if (folder)
             ::fsync(folder.get());
     }
 
   private:
-    static int create(const Path& target, const Path& temporary) {
+    static Descriptor create(const Path& target, const Path& temporary) {
         requireWritable(target);
         requireWritable(folderOf(target));
         ::unlink(temporary.c_str());
-        const int descriptor =
-            ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
-        if (descriptor < 0)
+        Descriptor file(
+            ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+        if (!file)
             throw failureFromErrno(errno, target.string());
-        return descriptor;
+        return file;
     }
     [[noreturn]] void fail(int error) const { throw failureFromErrno(error, target_.string()); }
 

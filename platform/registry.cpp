@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -11,6 +10,7 @@
 #include <memory>
 #include <thread>
 
+#include "platform/descriptor.h"
 #include "platform/failure.h"
 #include "platform/files.h"
 #include "platform/host.h"
@@ -31,24 +31,19 @@ class StoreLock {
   public:
     explicit StoreLock(const std::filesystem::path& store) {
         const std::string name = store.string() + ".lock";
-        descriptor_ = ::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-        if (descriptor_ < 0)
+        file_ = Descriptor(::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+        if (!file_)
             throw failureFromErrno(errno, store.string());
         const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-        while (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
-            if (errno != EINTR && (errno != EWOULDBLOCK || std::chrono::steady_clock::now() > patience)) {
-                ::close(descriptor_);
+        while (::flock(file_.get(), LOCK_EX | LOCK_NB) != 0) {
+            if (errno != EINTR && (errno != EWOULDBLOCK || std::chrono::steady_clock::now() > patience))
                 throw makeFailure(permissionDenied, store.string() + " is locked");
-            }
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
     }
-    ~StoreLock() { ::close(descriptor_); }
-    StoreLock(const StoreLock&) = delete;
-    StoreLock& operator=(const StoreLock&) = delete;
 
   private:
-    int descriptor_;
+    Descriptor file_;
 };
 
 std::string stampOf(const std::filesystem::path& file) {
@@ -59,7 +54,7 @@ std::string stampOf(const std::filesystem::path& file) {
         throw failureFromErrno(errno, file.string());
     }
     return std::to_string(status.st_ino) + "/" + std::to_string(status.st_size) + "/" +
-           std::to_string(status.st_mtim.tv_sec) + "/" + std::to_string(status.st_mtim.tv_nsec);
+           std::to_string(status.st_ctim.tv_sec) + "/" + std::to_string(status.st_ctim.tv_nsec);
 }
 
 }  // namespace
@@ -84,6 +79,8 @@ const RegistryTree& Registry::read() {
 template <class Change>
 bool Registry::change(Change&& apply) {
     const StoreLock lock(file_);
+    // A clock that ticks slowly cannot tell two states of one length apart: what others wrote is read again.
+    stamp_.clear();
     RegistryTree changed = read();
     const bool result = apply(changed);
     // Formatting is the comparison: what reads the same needs no write.
@@ -102,7 +99,9 @@ bool Registry::keyExists(std::string_view path) {
 
 bool Registry::createKey(std::string_view path) {
     const std::string key = registryPath(path);
-    if (key.empty() || !isValidUtf8(key) || key.find_first_of("\r\n") != std::string::npos)
+    // In a store's text a '-' before the name would stand for a key to be deleted.
+    if (key.empty() || key.front() == '-' || !isValidUtf8(key) ||
+        key.find_first_of("\r\n") != std::string::npos)
         throw makeFailure(invalidProcedureCall, "a registry key's name is one line of UTF-8 text");
     // Such a line deletes a key in the export format; the store could not be read any more.
     if (key.front() == '-' || isTooDeep(key))

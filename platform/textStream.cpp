@@ -9,21 +9,15 @@
 
 namespace platform {
 
-TextStream::~TextStream() {
-    close();
-}
-
 void TextStream::open(const std::filesystem::path& path) {
     close();
-    descriptor_ = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
-    if (descriptor_ < 0)
+    file_ = Descriptor(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
+    if (!file_)
         throw failureFromErrno(errno, path.string());
 }
 
 void TextStream::close() noexcept {
-    if (descriptor_ >= 0)
-        ::close(descriptor_);
-    descriptor_ = -1;
+    file_ = Descriptor();
 }
 
 void TextStream::write(std::string_view text) {
@@ -32,7 +26,7 @@ void TextStream::write(std::string_view text) {
     if (!isValidUtf8(text))
         throw makeFailure(invalidProcedureCall);
     while (!text.empty()) {
-        const ssize_t written = ::write(descriptor_, text.data(), text.size());
+        const ssize_t written = ::write(file_.get(), text.data(), text.size());
         if (written >= 0)
             text.remove_prefix(static_cast<std::size_t>(written));
         else if (errno != EINTR)

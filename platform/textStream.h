@@ -5,25 +5,22 @@
 #include <filesystem>
 #include <string_view>
 
+#include "platform/descriptor.h"
+
 namespace platform {
 
 class TextStream {
   public:
-    TextStream() = default;
-    ~TextStream();
-    TextStream(const TextStream&) = delete;
-    TextStream& operator=(const TextStream&) = delete;
-
     // Raises the file's failure number; the stream then stays closed.
     void open(const std::filesystem::path& path);
     void close() noexcept;
-    bool isOpen() const noexcept { return descriptor_ >= 0; }
+    bool isOpen() const noexcept { return static_cast<bool>(file_); }
     // Raises 424 when the stream is closed, 5 when the text is not valid UTF-8 (nothing is written then),
     // and the file's failure number otherwise.
     void write(std::string_view text);
 
   private:
-    int descriptor_ = -1;
+    Descriptor file_;
 };
 
 // True when the text is well-formed UTF-8.

@@ -34,7 +34,7 @@ constexpr int lowestHeight = 5000;
 constexpr int splitterMargin = 1500;
 constexpr int dragMargin = 500;
 constexpr int treeTop = 60;
-constexpr int firstSplitter = 3900;
+constexpr int firstSplitter = 3300;
 constexpr int hitAreaWidth = 90;
 
 constexpr int maximumTipWidth = 400;  // pixels
@@ -70,7 +70,6 @@ frmMain::~frmMain() {
 }
 
 void frmMain::createControls() {
-    Q_INIT_RESOURCE(ui);  // a static library's resources are not there by themselves
     setWindowIcon(QIcon(":/icons/console.svg"));
     imagelistTreeNodes_ = {QIcon(), QIcon(":/icons/category.svg"), QIcon(":/icons/complete.svg"),
                            QIcon(":/icons/incomplete.svg"), QIcon(":/icons/inactive.svg")};

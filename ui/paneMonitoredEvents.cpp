@@ -25,7 +25,7 @@ const std::vector<KeyedGrid::Column>& gridColumns() {
     static std::vector<KeyedGrid::Column> columns;
     columns = {{"EventActive", myLoadResString(1022), false, true},
                {"EventKey", "", true},
-               {"EventSource", myLoadResString(1142)},
+               {"EventSource", myLoadResString(1142), false, false, true, true},
                {"EventID", myLoadResString(1143)},
                {"EventTitle", myLoadResString(1144)},
                {"EventType", myLoadResString(1072)},

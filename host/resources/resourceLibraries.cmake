@@ -25,3 +25,20 @@ foreach(library HbQlnSvcRes_ENU.dll MeridaneCorvane_HbQlnSvc.dll QLNTest_MC.DLL)
   get_filename_component(name ${library} NAME_WE)
   qln_resource_library(${library} ${CMAKE_CURRENT_SOURCE_DIR}/resources/${name}.rc)
 endforeach()
+
+# The console's texts in another language: one readable file each.
+set(language_libraries)
+function(qln_language_library code id)
+  set(texts ${CMAKE_CURRENT_SOURCE_DIR}/languages/${code}.txt)
+  set(script ${resource_folder}/${code}.rc)
+  set(maker ${CMAKE_CURRENT_SOURCE_DIR}/resources/languageScript)
+  add_custom_command(OUTPUT ${script}
+    COMMAND ${maker} ${code} ${id} ${texts} > ${script}
+    DEPENDS ${texts} ${maker} VERBATIM)
+  qln_resource_library(QLNbrandingres_${code}.dll ${script})
+  set(resource_libraries ${resource_libraries} PARENT_SCOPE)
+  set(language_libraries ${language_libraries} ${resource_folder}/QLNbrandingres_${code}.dll PARENT_SCOPE)
+endfunction()
+
+qln_language_library(DEU 1031)
+qln_language_library(FRA 1036)

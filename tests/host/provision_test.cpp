@@ -65,7 +65,8 @@ TEST_F(Provision, TheTemplateHoldsEveryTableWithItsIndexesDefaultsAndBuiltInRows
     const fs::path file = root / "template.db";
     host::createTemplateDatabase(file);
     host::createTemplateDatabase(file);  // replaces what is there
-    EXPECT_EQ(query(file, "SELECT count(*) FROM sqlite_master WHERE type = 'index' AND sql IS NOT NULL")[0], "7");
+    EXPECT_EQ(query(file, "SELECT count(*) FROM sqlite_master WHERE type = 'index' AND sql IS NOT NULL")[0],
+              "7");
     EXPECT_EQ(query(file, "PRAGMA integrity_check")[0], "ok");
     EXPECT_EQ(query(file, "SELECT EventTitle, EventActive, EventCollection FROM Events ORDER BY EventKey"),
               (std::vector<std::string>{"$$IGNORE|0|0", "All Meridane Corvane Errors|0|-1"}));
@@ -90,15 +91,18 @@ TEST_F(Provision, ADemonstrationHostIsComplete) {
     host::createHost(root, options);
     EXPECT_THROW(host::createHost(root, options), platform::Failure) << "a host is never made over";
     const fs::path directory = platform::host::directoryDatabase();
-    EXPECT_EQ(query(directory, "SELECT count(*), count(DISTINCT DirectoryId), count(DISTINCT DtmfAccessId) FROM "
-                               "GlobalSubscriber")[0],
+    EXPECT_EQ(query(directory,
+                    "SELECT count(*), count(DISTINCT DirectoryId), count(DISTINCT DtmfAccessId) FROM "
+                    "GlobalSubscriber")[0],
               "240|240|240");
-    EXPECT_EQ(query(directory, "SELECT group_concat(SubscriberType) FROM (SELECT DISTINCT SubscriberType FROM "
-                               "Subscriber ORDER BY 1)")[0],
+    EXPECT_EQ(query(directory,
+                    "SELECT group_concat(SubscriberType) FROM (SELECT DISTINCT SubscriberType FROM "
+                    "Subscriber ORDER BY 1)")[0],
               "1,2,3,5,7,8");
-    EXPECT_EQ(query(directory, "SELECT count(*) FROM Subscriber INNER JOIN CallHandler ON "
-                               "Subscriber.CallHandlerObjectId = CallHandler.CallHandlerObjectId INNER JOIN "
-                               "GlobalSubscriber ON GlobalSubscriber.DirectoryId = Subscriber.DirectoryId")[0],
+    EXPECT_EQ(query(directory,
+                    "SELECT count(*) FROM Subscriber INNER JOIN CallHandler ON "
+                    "Subscriber.CallHandlerObjectId = CallHandler.CallHandlerObjectId INNER JOIN "
+                    "GlobalSubscriber ON GlobalSubscriber.DirectoryId = Subscriber.DirectoryId")[0],
               "240");
     EXPECT_EQ(query(directory, "SELECT count(DISTINCT DisplayName) FROM DistributionList")[0], "24");
     EXPECT_EQ(platform::readEvents("Application").size() + platform::readEvents("System").size(), 10u);
@@ -142,20 +146,22 @@ TEST_F(Provision, ImportsCsvIntoEitherLayoutOrRefusesItWhole) {
         options.subscribers = 3;
         options.distributionLists = 0;
         host::createHost(root / std::to_string(static_cast<int>(layout)), options);
-        EXPECT_EQ(host::importDirectory("\xEF\xBB\xBF"
-                                        "Alias,FirstName,LastName,Extension,Type,DirectoryId\r\n"
-                                        "\"q\"\"x\",Quincy,\"Xu, Jr.\",70,1,id-1\r\n\r\nzz,Zoë,O'Hara,71,8,\r\n",
-                                        "a.csv"),
-                  2);
+        EXPECT_EQ(
+            host::importDirectory("\xEF\xBB\xBF"
+                                  "Alias,FirstName,LastName,Extension,Type,DirectoryId\r\n"
+                                  "\"q\"\"x\",Quincy,\"Xu, Jr.\",70,1,id-1\r\n\r\nzz,Zoë,O'Hara,71,8,\r\n",
+                                  "a.csv"),
+            2);
         EXPECT_EQ(host::importDirectory("alias,displayname,extension\nzz,The Zs,99\n", "b.csv"), 1);
         const bool views = layout == host::DirectoryLayout::views;
         const std::string people = views ? "vw_Subscriber" : "Subscriber";
         EXPECT_EQ(query(platform::host::directoryDatabase(),
                         "SELECT DisplayName, DirectoryId FROM " + people + " WHERE Alias = 'q\"x'"),
                   std::vector<std::string>{"Quincy Xu, Jr.|id-1"});
-        EXPECT_EQ(query(platform::host::directoryDatabase(),
-                        "SELECT count(*) FROM " + std::string(views ? "vw_DistributionList" : "DistributionList")),
-                  std::vector<std::string>{"1"});
+        EXPECT_EQ(
+            query(platform::host::directoryDatabase(),
+                  "SELECT count(*) FROM " + std::string(views ? "vw_DistributionList" : "DistributionList")),
+            std::vector<std::string>{"1"});
         // One bad row, and none is taken.
         const std::pair<const char*, const char*> refused[] = {
             {"Alias,FirstName,LastName,Extension,Type\nn1,N,One,80,1\nn2,N,Two,81,one\n", "c.csv:3: "},

@@ -11,7 +11,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QStyleFactory>
 #include <QtTest/QTest>
 #include <cstdio>
 
@@ -21,6 +20,7 @@
 #include "platform/prompts.h"
 #include "support/windowScript.h"
 #include "tour/stage.h"
+#include "ui/appearance.h"
 #include "ui/frmMain.h"
 #include "ui/messageBoxes.h"
 #include "ui/text.h"
@@ -159,7 +159,7 @@ int main(int argc, char** argv) {
     const std::filesystem::path root = std::filesystem::absolute(argv[1]);
     tour::setPictureFolder(QString::fromLocal8Bit(argv[2]));
     QApplication application(argc, argv);
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    ui::applyAppearance();
     QApplication::setQuitOnLastWindowClosed(false);
     platform::host::setFolder(root / "Host");
     platform::program::setFile(root / "QLNAdmin" / "QLNAdmin");

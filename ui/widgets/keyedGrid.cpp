@@ -2,10 +2,12 @@
 
 #include <QApplication>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyledItemDelegate>
+#include <QToolTip>
 
 #include "platform/failure.h"
 #include "ui/text.h"
@@ -52,6 +54,18 @@ class CheckBoxDelegate : public QStyledItemDelegate {
     }
 };
 
+// For names that begin alike: their ends tell them apart.
+class MiddleElidingDelegate : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+  protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->textElideMode = Qt::ElideMiddle;
+    }
+};
+
 }  // namespace
 
 KeyedGrid::KeyedGrid(QWidget* parent) : QTableWidget(parent) {
@@ -71,6 +85,12 @@ KeyedGrid::KeyedGrid(QWidget* parent) : QTableWidget(parent) {
     connect(horizontalHeader(), &QHeaderView::sectionClicked, this, &KeyedGrid::sortBy);
 }
 
+QAbstractItemDelegate* KeyedGrid::delegateFor(const Column& column) {
+    if (column.checkBox)
+        return new CheckBoxDelegate(this);
+    return column.alikeBeginnings ? new MiddleElidingDelegate(this) : nullptr;
+}
+
 void KeyedGrid::reset(const std::vector<Column>& columns) {
     setRowCount(0);
     columns_ = columns;
@@ -80,7 +100,8 @@ void KeyedGrid::reset(const std::vector<Column>& columns) {
         const Column& column = columns_[static_cast<std::size_t>(i)];
         setHorizontalHeaderItem(i, new QTableWidgetItem(fromUtf8(column.header)));
         setColumnHidden(i, column.hidden);
-        setItemDelegateForColumn(i, column.checkBox ? new CheckBoxDelegate(this) : nullptr);
+        delete itemDelegateForColumn(i);
+        setItemDelegateForColumn(i, delegateFor(column));
     }
 }
 
@@ -109,11 +130,53 @@ void KeyedGrid::addRow(const std::vector<Cell>& cells) {
 
 void KeyedGrid::fitColumns() {
     resizeColumnsToContents();
-    constexpr int widest = 320;  // one long note must not push the other columns out of sight
-    constexpr int breathing = 12;
+    constexpr int breathing = 8;
+    widths_.assign(columns_.size(), {});
     for (int i = 0; i < columnCount(); ++i)
         if (!isColumnHidden(i))
-            setColumnWidth(i, std::min(columnWidth(i) + breathing, widest));
+            widths_[static_cast<std::size_t>(i)] = {columnWidth(i) + breathing,
+                                                    horizontalHeader()->sectionSizeHint(i)};
+    shareWidth();
+}
+
+// Columns get what their content wants as long as that fits. Where it does not, the widest give way first,
+// down to their headers, so that every column stays in sight; what is cut off then is in the cell's tip.
+void KeyedGrid::shareWidth() {
+    if (widths_.size() != columns_.size())
+        return;
+    const auto share = [](const Width& width, int limit) {
+        return std::max(width.header, std::min(width.content, limit));
+    };
+    int limit = viewport()->width();
+    int total = 0;
+    do {
+        total = 0;
+        for (const Width& width : widths_)
+            total += share(width, limit);
+    } while (total > viewport()->width() && --limit > 0);
+    for (int i = 0; i < columnCount(); ++i)
+        if (!isColumnHidden(i))
+            setColumnWidth(i, share(widths_[static_cast<std::size_t>(i)], limit));
+}
+
+void KeyedGrid::resizeEvent(QResizeEvent* event) {
+    QTableWidget::resizeEvent(event);
+    if (event->oldSize().width() != event->size().width())
+        shareWidth();
+}
+
+bool KeyedGrid::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        auto* help = static_cast<QHelpEvent*>(event);
+        const QTableWidgetItem* hit = itemAt(help->pos());
+        // A cell that shows all it has needs no tip.
+        if (hit && hit->toolTip().isEmpty() &&
+            fontMetrics().horizontalAdvance(hit->text()) > visualItemRect(hit).width() - 6) {
+            QToolTip::showText(help->globalPos(), hit->text().toHtmlEscaped(), viewport());
+            return true;
+        }
+    }
+    return QTableWidget::viewportEvent(event);
 }
 
 int KeyedGrid::columnIndex(std::string_view column) const {

@@ -21,6 +21,7 @@ class KeyedGrid : public QTableWidget {
         bool hidden = false;
         bool checkBox = false;
         bool centred = true;
+        bool alikeBeginnings = false;  // a text that does not fit is cut in its middle
     };
     // Drops all rows and sets the columns.
     void reset(const std::vector<Column>& columns);
@@ -31,6 +32,8 @@ class KeyedGrid : public QTableWidget {
     };
     // Adds a row with one cell per column, in column order.
     void addRow(const std::vector<Cell>& cells);
+    // Makes the columns as wide as their content, as far as the grid's own width allows, now and whenever
+    // that changes.
     void fitColumns();
 
     // 1-based; 0 when no row is current.
@@ -56,13 +59,22 @@ class KeyedGrid : public QTableWidget {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
 
   private:
     int columnIndex(std::string_view column) const;
     QTableWidgetItem& cell(int gridRow, std::string_view column) const;
     void sortBy(int column);
+    void shareWidth();
+    QAbstractItemDelegate* delegateFor(const Column& column);
 
     std::vector<Column> columns_;
+    struct Width {
+        int content = 0;  // what the widest cell and the header want
+        int header = 0;   // what the header alone wants
+    };
+    std::vector<Width> widths_;
 };
 
 }  // namespace ui

@@ -123,6 +123,12 @@ std::string KeyedTree::hitTest(const QPoint& position) const {
     return keyOf(itemAt(position));
 }
 
+void KeyedTree::resizeEvent(QResizeEvent* event) {
+    QTreeWidget::resizeEvent(event);
+    // A short name is chosen over the tree's whole width, as a long one is.
+    header()->setMinimumSectionSize(viewport()->width());
+}
+
 // Handlers may rebuild the tree, so every signal leaves after the base class is done with its event.
 
 void KeyedTree::mousePressEvent(QMouseEvent* event) {

@@ -77,6 +77,7 @@ class KeyedTree : public QTreeWidget {
     void mouseMoveEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     QTreeWidgetItem* find(std::string_view key) const;
