@@ -37,7 +37,8 @@ class Statement {
     // True with a row, false at the end. A failure resets the statement, so that it keeps no lock.
     bool step();
     void reset() noexcept;
-    Value column(int index) const;
+    // Puts the present row's column, counted from 0, into the value.
+    void column(int index, Value& value) const;
 
   private:
     struct Finalize {
