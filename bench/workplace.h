@@ -30,7 +30,7 @@ struct Content {
 // Makes a configuration database from the template and fills it.
 void makeDatabase(const std::filesystem::path& file, const Content& content);
 
-// The engine's C interface, opened as the console opens it: same pragmas, same durability.
+// The engine's C interface, opened as the console opens it: same flags, pragmas and durability.
 struct CloseEngine {
     void operator()(sqlite3* handle) const noexcept;
 };
