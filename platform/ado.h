@@ -19,6 +19,10 @@ struct sqlite3;
 
 namespace platform {
 
+namespace ado {
+class StatementCache;
+}
+
 enum class ObjectState { closed = 0, open = 1 };
 enum class CursorType { forwardOnly, keyset, dynamic, staticCursor };
 enum class LockType { readOnly, pessimistic, optimistic, batchOptimistic };
@@ -49,14 +53,17 @@ class Connection {
     ObjectState state() const noexcept { return handle_ ? ObjectState::open : ObjectState::closed; }
     const std::vector<Failure>& errors() const noexcept { return errors_; }
 
-    // For this layer: the engine's handle (raises 3709 when closed), the file's name for messages, and
-    // whether failures are numbered as the directory provider does.
+    // For this layer: the engine's handle (raises 3709 when closed), the statements kept prepared (none when
+    // closed), the file's name for messages, and whether failures are numbered as the directory provider
+    // does.
     sqlite3* handle() const;
+    const std::shared_ptr<ado::StatementCache>& statements() const noexcept { return statements_; }
     const std::string& fileName() const noexcept { return fileName_; }
     bool isDirectory() const noexcept { return directory_; }
 
   private:
     sqlite3* handle_ = nullptr;
+    std::shared_ptr<ado::StatementCache> statements_;
     std::string fileName_;
     bool directory_ = false;
     std::vector<Failure> errors_;

@@ -9,6 +9,7 @@
 #include "platform/ado.h"
 #include "platform/adoDialect.h"
 #include "platform/adoStatement.h"
+#include "platform/adoStatementCache.h"
 #include "platform/host.h"
 
 namespace platform {
@@ -194,6 +195,7 @@ void Connection::open(const std::string& connectionString) {
             runSetting(engine.get(), "PRAGMA query_only = ON", fileName_);
         else if (sqlite3_db_readonly(engine.get(), "main") == 0)
             runSetting(engine.get(), "PRAGMA journal_mode = DELETE", fileName_);
+        statements_ = std::make_shared<ado::StatementCache>();
         handle_ = engine.release();
     } catch (const Failure& failure) {
         errors_.push_back(failure);
@@ -202,6 +204,7 @@ void Connection::open(const std::string& connectionString) {
 }
 
 void Connection::close() noexcept {
+    statements_.reset();
     ado::EngineClose()(std::exchange(handle_, nullptr));
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 
 #include "platform/ado.h"
 #include "platform/clock.h"
@@ -136,6 +137,41 @@ bool nothingToRun(std::string_view rest) {
             return false;
     }
     return true;
+}
+
+std::optional<NumberedForm> takeNumbersOut(std::string_view translated) {
+    constexpr std::size_t mostDigits = 18;  // what surely fits into 64 bits
+    NumberedForm form;
+    bool first = true;
+    bool inWhere = false;
+    bool compared = false;
+    Lexer lexer(translated);
+    for (Token token{}; lexer.next(token);) {
+        const bool isWord = token.kind == TokenKind::word;
+        const bool isParameter =
+            isWord && std::string_view("?:@$").find(token.text[0]) != std::string_view::npos;
+        const bool startsWrong =
+            first && token.kind != TokenKind::blank && !equalsIgnoringCase(token.text, "SELECT");
+        if (isParameter || startsWrong || (!inWhere && token.text == "*"))
+            return std::nullopt;
+        first = first && token.kind == TokenKind::blank;
+        inWhere = inWhere || (isWord && equalsIgnoringCase(token.text, "WHERE"));
+        const std::size_t end =
+            static_cast<std::size_t>(token.text.data() - translated.data()) + token.text.size();
+        const bool isWhole = isWord && token.text.size() <= mostDigits &&
+                             std::all_of(token.text.begin(), token.text.end(), isDigit) &&
+                             translated.substr(end, 1) != ".";
+        if (inWhere && compared && isWhole) {
+            form.numbers.push_back(0);
+            std::from_chars(token.text.data(), token.text.data() + token.text.size(), form.numbers.back());
+            form.text += '?';
+        } else {
+            form.text += token.text;
+        }
+        if (token.kind != TokenKind::blank)
+            compared = token.text == "=";
+    }
+    return form.numbers.empty() ? std::nullopt : std::optional(std::move(form));
 }
 
 std::string withRowId(std::string_view translated, std::string_view idColumn) {

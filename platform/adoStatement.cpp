@@ -8,10 +8,6 @@
 
 namespace platform::ado {
 
-void Statement::Finalize::operator()(sqlite3_stmt* statement) const noexcept {
-    sqlite3_finalize(statement);
-}
-
 Statement::Statement(const Connection& connection, std::string_view text, std::string_view source)
     : connection_(&connection), source_(source) {
     sqlite3* handle = connection.handle();
@@ -90,7 +86,25 @@ void Statement::column(int index, Value& value) const {
 }
 
 Statement prepareSource(const Connection& connection, std::string_view source) {
-    Statement statement(connection, translateStatement(source), source);
+    connection.handle();  // raises where there is none, and with it no kept statement
+    const std::string translated = translateStatement(source);
+    if (const auto form = takeNumbersOut(translated)) {
+        Statement statement;
+        statement.connection_ = &connection;
+        statement.source_ = source;
+        sqlite3_stmt* prepared = connection.statements()->take(form->text);
+        if (!prepared)
+            sqlite3_prepare_v3(connection.handle(), form->text.c_str(), -1, SQLITE_PREPARE_PERSISTENT,
+                               &prepared, nullptr);
+        // Where this form cannot be prepared the caller's own text tells why.
+        if (prepared) {
+            statement.statement_ = OwnedStatement(prepared, {connection.statements(), form->text});
+            for (std::size_t i = 0; i < form->numbers.size(); ++i)
+                statement.bind(static_cast<int>(i) + 1, form->numbers[i]);
+            return statement;
+        }
+    }
+    Statement statement(connection, translated, source);
     if (sqlite3_bind_parameter_count(statement.get()) > 0)
         throw Failure(connection.isDirectory() ? statementFailed : columnMissing,
                       "no value given for a parameter [" + std::string(source) + "]", "SQLite");

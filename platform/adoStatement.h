@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "platform/ado.h"
+#include "platform/adoStatementCache.h"
 
 struct sqlite3_stmt;
 
@@ -41,17 +42,16 @@ class Statement {
     void column(int index, Value& value) const;
 
   private:
-    struct Finalize {
-        void operator()(sqlite3_stmt* statement) const noexcept;
-    };
+    friend Statement prepareSource(const Connection& connection, std::string_view source);
     void check(int code) const;
 
     const Connection* connection_ = nullptr;
     std::string source_;
-    std::unique_ptr<sqlite3_stmt, Finalize> statement_;
+    OwnedStatement statement_;
 };
 
-// Prepares a caller's statement: translated, and without parameters, since nobody gives them values.
+// Prepares a caller's statement: translated, and without parameters, since nobody gives them values. A SELECT
+// that names its columns is kept prepared when its owner is done with it.
 Statement prepareSource(const Connection& connection, std::string_view source);
 
 // Runs a statement of this layer's own to its end.

@@ -50,6 +50,16 @@ void checkSingle(const std::string& statement) {
             "one statement comes out");
 }
 
+// Numbers that were taken out leave a statement with as many parameters.
+void checkNumbers(const std::string& statement) {
+    const auto form = platform::ado::takeNumbersOut(statement);
+    sqlite3_stmt* prepared = nullptr;
+    if (form && sqlite3_prepare_v2(engine(), form->text.c_str(), -1, &prepared, nullptr) == SQLITE_OK)
+        fuzz::insist(static_cast<std::size_t>(sqlite3_bind_parameter_count(prepared)) == form->numbers.size(),
+                     "a parameter for each number");
+    sqlite3_finalize(prepared);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -65,6 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         fuzz::insist(platform::translateStatement(statement) == statement, "a translation stays as it is");
         std::ignore = platform::ado::withRowId(statement, "id");
         checkSingle(statement);
+        checkNumbers(statement);
     } catch (const platform::Failure& failure) {
         fuzz::insist(failure.number() == platform::statementFailed, "a refusal is a statement's failure");
     }
