@@ -57,7 +57,8 @@ void CloseEngine::operator()(sqlite3* handle) const noexcept {
 
 Engine openBare(const fs::path& file) {
     sqlite3* opened = nullptr;
-    const int code = sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int code =
+        sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
     Engine engine(opened);
     insist(code == SQLITE_OK, "cannot open " + file.string());
     sqlite3_busy_timeout(opened, 5000);
