@@ -5,7 +5,9 @@
 #include "platform/prompts.h"
 #include "platform/windowStation.h"
 #include "ui/appearance.h"
+#include "ui/helpViewer/helpViewer.h"
 #include "ui/messageBoxes.h"
+#include "ui/windowServices.h"
 
 int main(int argc, char** argv) {
     platform::program::setCommandLine(argc, argv);
@@ -14,6 +16,8 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     ui::MessageBoxes boxes;
     platform::setPrompts(&boxes);
+    const ui::WindowServices services;
+    const ui::HelpViewer helpViewer;
     platform::WindowStation station(platform::program::name());
 
     mdlMain::Main(station);

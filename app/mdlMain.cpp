@@ -17,6 +17,7 @@
 #include "platform/clock.h"
 #include "platform/host.h"
 #include "platform/prompts.h"
+#include "server/legacyShortcuts.h"
 #include "server/mdlCorvane.h"
 #include "server/mdlCorvaneDatabase.h"
 #include "server/serviceControl.h"
@@ -39,10 +40,20 @@ constexpr char module[] = "mdlMain";
     platform::program::end(1);
 }
 
+// What keeps the registry from being read, for the refusal that follows from it; empty when nothing does.
+std::string registryTrouble() {
+    try {
+        RegistryAPI::registryKeyExists(RegistryAPI::HKEY_LOCAL_MACHINE, productRegistryKey);
+        return {};
+    } catch (const platform::Failure& failure) {
+        return "\n\n" + failure.description();
+    }
+}
+
 // The console runs on a Corvane server of version 3.1(1) or later, and nowhere else.
 void checkEnvironment() {
     if (gCorvaneVersion.major == 0)
-        refuse(mdlVerInfo::productName() + myLoadResString(1252),
+        refuse(mdlVerInfo::productName() + myLoadResString(1252) + registryTrouble(),
                mdlVerInfo::productName() + myLoadResString(1253));
     if (!mdlCorvane::isVersionAtLeast(3, 1, 1, 0))
         refuse(mdlVerInfo::productName() + myLoadResString(1254) + "\n" + myLoadResString(1255) +
@@ -142,9 +153,8 @@ void checkSupportNotificationDevices() {
 
 void activatePrevInstance(platform::WindowStation& station) {
     procedure(module, "activatePrevInstance", [&](Frame& frame) {
-        const std::string title = platform::program::title();
         // So that the search cannot find this very process; without an earlier window it stays so.
-        platform::program::setTitle("unwanted instance");
+        const std::string title = platform::program::setTitle("unwanted instance");
         platform::WindowHandle window = 0;
         for (const char* className : {"ThunderRTMain", "ThunderRT5Main", "ThunderRT6Main"})
             if (window == 0)

@@ -79,7 +79,13 @@ void setRegistryValue(RootKey root, std::string_view path, std::string_view name
         throw platform::makeFailure(platform::typeMismatch);
     // An empty text would be stored without any bytes; other readers of the key expect at least one.
     const auto* text = std::get_if<std::string>(&value);
-    platform::registry().setValue(fullPath(root, path), name, text && text->empty() ? " " : value);
+    try {
+        platform::registry().setValue(fullPath(root, path), name, text && text->empty() ? " " : value);
+    } catch (const platform::Failure& failure) {
+        // A key that may not be written is one that cannot be opened for it: nothing is reported.
+        if (failure.number() != platform::permissionDenied)
+            throw;
+    }
 }
 
 std::vector<std::string> enumRegistryKeys(RootKey root, std::string_view path) {

@@ -282,6 +282,7 @@ void classLog::enterProc(std::string_view tag) {
 }
 
 void classLog::exitProc(std::string_view tag) {
+    // An exit without an entry is instance -1, without times; it stays so.
     const std::string key = instanceKey(tag, openInstances(tag) - 1);
     const float end = timer();
     setCallDepth(callDepth_ - 1);

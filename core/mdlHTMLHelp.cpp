@@ -32,7 +32,8 @@ std::string getHelpFileName() {
                 const std::string base = (platform::program::folder() / "QuillonService").string();
                 // The user's default language decides, not the one chosen in the About window.
                 for (const std::string& code : {modLocalize::userLanguageCode(), std::string("ENU")}) {
-                    path = base + "_" + code + ".chm";
+                    path = base;
+                    path.append("_").append(code).append(".chm");
                     if (platform::files::fileExists(path))
                         return;
                 }

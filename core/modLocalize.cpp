@@ -3,15 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <exception>
 #include <filesystem>
 
+#include "core/boxOnFailure.h"
 #include "core/state.h"
 #include "platform/failure.h"
 #include "platform/files.h"
 #include "platform/host.h"
 #include "platform/language.h"
-#include "platform/prompts.h"
 
 namespace modLocalize {
 
@@ -44,17 +43,6 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
         a, b, [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
 }
 
-// Somebody is about to read these strings, so a failure is shown at once instead of logged; the next
-// statement runs.
-template <class Action>
-void boxOnFailure(const std::string& introduction, Action&& action) {
-    try {
-        action();
-    } catch (const std::exception& error) {
-        platform::prompts().messageBox({introduction + error.what(), platform::program::name()});
-    }
-}
-
 // The library's file: the name as the program spells it, else the first one that differs in case only.
 std::filesystem::path findLibrary(const std::string& code) {
     const std::filesystem::path folder = platform::program::folder();
@@ -77,19 +65,19 @@ void collectLanguages() {
 
 void InitalizeLanguages() {
     const std::string introduction = "Error in InitalizeLanguages: ";
-    boxOnFailure(introduction, [] {
+    core::boxOnFailure(introduction, [] {
         if (core::gLanguageId == 0)
             core::gLanguageId = platform::userDefaultLanguageId();
     });
     core::gResourceLibrary.reset();
-    boxOnFailure(introduction, [] {
+    core::boxOnFailure(introduction, [] {
         core::gResourceLibrary =
             platform::StringLibrary::open(findLibrary(languageIdToCode(core::gLanguageId)));
     });
-    boxOnFailure(introduction, collectLanguages);
+    core::boxOnFailure(introduction, collectLanguages);
     if (core::gLanguages.empty())
         core::gLanguages.emplace_back();
-    boxOnFailure(introduction, [] {
+    core::boxOnFailure(introduction, [] {
         if (windowFontsHook)
             windowFontsHook();
     });
@@ -97,7 +85,7 @@ void InitalizeLanguages() {
 
 std::string myLoadResString(long id) {
     std::string text;
-    boxOnFailure("error in myLoadResString: ", [&] {
+    core::boxOnFailure("error in myLoadResString: ", [&] {
         if (core::gResourceLibrary && id >= 0)
             text = core::gResourceLibrary->loadString(static_cast<std::uint32_t>(id));
         if (!text.empty())

@@ -58,9 +58,11 @@ bool Frame::step(Step action) {
     }
 }
 
-void Frame::steps(std::initializer_list<Step> actions) {
+bool Frame::steps(std::initializer_list<Step> actions) {
+    bool allRan = true;
     for (const Step& action : actions)
-        step(action);
+        allRan = step(action) && allRan;
+    return allRan;
 }
 
 }  // namespace core

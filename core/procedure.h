@@ -50,8 +50,8 @@ class Frame {
     // Runs one step. A failure is counted and logged, or handled by a case of its own; then the caller's
     // next statement runs. Returns false when the step failed.
     bool step(Step action);
-    // Runs several steps in a row.
-    void steps(std::initializer_list<Step> actions);
+    // Runs several steps in a row; returns false when one of them failed.
+    bool steps(std::initializer_list<Step> actions);
     // States what this procedure does on a failure of that number instead of the log line.
     void on(long number, std::function<void(const platform::Failure&)> action);
 

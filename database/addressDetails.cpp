@@ -2,6 +2,7 @@
 
 #include "core/modLocalize.h"
 #include "core/procedure.h"
+#include "database/deviceType.h"
 #include "database/openRecordset.h"
 
 using core::Frame;
@@ -15,15 +16,13 @@ namespace {
 
 constexpr char module[] = "mdlDatabase";
 
-enum DeviceType : long { voiceMail = 1, pager, email, smtpAddress, snmpTrap, syslog, failover };
-enum AddressType : long { notFound = 0, subscriber = 1, distributionList = 2 };
-
 // The directory's two lists, read once for each rebuild.
 struct Directory {
     Recordset subscribers;
     Recordset distributionLists;
 
-    // Only a directory that could be read can tell that an entry is gone.
+    // Only a directory that could be read, be it empty, can tell that an entry is gone. A device that is cut
+    // off stays so when its entry comes back, and a server that is down for an hour must not do that to all.
     bool isOpen() const {
         return subscribers.state() == ObjectState::open && distributionLists.state() == ObjectState::open;
     }
@@ -31,7 +30,7 @@ struct Directory {
 
 struct Details {
     std::string displayName;
-    long addressType = notFound;
+    AddressType addressType = addressNotFound;
     bool cutOff = false;  // the entry is gone: the device is switched off
 };
 
@@ -51,13 +50,18 @@ bool findEntry(Recordset& list, const std::string& address) {
     return !list.EOF_();
 }
 
+// An entry without a name shows its kind alone.
+std::string nameOf(const Recordset& list) {
+    return platform::valueText(list.value("DisplayName"));
+}
+
 Details lookUp(Directory& directory, const std::string& address) {
     // A subscriber goes before a distribution list of the same id.
     if (findEntry(directory.subscribers, address))
-        return {directory.subscribers.text("DisplayName") + myLoadResString(1193), subscriber};
+        return {nameOf(directory.subscribers) + myLoadResString(1193), addressSubscriber};
     if (findEntry(directory.distributionLists, address))
-        return {directory.distributionLists.text("DisplayName") + myLoadResString(1194), distributionList};
-    return {myLoadResString(1195) + address + ")", notFound, directory.isOpen()};
+        return {nameOf(directory.distributionLists) + myLoadResString(1194), addressDistributionList};
+    return {myLoadResString(1195) + address + ")", addressNotFound, directory.isOpen()};
 }
 
 Details detailsOf(Directory& directory, long deviceType, const std::string& address) {
@@ -66,15 +70,15 @@ Details detailsOf(Directory& directory, long deviceType, const std::string& addr
         case email:
             return lookUp(directory, address);
         case pager:
-            return {address + myLoadResString(1196), deviceType + 1};
+            return {address + myLoadResString(1196), addressPager};
         case smtpAddress:
-            return {address + myLoadResString(1197), deviceType};
+            return {address + myLoadResString(1197), addressSmtp};
         case snmpTrap:
-            return {myLoadResString(1283), deviceType};
+            return {myLoadResString(1283), addressSnmpTrap};
         case syslog:
-            return {myLoadResString(1292), deviceType};
+            return {myLoadResString(1292), addressSyslog};
         case failover:
-            return {myLoadResString(1293), deviceType};
+            return {myLoadResString(1293), addressFailover};
         default:
             return {};
     }
@@ -95,7 +99,7 @@ void rebuildRow(Frame& frame, Recordset& devices, Recordset& details, Directory&
                  [&] {
                      if (!shown.cutOff)
                          return;
-                     devices.set("DeviceActive", std::int64_t{0});
+                     devices.set("DeviceActive", boolean(false));
                      devices.update();
                  },
                  [&] { details.addNew(); }, [&] { details.set("DeviceAddress", address); },
@@ -109,8 +113,7 @@ void rebuildRow(Frame& frame, Recordset& devices, Recordset& details, Directory&
 
 void rebuildAddressDetailsTable() {
     core::procedure(module, "rebuildAddressDetailsTable", [&](Frame& frame) {
-        // A locked file or a closed directory is told by what follows; one line for each device would drown
-        // the rest of the log.
+        // A provider that cannot say more than that it failed would fill the log, line after line.
         frame.on(platform::providerError, [](const platform::Failure&) {});
         Recordset devices;
         Recordset details;

@@ -1,10 +1,120 @@
 #include "database/assignment.h"
 
+#include <algorithm>
+#include <stdexcept>
+
+#include "core/classLog.h"
+#include "core/modLocalize.h"
+#include "core/procedure.h"
+#include "database/confirmation.h"
+#include "database/devices.h"
 #include "database/openRecordset.h"
+
+using core::Frame;
+using modLocalize::myLoadResString;
+using platform::ObjectState;
+using platform::Recordset;
 
 namespace mdlDatabase {
 
-platform::Recordset getRecipientsForEvent(long eventKey) {
+namespace {
+
+constexpr char module[] = "mdlDatabase";
+constexpr std::string_view selectionPrefix = "DeviceKey:";
+constexpr std::size_t typeNameWidth = 15;
+constexpr std::size_t activeWidth = 5;
+
+std::string assignmentQuery(long eventKey) {
+    return "SELECT * FROM EventDevice WHERE EventKey = " + std::to_string(eventKey);
+}
+
+// The number behind the prefix. Raises 13 for another text.
+long deviceKeyOf(const std::string& key) {
+    std::size_t end = 0;
+    const std::string number = key.substr(std::min(selectionPrefix.size(), key.size()));
+    try {
+        const long deviceKey = std::stol(number, &end);
+        if (end == number.size())
+            return deviceKey;
+    } catch (const std::logic_error&) {
+        // told below
+    }
+    throw platform::makeFailure(platform::typeMismatch, key);
+}
+
+std::string rightAligned(const std::string& text, std::size_t width) {
+    return std::string(text.size() < width ? width - text.size() : 0, ' ') + text;
+}
+
+void logChoice(const Frame& frame, const std::string& text) {
+    core::gLog().log(text, core::logVersionInfo, frame.tag());
+}
+
+// A failover device makes the primary server give up its role, so it takes a Yes of its own.
+bool failoverConfirmed() {
+    return confirmed(myLoadResString(1297), myLoadResString(1298));
+}
+
+void logDeclined(const Frame& frame) {
+    logChoice(frame, "User chose not to enable this failover device.");
+}
+
+void addAssignment(Frame& frame, Recordset& rows, long eventKey, const std::string& key) {
+    long deviceKey = 0;
+    if (!frame.step([&] { deviceKey = deviceKeyOf(key); }))
+        return;
+    const long type = getDeviceType(deviceKey);
+    bool active = true;
+    if (type == failover) {
+        active = failoverConfirmed();
+        if (active)
+            logChoice(frame, "User chose to enable this failover device.");
+        else
+            logDeclined(frame);
+    }
+    logChoice(frame, "Adding DeviceKey: " + std::to_string(deviceKey) + " (" +
+                         rightAligned(getDeviceLabel(type), typeNameWidth) +
+                         ") Active: " + rightAligned(active ? "True" : "False", activeWidth) +
+                         " to EventKey: " + std::to_string(eventKey));
+    frame.steps({[&] { rows.addNew(); }, [&] { rows.set("EventKey", std::int64_t{eventKey}); },
+                 [&] { rows.set("DeviceKey", std::int64_t{deviceKey}); },
+                 [&] { rows.set("Active", boolean(active)); }, [&] { rows.update(); }});
+}
+
+// Brings the present row in line with the selection, from which it takes the row's entry.
+void changeAssignment(Frame& frame, Recordset& rows, DeviceSelection& selection) {
+    long deviceKey = 0;
+    bool active = false;
+    frame.steps({[&] { deviceKey = rows.number("DeviceKey"); }, [&] { active = rows.boolean("Active"); }});
+    const std::string key = selectionKey(deviceKey);
+    const long type = getDeviceType(deviceKey);
+    const bool selected = selection.contains(key);
+    if (selected && type == failover && !active && !failoverConfirmed()) {
+        logDeclined(frame);
+        selection.remove(key);
+        return;
+    }
+    logChoice(frame, (selected ? "Enabling " : "Disabling ") + key + " (" + getDeviceLabel(type) + ")");
+    frame.step([&] { rows.set("Active", boolean(selected)); });
+    selection.remove(key);
+    frame.step([&] { rows.update(); });
+}
+
+// Deletes the rows of one device in a batch of assignments.
+void removeDevice(Recordset& rows, const Recordset& links) {
+    rows.moveFirst();
+    rows.find("DeviceKey = " + platform::valueText(links.value("DeviceKey")));
+    if (!rows.EOF_())
+        rows.deleteCurrent();
+}
+
+}  // namespace
+
+std::string selectionKey(long deviceKey) {
+    return std::string(selectionPrefix) + std::to_string(deviceKey);
+}
+
+Recordset getRecipientsForEvent(long eventKey) {
     // Joined with AddressDetails by the address's text, so a device without a row there is not part of the
     // answer, and DISTINCT folds devices that share an address; it stays so.
     return queryProcedure("getRecipientsForEvent",
@@ -19,6 +129,53 @@ platform::Recordset getRecipientsForEvent(long eventKey) {
                           "INNER JOIN AddressDetails ON Device.DeviceAddress = AddressDetails.DeviceAddress "
                           "Where Events.EventKey = " +
                               std::to_string(eventKey) + " ORDER BY Recipients.RecipientName");
+}
+
+void addRecipientToEvent(long eventKey, const DeviceSelection& selection, bool clearFirst) {
+    core::procedure(module, "addRecipientToEvent", [&](Frame& frame) {
+        if (clearFirst)
+            frame.step([&] { deleteRows("EventDevice", "EventKey", eventKey); });
+        Recordset rows;
+        frame.step([&] { rows = openForWriting("SELECT * FROM EventDevice"); });
+        for (const std::string& key : selection.keys())
+            addAssignment(frame, rows, eventKey, key);
+        frame.step([&] { rows.close(); });
+    });
+}
+
+bool changeRecipientsForEvent(long eventKey, DeviceSelection& selection) {
+    return core::procedure(module, "changeRecipientsForEvent", false, [&](Frame& frame, bool& hadRows) {
+        Recordset rows;
+        // Whoever does not know the rows would add each of them a second time.
+        if (!frame.step([&] { rows = openForWriting(assignmentQuery(eventKey)); }))
+            return;
+        frame.step([&] { hadRows = rows.recordCount() > 0; });
+        while (!rows.EOF_()) {
+            changeAssignment(frame, rows, selection);
+            frame.step([&] { rows.moveNext(); });
+        }
+        frame.step([&] { rows.close(); });
+        addRecipientToEvent(eventKey, selection, false);
+    });
+}
+
+bool removeRecipientFromEvent(long eventKey, long recipientKey) {
+    return core::procedure(module, "removeRecipientFromEvent", false, [&](Frame& frame, bool& rowsLeft) {
+        Recordset rows;
+        bool any = false;
+        frame.steps({[&] { rows = openForBatch(assignmentQuery(eventKey)); }, [&] { any = !rows.EOF_(); }});
+        if (any) {
+            Recordset links;
+            frame.step([&] {
+                links = openForReading("SELECT * FROM DeviceRecipient WHERE RecipientKey = " +
+                                       std::to_string(recipientKey));
+            });
+            while (links.state() == ObjectState::open && !links.EOF_() && rows.recordCount() > 0)
+                frame.steps({[&] { removeDevice(rows, links); }, [&] { links.moveNext(); }});
+            frame.steps({[&] { rows.updateBatch(); }, [&] { links.close(); }});
+        }
+        frame.steps({[&] { rowsLeft = rows.recordCount() >= 1; }, [&] { rows.close(); }});
+    });
 }
 
 }  // namespace mdlDatabase

@@ -1,11 +1,27 @@
-// Which device is notified for which event.
+// Which device is notified for which event. A device without a row in EventDevice is not on the event; one
+// with an inactive row is on it, silent. Devices of failover are never switched on without a question.
 #pragma once
 
+#include <string>
+
+#include "core/dictionary.h"
 #include "platform/ado.h"
 
 namespace mdlDatabase {
 
+// The devices that the administrator ticked, by "DeviceKey:" and the device's key; the items mean nothing.
+using DeviceSelection = core::Dictionary<bool>;
+std::string selectionKey(long deviceKey);
+
 // The devices assigned to an event with their recipients, by recipient name; left open for the caller.
 platform::Recordset getRecipientsForEvent(long eventKey);
+// Adds a row for each device of the selection, after deleting all rows of the event where `clearFirst` says
+// so. A failover device that the administrator declines gets an inactive row.
+void addRecipientToEvent(long eventKey, const DeviceSelection& selection, bool clearFirst);
+// Makes exactly the selected devices the event's active ones; deselected ones keep an inactive row. Entries
+// that a row answers for leave the selection. True when the event had rows before.
+bool changeRecipientsForEvent(long eventKey, DeviceSelection& selection);
+// Takes all devices of a recipient off an event, all or none. True when the event has rows left.
+bool removeRecipientFromEvent(long eventKey, long recipientKey);
 
 }  // namespace mdlDatabase

@@ -3,6 +3,7 @@
 #include "core/classLog.h"
 #include "core/modLocalize.h"
 #include "core/procedure.h"
+#include "database/confirmation.h"
 #include "database/openRecordset.h"
 #include "database/settings.h"
 #include "platform/prompts.h"
@@ -10,12 +11,9 @@
 using core::Frame;
 using core::gLog;
 using modLocalize::myLoadResString;
-using platform::BoxAnswer;
-using platform::BoxButtons;
 using platform::BoxIcon;
 using platform::Null;
 using platform::Recordset;
-using platform::Value;
 
 namespace mdlDatabase {
 
@@ -25,10 +23,6 @@ constexpr char module[] = "mdlDatabase";
 
 enum ContentType : long { voiceContent = 1, emailContent = 3 };
 
-Value boolean(bool value) {
-    return std::int64_t{value ? -1 : 0};
-}
-
 std::string eventQuery(std::string_view columns, long eventKey) {
     return "SELECT " + std::string(columns) + " FROM Events WHERE EventKey = " + std::to_string(eventKey);
 }
@@ -37,8 +31,7 @@ std::string eventQuery(std::string_view columns, long eventKey) {
 bool wantsDuplicate(const NewEvent& event) {
     const std::string text = myLoadResString(1187) + "\n" + myLoadResString(1179) + event.eventSource +
                              myLoadResString(1188) + event.eventId + "\n\n" + myLoadResString(1189);
-    return platform::prompts().messageBox(
-               {text, myLoadResString(1190), BoxIcon::question, BoxButtons::yesNo}) == BoxAnswer::yes;
+    return confirmed(text, myLoadResString(1190));
 }
 
 // Sets the fields of one content row that its type has, in their order.
@@ -101,28 +94,35 @@ long addNewEvent(const NewEvent& event) {
         }
         Recordset events;
         // Inactive, so that the service stays away until contents and devices are there.
-        frame.steps({[&] { events = openForWriting("SELECT * FROM Events"); }, [&] { events.addNew(); },
-                     [&] { events.set("EventSource", event.eventSource); },
-                     [&] { events.set("EventId", event.eventId); },
-                     [&] { events.set("EventTitle", event.eventTitle); },
-                     [&] { events.set("EventType", std::int64_t{event.eventType}); },
-                     [&] { events.set("EventActive", boolean(false)); }});
-        const bool written = frame.step([&] { events.update(); });
+        const bool filled =
+            frame.steps({[&] { events = openForWriting("SELECT * FROM Events"); }, [&] { events.addNew(); },
+                         [&] { events.set("EventSource", event.eventSource); },
+                         [&] { events.set("EventId", event.eventId); },
+                         [&] { events.set("EventTitle", event.eventTitle); },
+                         [&] { events.set("EventType", std::int64_t{event.eventType}); },
+                         [&] { events.set("EventActive", boolean(false)); }});
+        // An event without its id, say of one beyond 32 bits, could neither be seen nor deleted again; and the
+        // highest key is this event's only if this event was written.
+        const bool written = filled && frame.step([&] { events.update(); });
         frame.step([&] { events.close(); });
-        // The highest key is this event's only if this event was written.
         if (!written)
             return;
         long key = 0;
         frame.step([&] { key = getLastKey("Events", "EventKey"); });
         Recordset contents;
         frame.step([&] { contents = openForWriting("SELECT * FROM Contents"); });
+        bool complete = true;
         for (const ContentType type : {voiceContent, emailContent}) {
             frame.step([&] { contents.addNew(); });
             setContentFields(frame, contents, type, event.content);
-            frame.steps({[&] { contents.set("EventKey", std::int64_t{key}); }, [&] { contents.update(); }});
+            complete = frame.steps({[&] { contents.set("EventKey", std::int64_t{key}); },
+                                    [&] { contents.update(); }}) &&
+                       complete;
         }
         frame.step([&] { contents.close(); });
-        result = key;
+        // The row of an event whose content is missing stays; its next save adds the content.
+        if (complete)
+            result = key;
     });
 }
 
@@ -138,8 +138,10 @@ void modifyEvent(const ModifiedEvent& event) {
                          [&] { row.set("EventActive", boolean(event.eventActive)); },
                          [&] { row.set("EventTitle", event.eventTitle); },
                          [&] { row.set("EventType", std::int64_t{event.eventType}); },
+                         // Every save starts the event's notification timing anew, changed or not; it stays so.
                          [&] { row.set("EventLastNotification", Null{}); }, [&] { row.update(); }});
         frame.step([&] { row.close(); });
+        // Contents are written even when the event's own row is gone; it stays so.
         writeContent(frame, event.eventKey, voiceContent, event.content);
         writeContent(frame, event.eventKey, emailContent, event.content);
     });
@@ -157,20 +159,18 @@ bool deleteEvent(long eventKey, std::string_view eventName) {
             return;
         }
         const std::string name(eventName);
-        if (platform::prompts().messageBox({myLoadResString(1246) + name, myLoadResString(1247),
-                                            BoxIcon::question, BoxButtons::yesNo}) != BoxAnswer::yes)
+        if (!confirmed(myLoadResString(1246) + name, myLoadResString(1247)))
             return;
-        const std::string key = std::to_string(eventKey);
-        gLog().log("Deleting event: " + name + " Key: " + key, core::logInfo, frame.tag());
+        gLog().log("Deleting event: " + name + " Key: " + std::to_string(eventKey), core::logInfo,
+                   frame.tag());
         // Dependents first: a delete that stops half way leaves an event that the service cannot act on.
-        frame.steps(
-            {[&] {
-                 if (row.state() == platform::ObjectState::open)
-                     row.close();
-             },
-             [&] { platform::execute("DELETE FROM Contents WHERE EventKey = " + key, core::gDatabase); },
-             [&] { platform::execute("DELETE FROM EventDevice WHERE EventKey = " + key, core::gDatabase); },
-             [&] { platform::execute("DELETE FROM Events WHERE EventKey = " + key, core::gDatabase); }});
+        frame.steps({[&] {
+                         if (row.state() == platform::ObjectState::open)
+                             row.close();
+                     },
+                     [&] { deleteRows("Contents", "EventKey", eventKey); },
+                     [&] { deleteRows("EventDevice", "EventKey", eventKey); },
+                     [&] { deleteRows("Events", "EventKey", eventKey); }});
         deleted = true;
     });
 }

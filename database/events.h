@@ -44,7 +44,7 @@ platform::Recordset getContentsForEvent(long eventKey);
 // All events but the hidden one; the catch-all event first.
 platform::Recordset getEvents();
 
-// The new event's key; the existing one's when the administrator declines a duplicate; 0 when its row could
+// The new event's key; the existing one's when the administrator declines a duplicate; 0 when its rows could
 // not be written.
 long addNewEvent(const NewEvent& event);
 void modifyEvent(const ModifiedEvent& event);

@@ -1,22 +1,98 @@
 #include "database/exclusions.h"
 
+#include "core/classLog.h"
+#include "core/modLocalize.h"
 #include "core/procedure.h"
 #include "database/assignment.h"
+#include "database/confirmation.h"
 #include "database/events.h"
 #include "database/openRecordset.h"
 #include "database/recipients.h"
+#include "database/settings.h"
 
 using core::Frame;
+using modLocalize::myLoadResString;
 using platform::Recordset;
 
 namespace mdlDatabase {
 
 namespace {
+
 constexpr char module[] = "mdlDatabase";
+
+std::string exclusionQuery(long exclusionKey) {
+    return "SELECT * FROM Exclusions WHERE ExclusionKey = " + std::to_string(exclusionKey);
+}
+
+// Adds one row; the source goes in as it is.
+void addRow(Frame& frame, Recordset& rows, std::string_view eventSource, long eventId) {
+    frame.steps({[&] { rows.addNew(); }, [&] { rows.set("EventSource", std::string(eventSource)); },
+                 [&] { rows.set("EventID", std::int64_t{eventId}); }});
+}
+
+}  // namespace
+
+Recordset getExclusion(long exclusionKey) {
+    return queryProcedure("getExclusion", exclusionQuery(exclusionKey));
 }
 
 Recordset getExclusions() {
     return queryProcedure("getExclusions", "SELECT * FROM Exclusions ORDER BY EventSource, EventId");
+}
+
+long addNewExclusion(std::string_view eventSource, long eventId) {
+    return core::procedure(module, "addNewExclusion", 0L, [&](Frame& frame, long& key) {
+        Recordset rows;
+        frame.step([&] { rows = openForWriting("SELECT * FROM Exclusions"); });
+        addRow(frame, rows, eventSource, eventId);
+        // The highest key is this exclusion's only if it was written.
+        if (frame.step([&] { rows.update(); }))
+            key = getLastKey("Exclusions", "ExclusionKey");
+        frame.step([&] { rows.close(); });
+    });
+}
+
+void modifyExclusion(long exclusionKey, long eventId) {
+    core::procedure(module, "modifyExclusion", [&](Frame& frame) {
+        Recordset row;
+        bool found = false;
+        frame.steps(
+            {[&] { row = openForWriting(exclusionQuery(exclusionKey)); }, [&] { found = !row.EOF_(); }});
+        if (found)
+            frame.steps({[&] { row.set("EventId", std::int64_t{eventId}); }, [&] { row.update(); }});
+        frame.step([&] { row.close(); });
+    });
+}
+
+bool deleteExclusion(long exclusionKey) {
+    return core::procedure(module, "deleteExclusion", false, [&](Frame& frame, bool& deleted) {
+        Recordset row = getExclusion(exclusionKey);
+        std::string source;
+        frame.step([&] { source = row.text("EventSource"); });
+        if (!confirmed(myLoadResString(1303) + source, myLoadResString(1304)))
+            return;
+        core::gLog().log("Deleting exclusion: " + source + " Key: " + std::to_string(exclusionKey),
+                         core::logVersionInfo, frame.tag());
+        frame.steps({[&] {
+                         if (row.state() == platform::ObjectState::open)
+                             row.close();
+                     },
+                     [&] { deleteRows("Exclusions", "ExclusionKey", exclusionKey); }});
+        deleted = true;
+    });
+}
+
+void replaceExclusions(const core::Dictionary<long>& exclusions) {
+    core::procedure(module, "replaceExclusions", [&](Frame& frame) {
+        Recordset rows;
+        frame.steps({[&] { platform::execute("DELETE FROM Exclusions", core::gDatabase); },
+                     [&] { rows = openForBatch("SELECT * FROM Exclusions"); }});
+        for (const std::string& source : exclusions.keys()) {
+            addRow(frame, rows, source, exclusions.item(source));
+            frame.step([&] { rows.update(); });
+        }
+        frame.steps({[&] { rows.updateBatch(); }, [&] { rows.close(); }});
+    });
 }
 
 EventAnalysis analyzeEvent(long eventKey) {

@@ -3,13 +3,27 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 
+#include "core/dictionary.h"
 #include "platform/ado.h"
 
 namespace mdlDatabase {
 
-// All exclusions by source and id; left open for the caller.
+// Recordsets are left open for the caller, who reads and closes them; one that failed to open is closed.
+platform::Recordset getExclusion(long exclusionKey);
+// All exclusions by source and id.
 platform::Recordset getExclusions();
+
+// Ids are 32 bits, or -1 for all ids of the source. The new key; no pair is refused for being there already.
+// 0 when the row could not be written; the first exclusion's key is 0, too.
+long addNewExclusion(std::string_view eventSource, long eventId);
+// The source stays. Without such an exclusion nothing is written.
+void modifyExclusion(long exclusionKey, long eventId);
+// Asks first; true when deleted.
+bool deleteExclusion(long exclusionKey);
+// Rewrites the whole table from source to id, with new keys; the new rows come all or none.
+void replaceExclusions(const core::Dictionary<long>& exclusions);
 
 // Entries "ActiveDevices", "Recipients" and "ActiveRecipients".
 using EventAnalysis = std::map<std::string, long>;

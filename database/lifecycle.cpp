@@ -33,6 +33,8 @@ std::string absolute(const std::string& path) {
 
 // Tables of two columns are of the old shape.
 constexpr long oldColumnCount = 2;
+constexpr char exclusions[] = "Exclusions";
+constexpr char exclusionsNew[] = "ExclusionsNew";
 
 Catalog::Table newExclusions() {
     using Type = Catalog::Column::Type;
@@ -41,20 +43,50 @@ Catalog::Table newExclusions() {
     key.seed = 0;
     key.increment = 1;
     Catalog::Column source{"EventSource", Type::varWChar, 50};
-    return {"ExclusionsNew", {key, source, {"EventId", Type::integer}}, "ExclusionKey"};
+    return {exclusionsNew, {key, source, {"EventId", Type::integer}}, "ExclusionKey"};
 }
 
-void copyExclusions(Frame& frame) {
+bool hasTable(const Catalog& catalog, const char* table) {
+    try {
+        return catalog.columnCount(table) > 0;
+    } catch (const platform::Failure& failure) {
+        if (failure.number() != platform::itemNotFound)
+            throw;
+        return false;
+    }
+}
+
+// An upgrade that was ended between its last two statements left the new table, whole, without its name.
+void finishUpgrade(Catalog& catalog, const std::string& tag) {
+    if (hasTable(catalog, exclusions) || !hasTable(catalog, exclusionsNew))
+        return;
+    gLog().log("Finishing an upgrade of the Exclusions table that was interrupted", core::logWarning, tag);
+    catalog.renameTable(exclusionsNew, exclusions);
+}
+
+// One that was ended earlier left a part of the new table beside the old one, which still has every row.
+void dropPartialTable(Catalog& catalog, const std::string& tag) {
+    if (!hasTable(catalog, exclusionsNew))
+        return;
+    gLog().log("Removing what an interrupted upgrade of the Exclusions table left", core::logWarning, tag);
+    catalog.deleteTable(exclusionsNew);
+}
+
+// False when a row did not arrive whole, as when the disk is full, the service locks the file for too long,
+// or a source is longer than the new column.
+bool copyExclusions(Frame& frame) {
     Recordset from;
     Recordset to;
-    frame.steps({[&] { from = openForReading("SELECT * FROM Exclusions"); },
-                 [&] { to = openForWriting("SELECT * FROM ExclusionsNew"); }});
+    bool copied = frame.steps({[&] { from = openForReading("SELECT * FROM Exclusions"); },
+                               [&] { to = openForWriting("SELECT * FROM ExclusionsNew"); }});
     while (from.state() == platform::ObjectState::open && !from.EOF_()) {
-        frame.steps({[&] { to.addNew(); }, [&] { to.set("EventSource", from.value("EventSource")); },
-                     [&] { to.set("EventId", from.value("EventId")); }, [&] { to.update(); },
-                     [&] { from.moveNext(); }});
+        copied = frame.steps({[&] { to.addNew(); }, [&] { to.set("EventSource", from.value("EventSource")); },
+                              [&] { to.set("EventId", from.value("EventId")); }, [&] { to.update(); },
+                              [&] { from.moveNext(); }}) &&
+                 copied;
     }
     frame.steps({[&] { from.close(); }, [&] { to.close(); }});
+    return copied;
 }
 
 }  // namespace
@@ -113,7 +145,8 @@ bool copyDatabase(const std::string& fileName) {
         const std::string folder = absolute(path);
         gLog().log("Copying " + folder + databaseName + " to " + folder + "/" + fileName, core::logInfo,
                    frame.tag());
-        // Through the engine, so that the copy is whole while the service writes.
+        // Through the engine, so that the copy is whole while the service writes. A failure other than a
+        // refusal is in the log, and the result is still true; it stays so.
         frame.step([&] { platform::backupDatabase(path + databaseName, path + "/" + fileName); });
     });
 }
@@ -122,19 +155,25 @@ bool upgradeDatabase() {
     return core::procedure(module, "upgradeDatabase", false, [&](Frame& frame, bool&) {
         Catalog catalog(core::gDatabase);
         long columns = 0;
-        frame.step([&] { columns = catalog.columnCount("Exclusions"); });
+        frame.step([&] {
+            finishUpgrade(catalog, frame.tag());
+            columns = catalog.columnCount(exclusions);
+        });
         if (columns != oldColumnCount) {
             gLog().log("Exclusions table upgrade is not necessary", core::logInfo, frame.tag());
             return;
         }
         gLog().log("Upgrading Exclusions table", core::logInfo, frame.tag());
         copyDatabase("QLNDB_PRE_EXCLUSIONS_UPGRADE.MDB");
-        // Without the new table there is nowhere to put the rows: the old one must not go then.
-        if (!frame.step([&] { catalog.appendTable(newExclusions()); }))
+        // As long as a row is not in the new table, the old one must not go; the next start tries again.
+        const bool created = frame.step([&] {
+            dropPartialTable(catalog, frame.tag());
+            catalog.appendTable(newExclusions());
+        });
+        if (!created || !copyExclusions(frame))
             return;
-        copyExclusions(frame);
-        frame.steps({[&] { catalog.deleteTable("Exclusions"); },
-                     [&] { catalog.renameTable("ExclusionsNew", "Exclusions"); }});
+        frame.steps({[&] { catalog.deleteTable(exclusions); },
+                     [&] { catalog.renameTable(exclusionsNew, exclusions); }});
     });
 }
 

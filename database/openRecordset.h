@@ -1,6 +1,8 @@
 // How the stores open recordsets: the access modes that the shared file requires.
 #pragma once
 
+#include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "core/procedure.h"
@@ -18,11 +20,20 @@ inline platform::Recordset openForReading(std::string_view source,
     return rows;
 }
 
-// Adds rows, and changes settings.
-inline platform::Recordset openForWriting(std::string_view source) {
+// Adds and changes rows.
+inline platform::Recordset openForWriting(std::string_view source,
+                                          platform::CursorType cursor = platform::CursorType::keyset) {
     platform::Recordset rows;
-    rows.open(source, core::gDatabase, platform::CursorType::keyset, platform::LockType::optimistic,
+    rows.open(source, core::gDatabase, cursor, platform::LockType::optimistic,
               platform::CursorLocation::client);
+    return rows;
+}
+
+// Collects changes that one updateBatch applies, all or none.
+inline platform::Recordset openForBatch(std::string_view source) {
+    platform::Recordset rows;
+    rows.open(source, core::gDatabase, platform::CursorType::staticCursor,
+              platform::LockType::batchOptimistic, platform::CursorLocation::client);
     return rows;
 }
 
@@ -32,6 +43,18 @@ inline platform::Recordset openForEditing(std::string_view source) {
     rows.open(source, core::gDatabase, platform::CursorType::keyset, platform::LockType::pessimistic,
               platform::CursorLocation::client);
     return rows;
+}
+
+// Deletes the rows of one key.
+inline void deleteRows(std::string_view table, std::string_view keyColumn, long key) {
+    platform::execute("DELETE FROM " + std::string(table) + " WHERE " + std::string(keyColumn) + " = " +
+                          std::to_string(key),
+                      core::gDatabase);
+}
+
+// A boolean as the database stores it.
+inline platform::Value boolean(bool value) {
+    return std::int64_t{value ? -1 : 0};
 }
 
 // The framed operation that only opens a recordset for its caller; closed when that failed.

@@ -1,28 +1,133 @@
 #include "database/recipients.h"
 
+#include "core/classLog.h"
+#include "core/modLocalize.h"
 #include "core/procedure.h"
+#include "database/confirmation.h"
+#include "database/devices.h"
 #include "database/openRecordset.h"
+#include "database/settings.h"
 
 using core::Frame;
+using modLocalize::myLoadResString;
+using platform::ObjectState;
 using platform::Recordset;
 
 namespace mdlDatabase {
 
 namespace {
+
 constexpr char module[] = "mdlDatabase";
+
+std::string recipientQuery(std::string_view columns, long recipientKey) {
+    return "SELECT " + std::string(columns) +
+           " FROM Recipients WHERE RecipientKey = " + std::to_string(recipientKey);
+}
+
+// The devices of a record, in the order in which they are created.
+std::vector<NewDevice> devicesOf(const RecipientRecord& record, long recipientKey) {
+    std::vector<NewDevice> devices;
+    const auto add = [&](bool wanted, DeviceType type, const std::string& address) {
+        if (wanted)
+            devices.push_back({type, address, recipientKey});
+    };
+    add(!record.voiceMailDirectoryId.empty(), voiceMail, record.voiceMailDirectoryId);
+    add(!record.emailDirectoryId.empty(), email, record.emailDirectoryId);
+    for (const AddressEntry& number : record.pagerNumbers)
+        add(true, pager, number.address);
+    for (const AddressEntry& address : record.smtpAddresses)
+        add(true, smtpAddress, address.address);
+    add(record.snmpTrapEnabled == 1, snmpTrap, snmpTrapAddress);
+    add(record.syslogEnabled == 1, syslog, record.syslogHostAddress);
+    add(record.failoverEnabled == 1, failover, failoverAddress);
+    return devices;
+}
+
+// Deletes every device of a recipient; one that fails does not keep the others.
+void deleteDevicesOf(Frame& frame, long recipientKey) {
+    Recordset links;
+    frame.step([&] {
+        links = openForReading("SELECT DeviceKey FROM DeviceRecipient WHERE RecipientKey = " +
+                               std::to_string(recipientKey));
+    });
+    while (links.state() == ObjectState::open && !links.EOF_())
+        frame.steps({[&] { deleteDevice(links.number("DeviceKey")); }, [&] { links.moveNext(); }});
+    frame.step([&] { links.close(); });
+}
+
+}  // namespace
+
+Recordset getRecipient(long recipientKey) {
+    return queryProcedure("getRecipient", recipientQuery("*", recipientKey));
 }
 
 Recordset getRecipients() {
     return queryProcedure("getRecipients", "SELECT * FROM Recipients ORDER BY RecipientName");
 }
 
+long countRecipients() {
+    return core::procedure(module, "countRecipients", 0L, [&](Frame& frame, long& count) {
+        Recordset rows;
+        frame.steps({[&] { rows = openForReading("SELECT RecipientKey FROM Recipients"); },
+                     [&] { count = rows.recordCount(); }, [&] { rows.close(); }});
+    });
+}
+
+long addNewRecipient(const RecipientRecord& record) {
+    return core::procedure(module, "addNewRecipient", 0L, [&](Frame& frame, long& result) {
+        Recordset recipients;
+        frame.steps({[&] { recipients = openForWriting("SELECT * FROM Recipients"); },
+                     [&] { recipients.addNew(); }, [&] { recipients.set("RecipientName", record.name); },
+                     [&] { recipients.set("RecipientActive", boolean(true)); }});
+        const bool written = frame.step([&] { recipients.update(); });
+        frame.step([&] { recipients.close(); });
+        // The highest key is this recipient's only if he was written.
+        if (written)
+            result = getLastKey("Recipients", "RecipientKey");
+        if (result == 0)
+            return;
+        Recordset devices;
+        frame.step([&] { devices = openForWriting("SELECT * FROM Device"); });
+        for (const NewDevice& device : devicesOf(record, result))
+            createDevice(frame, devices, device);
+        frame.step([&] { devices.close(); });
+    });
+}
+
+bool deleteRecipient(long recipientKey) {
+    return core::procedure(module, "deleteRecipient", false, [&](Frame& frame, bool& deleted) {
+        Recordset row = getRecipient(recipientKey);
+        std::string name;
+        frame.step([&] { name = row.text("RecipientName"); });
+        if (!confirmed(myLoadResString(1250) + name, myLoadResString(1251)))
+            return;
+        core::gLog().log("Deleting recipient: " + name + " Key: " + std::to_string(recipientKey),
+                         core::logVersionInfo, frame.tag());
+        frame.step([&] {
+            if (row.state() == ObjectState::open)
+                row.close();
+        });
+        // The recipient goes last: what a half done delete leaves still has its owner.
+        deleteDevicesOf(frame, recipientKey);
+        frame.step([&] { deleteRows("Recipients", "RecipientKey", recipientKey); });
+        deleted = true;
+    });
+}
+
+void setRecipientActiveState(long recipientKey, bool active) {
+    core::procedure(module, "setRecipientActiveState", [&](Frame& frame) {
+        Recordset row;
+        frame.steps(
+            {[&] { row = openForWriting(recipientQuery("RecipientKey, RecipientActive", recipientKey)); },
+             [&] { row.set("RecipientActive", boolean(active)); }, [&] { row.update(); },
+             [&] { row.close(); }});
+    });
+}
+
 bool isRecipientActive(long recipientKey) {
     return core::procedure(module, "isRecipientActive", false, [&](Frame& frame, bool& active) {
         Recordset row;
-        frame.steps({[&] {
-                         row = openForReading("SELECT RecipientActive FROM Recipients WHERE RecipientKey = " +
-                                              std::to_string(recipientKey));
-                     },
+        frame.steps({[&] { row = openForReading(recipientQuery("RecipientActive", recipientKey)); },
                      [&] {
                          if (row.EOF_())
                              throw rowNotFound("Recipient", "RecipientKey", recipientKey,

@@ -1,12 +1,30 @@
-// Recipients and their devices, as far as lists and states need them.
+// Recipients: a name with up to seven kinds of notification device. After a change here the caller rebuilds
+// the address details.
 #pragma once
 
+#include "database/recipientRecord.h"
 #include "platform/ado.h"
 
 namespace mdlDatabase {
 
-// All recipients by name; left open for the caller.
+// Recordsets are left open for the caller, who reads and closes them; one that failed to open is closed.
+platform::Recordset getRecipient(long recipientKey);
+// All recipients by name.
 platform::Recordset getRecipients();
+// 0 on failure.
+long countRecipients();
+
+// Creates an active recipient with the record's devices, on no event. The new key; 0 when his row could not
+// be written.
+long addNewRecipient(const RecipientRecord& record);
+// Makes the stored devices those of the record. A device that stays keeps its key, and with it its events.
+// Without such a recipient the log tells so and nothing is written.
+void modifyRecipient(long recipientKey, const RecipientRecord& record);
+// Asks first; true when deleted, with all his devices.
+bool deleteRecipient(long recipientKey);
+
+// His devices and their assignments stay as they are.
+void setRecipientActiveState(long recipientKey, bool active);
 // False, with a failure in the log, when there is no such recipient.
 bool isRecipientActive(long recipientKey);
 // True when a device of the recipient has no entry in the directory.

@@ -80,7 +80,7 @@ void setConfigurationSetting(std::string_view settingName, std::string_view valu
 DefaultContent getDefaultContent(long contentType) {
     return core::procedure(
         module, "getDefaultContent", DefaultContent(), [&](Frame&, DefaultContent& content) {
-            const auto orDefault = [](std::string setting, auto makeDefault) {
+            const auto orDefault = [](const std::string& setting, auto makeDefault) {
                 return setting.empty() ? std::string(makeDefault()) : setting;
             };
             if (contentType == 1) {

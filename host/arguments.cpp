@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 namespace qlnhost {
 
@@ -18,7 +19,7 @@ std::string Arguments::take(std::string_view what) {
 }
 
 std::string Arguments::takeOr(std::string otherwise) {
-    return words_.empty() ? otherwise : take("word");
+    return words_.empty() ? std::move(otherwise) : take("word");
 }
 
 bool Arguments::flag(std::string_view name) {

@@ -27,6 +27,7 @@ int createCommand(Arguments& arguments) {
     if (layout != "tables" && layout != "views")
         throw UsageError("--layout is tables or views, not '" + layout + "'");
     options.layout = layout == "views" ? host::DirectoryLayout::views : host::DirectoryLayout::tables;
+    options.serviceInstalled = !arguments.flag("--fresh");
     options.snmpAgent = arguments.flag("--snmp");
     options.failoverPrimary = arguments.flag("--failover");
     options.subscribers = static_cast<unsigned>(

@@ -41,7 +41,8 @@ void createHost(const fs::path& folder, const HostOptions& options) {
         ensureFolder(part);
     if (!options.kit.empty()) {
         installKit(options.kit, root);
-        installService(root / "Service");
+        if (options.serviceInstalled)
+            installService(root / "Service");
     }
     createTemplateDatabase(root / "Database" / "QLNDB_FRESH.MDB");
     platform::files::writeFile(root / "Database" / "QLN_Default_ENU.wav", defaultVoiceFile());

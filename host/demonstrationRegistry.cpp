@@ -6,6 +6,7 @@
 
 #include "host/demonstration.h"
 #include "platform/registry.h"
+#include "platform/serviceManager.h"
 
 namespace host {
 
@@ -82,9 +83,14 @@ void addService(std::string_view name, const std::string& program) {
     constexpr std::uint32_t ownProcess = 16;
     const std::string path = services + std::string(name);
     setValue(path, "ImagePath", "\"" + program + "\"");
-    setValue(path, "ObjectName", std::string(demonstrationAccount));
-    setValue(path, "Start", startAutomatically);
     setValue(path, "Type", ownProcess);
+    const platform::ServiceManager manager(platform::managerExecute);
+    platform::Service service(manager, name, platform::serviceChangeConfig);
+    platform::ServiceConfiguration configuration;
+    configuration.startType = startAutomatically;
+    configuration.account = demonstrationAccount;
+    configuration.password = demonstrationPassword;
+    service.changeConfiguration(configuration);
 }
 
 }  // namespace
@@ -102,7 +108,6 @@ void fillDemonstrationRegistry(const std::filesystem::path& root, const HostOpti
                  std::string("SOFTWARE\\Tessaly\\SnmpAgent"));
 
     addService("TsHubMgr", below("Corvane/TsHubMgr.exe"));
-    addService("HbQlnSvc", below("Service/HbQlnSvc.exe"));
     for (const std::string_view source : applicationSources)
         // One source has categories but no messages of its own, as some have.
         addSource("Application", source, below("Corvane/messages.dll"), source == "PerfCounters");
@@ -111,6 +116,9 @@ void fillDemonstrationRegistry(const std::filesystem::path& root, const HostOpti
     for (const std::string_view source : silentSources)
         setValue(std::string(services) + "EventLog\\Application\\" + std::string(source), "TypesSupported",
                  7u);
+    if (!options.serviceInstalled)
+        return;
+    addService("HbQlnSvc", below("Service/HbQlnSvc.exe"));
     addOwnSource("MeridaneCorvane_HbQlnSvc", below("Service/MeridaneCorvane_HbQlnSvc.dll"));
     addOwnSource("QLNTest", below("QLNAdmin/QLNTest_MC.DLL"));
 }

@@ -25,7 +25,10 @@ constexpr char tableLayout[] =
     "CREATE TABLE CallHandler(CallHandlerObjectId TEXT PRIMARY KEY, DisplayName TEXT COLLATE NOCASE,"
     " DtmfAccessId TEXT);"
     "CREATE TABLE DistributionList(SystemDListObjectId TEXT, Alias TEXT COLLATE NOCASE PRIMARY KEY,"
-    " DisplayName TEXT COLLATE NOCASE, DtmfAccessId TEXT, DirectoryId TEXT COLLATE NOCASE);";
+    " DisplayName TEXT COLLATE NOCASE, DtmfAccessId TEXT, DirectoryId TEXT COLLATE NOCASE);"
+    // All that a search for everybody reads, in the order that it shows.
+    "CREATE INDEX SubscriberSearch ON Subscriber(Alias, DisplayName, FirstName, LastName, DirectoryId,"
+    " SubscriberObjectId, SubscriberType, CallHandlerObjectId);";
 
 // The newer layout: the tables have other names and are read through views; GlobalSubscriber has lost its
 // access id, by which the layouts are told apart.
@@ -39,6 +42,8 @@ constexpr char viewLayout[] =
     " DtmfAccessId TEXT);"
     "CREATE TABLE tbl_DistributionList(SystemDListObjectId TEXT, Alias TEXT COLLATE NOCASE PRIMARY KEY,"
     " DisplayName TEXT COLLATE NOCASE, DtmfAccessId TEXT, DirectoryId TEXT COLLATE NOCASE);"
+    "CREATE INDEX SubscriberSearch ON tbl_Subscriber(Alias, DisplayName, FirstName, LastName, DirectoryId,"
+    " SubscriberObjectId, SubscriberType, CallHandlerObjectId);"
     "CREATE VIEW vw_Subscriber_Global AS SELECT Alias, DisplayName, DirectoryId FROM GlobalSubscriber;"
     "CREATE VIEW vw_Subscriber AS SELECT * FROM tbl_Subscriber;"
     "CREATE VIEW vw_CallHandler AS SELECT * FROM tbl_CallHandler;"

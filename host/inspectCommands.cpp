@@ -74,10 +74,24 @@ int eventsCommand(Arguments& arguments) {
 }
 
 int servicesCommand(Arguments& arguments) {
+    const std::string verb = arguments.takeOr("list");
+    if (verb == "list") {
+        arguments.finish();
+        for (const std::string& name : platform::serviceNames())
+            std::printf("%-16s %s\n", name.c_str(), stateText(platform::queryServiceStatus(name).state));
+        return 0;
+    }
+    if (verb != "start" && verb != "stop")
+        throw UsageError("services knows list, start and stop, not '" + verb + "'");
+    const std::string name = arguments.take("NAME");
     arguments.finish();
-    for (const std::string& name : platform::serviceNames())
-        std::printf("%-16s %s\n", name.c_str(), stateText(platform::queryServiceStatus(name).state));
-    return 0;
+    platform::Service service(platform::ServiceManager(platform::managerExecute), name,
+                              platform::serviceStart | platform::serviceStop);
+    const std::uint32_t error =
+        verb == "start" ? service.start() : service.control(platform::ServiceControl::stop);
+    if (error != platform::noError)
+        std::fprintf(stderr, "qlnhost: the service manager refuses with error %u\n", error);
+    return error == platform::noError ? 0 : 1;
 }
 
 int accountsCommand(Arguments& arguments) {

@@ -25,6 +25,9 @@ void installKit(const fs::path& kit, const fs::path& root) {
             throw platform::makeFailure(platform::pathNotFound, (kit / part).string());
         ensureFolder(root / part);
         for (const auto& file : platform::files::listFiles(kit / part)) {
+            // A program that runs from the tree keeps its own file: the name gets a new one.
+            if (platform::files::fileExists(root / part / file.name))
+                platform::files::deleteFile(root / part / file.name, true);
             platform::files::copyFile(kit / part / file.name, root / part / file.name);
             // Only the owner's own programs are run from here.
             const bool program =

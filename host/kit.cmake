@@ -3,12 +3,13 @@ set(kit ${CMAKE_BINARY_DIR}/host/kit)
 add_custom_command(OUTPUT ${kit}/stamp
   COMMAND ${CMAKE_COMMAND} -E make_directory ${kit}/QLNAdmin ${kit}/Service
   COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:QLNAdmin> ${kit}/QLNAdmin/QLNAdmin
+  COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:EventVwr> $<TARGET_FILE:notepad> ${kit}/QLNAdmin
   COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:hbqlnsvc> ${kit}/Service/HbQlnSvc.ex_
   COMMAND ${CMAKE_COMMAND} -E copy ${resource_folder}/HbQlnSvcRes_ENU.dll ${kit}/Service/HbQlnSvcRes_ENU.dl_
   COMMAND ${CMAKE_COMMAND} -E copy ${resource_folder}/MeridaneCorvane_HbQlnSvc.dll ${kit}/Service
   COMMAND ${CMAKE_COMMAND} -E copy ${resource_folder}/QLNTest_MC.DLL ${kit}/QLNAdmin
-  COMMAND ${CMAKE_COMMAND} -E copy ${language_libraries} ${kit}/QLNAdmin
+  COMMAND ${CMAKE_COMMAND} -E copy ${language_libraries} ${help_files} ${kit}/QLNAdmin
   COMMAND ${CMAKE_COMMAND} -E touch ${kit}/stamp
-  DEPENDS QLNAdmin hbqlnsvc ${resource_libraries}
+  DEPENDS QLNAdmin EventVwr notepad hbqlnsvc ${resource_libraries} ${help_files}
   COMMENT "Laying out the kit")
 add_custom_target(kit ALL DEPENDS ${kit}/stamp)

@@ -18,7 +18,8 @@ struct HostOptions {
     DirectoryLayout layout = DirectoryLayout::tables;
     bool snmpAgent = false;
     bool failoverPrimary = false;
-    unsigned subscribers = 240;  // up to 1,000,000
+    bool serviceInstalled = true;  // and stopped; false as on a server before the console's first run
+    unsigned subscribers = 240;    // up to 1,000,000
     unsigned distributionLists = 24;
     std::filesystem::path kit;  // folder with the program files, laid out as the tree is; empty for none
 };
@@ -28,7 +29,7 @@ inline constexpr std::string_view demonstrationAccount = "CORVANE01\\TsHubSvc";
 inline constexpr std::string_view demonstrationPassword = "harbour-7";
 
 // Makes a complete demonstration host below `folder`: Host/ (registry, accounts, directory, event logs,
-// menu) and the installation tree beside it, as on a server where the service is installed and stopped.
+// menu) and the installation tree beside it.
 // The present host becomes the new one. Raises platform::Failure, 58 for a folder that holds a host already.
 void createHost(const std::filesystem::path& folder, const HostOptions& options);
 

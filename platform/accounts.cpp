@@ -21,6 +21,8 @@ namespace platform {
 namespace {
 
 constexpr const char* hashMethod = "$y$";
+// A token is made of a hash, which is long and random: a cheap method is enough.
+constexpr const char* tokenMethod = "$5$";
 
 struct Account {
     std::string name;
@@ -113,10 +115,10 @@ std::string hashPassword(std::string_view password, const std::string& setting) 
     return hash && hash[0] != '*' ? std::string(hash) : std::string();
 }
 
-std::string newSetting() {
+std::string newSetting(const char* method = hashMethod) {
     std::array<char, CRYPT_GENSALT_OUTPUT_SIZE> setting{};
     // No bytes given: the salt comes from the system's random source.
-    if (!::crypt_gensalt_rn(hashMethod, 0, nullptr, 0, setting.data(), static_cast<int>(setting.size())))
+    if (!::crypt_gensalt_rn(method, 0, nullptr, 0, setting.data(), static_cast<int>(setting.size())))
         throw makeFailure(pathFileAccessError, "no salt");
     return setting.data();
 }
@@ -168,6 +170,21 @@ bool verifyAccount(std::string_view name, std::string_view password) {
     // What cannot match is hashed all the same: the time must not tell whether there is such an account.
     const std::string hash = hashPassword(password, usable ? found->hash : newSetting());
     return usable && !hash.empty() && equalInConstantTime(hash, found->hash);
+}
+
+std::string accountToken(std::string_view name, std::string_view password) {
+    if (!verifyAccount(name, password))
+        return {};
+    auto accounts = readAccounts();
+    const auto found = findAccount(accounts, name);
+    return found != accounts.end() ? hashPassword(found->hash, newSetting(tokenMethod)) : std::string();
+}
+
+bool accountTokenHolds(std::string_view name, const std::string& token) {
+    auto accounts = readAccounts();
+    const auto found = findAccount(accounts, name);
+    return found != accounts.end() && token.starts_with(tokenMethod) &&
+           equalInConstantTime(hashPassword(found->hash, token), token);
 }
 
 bool deleteAccount(std::string_view name) {

@@ -14,6 +14,11 @@ bool accountExists(std::string_view name);
 void setAccountPassword(std::string_view name, std::string_view password);
 // False for an unknown account too.
 bool verifyAccount(std::string_view name, std::string_view password);
+// What a service keeps instead of a password: it says which hash the password matched, and is of no use for
+// finding either. Empty when the password is not the account's.
+std::string accountToken(std::string_view name, std::string_view password);
+// True while the account's hash is the one that the token was given for; a new password ends it.
+bool accountTokenHolds(std::string_view name, const std::string& token);
 // False when there was no such account.
 bool deleteAccount(std::string_view name);
 

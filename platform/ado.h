@@ -1,4 +1,5 @@
-// Connections and recordsets over SQLite, as small as what the stores ask of them.
+// Connections and recordsets over SQLite, and over a server that is only read, as small as what the stores
+// ask of them.
 //
 // Dialect, applied to every statement: a table name that begins with a digit is quoted; a #date# literal
 // becomes the stored form. Nothing else is changed. One statement per call, always: a second statement in
@@ -19,10 +20,6 @@ struct sqlite3;
 
 namespace platform {
 
-namespace ado {
-class StatementCache;
-}
-
 enum class ObjectState { closed = 0, open = 1 };
 enum class CursorType { forwardOnly, keyset, dynamic, staticCursor };
 enum class LockType { readOnly, pessimistic, optimistic, batchOptimistic };
@@ -33,6 +30,12 @@ struct Null {
 };
 // A field's value. Booleans are the integers -1 and 0, dates are texts in stored form.
 using Value = std::variant<Null, std::int64_t, double, std::string>;
+
+namespace ado {
+class OdbcServer;
+class RowSource;
+class StatementCache;
+}  // namespace ado
 
 // A value as text, as people read it: nothing for Null, integers and reals in decimal.
 std::string valueText(const Value& value);
@@ -45,25 +48,31 @@ class Connection {
     Connection& operator=(const Connection&) = delete;
 
     // "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=FILE" opens that file for reading and writing (read-only
-    // where its attribute says so); "...;Initial Catalog=CorvaneDb" opens the host's directory read-only.
-    // Never creates a file. Raises 3705 when open already, -2147467259 with the engine's text and the file's
-    // name when the file is missing, no database, or cannot be opened; the same failure is in errors().
+    // where its attribute or "Mode=Read" says so); "...;Initial Catalog=CorvaneDb" opens the host's directory
+    // read-only: the ODBC data source that the registry names (value "DataSource" of the key
+    // "SOFTWARE\\Tessaly\\CorvaneDb"), or else the directory's file in the host. Never creates a file. Raises
+    // 3705 when open already, -2147467259 with the engine's text and the file's or data source's name when
+    // that is missing, no database, or cannot be opened; the same failure is in errors().
     void open(const std::string& connectionString);
     void close() noexcept;
-    ObjectState state() const noexcept { return handle_ ? ObjectState::open : ObjectState::closed; }
+    ObjectState state() const noexcept {
+        return handle_ || server_ ? ObjectState::open : ObjectState::closed;
+    }
     const std::vector<Failure>& errors() const noexcept { return errors_; }
 
-    // For this layer: the engine's handle (raises 3709 when closed), the statements kept prepared (none when
-    // closed), the file's name for messages, and whether failures are numbered as the directory provider
-    // does.
+    // For this layer: the engine's handle (raises 3709 when closed, 3251 on a server, which is only read),
+    // the server that a directory is on, the file's name for messages, whether failures are numbered as the
+    // directory provider does, and the statements that are kept for their next use.
     sqlite3* handle() const;
-    const std::shared_ptr<ado::StatementCache>& statements() const noexcept { return statements_; }
+    const std::shared_ptr<ado::OdbcServer>& server() const noexcept { return server_; }
     const std::string& fileName() const noexcept { return fileName_; }
     bool isDirectory() const noexcept { return directory_; }
+    const std::shared_ptr<ado::StatementCache>& statements() const noexcept { return statements_; }
 
   private:
     sqlite3* handle_ = nullptr;
     std::shared_ptr<ado::StatementCache> statements_;
+    std::shared_ptr<ado::OdbcServer> server_;
     std::string fileName_;
     bool directory_ = false;
     std::vector<Failure> errors_;
@@ -85,8 +94,9 @@ class Recordset {
     // Runs `source`, a SELECT, or a statement without rows, which runs here and leaves the recordset
     // closed. A writable recordset needs a SELECT of one table's columns; any other SELECT opens read-only.
     // Client, static and keyset cursors read all rows now, writable ones on a large result when a row is
-    // first asked for; a forward-only, read-only one on the server steps the statement in blocks. Raises 3705
-    // when open, 3709 on a closed connection, and the numbers of failure.h for a statement that fails.
+    // first asked for (a row that find finds by its key from the first row on is read alone); a forward-only,
+    // read-only one on the server steps the statement in blocks. Raises 3705 when open, 3709 on a closed
+    // connection, and the numbers of failure.h for a statement that fails.
     void open(std::string_view source, Connection& connection, CursorType cursor = CursorType::forwardOnly,
               LockType lock = LockType::readOnly, CursorLocation location = CursorLocation::server);
     // Raises 3704 when closed already. Drops what a batch collected.
@@ -175,9 +185,9 @@ class Catalog {
 };
 
 // Copies a database file through the engine, whole even while others write it: into a file beside the
-// target, synced, renamed over it. Raises 53 for a missing source, 70 for a target (or folder) that may not
-// be written, -2147467259 when the source is no database or stays locked past five seconds. A failure
-// leaves an old target as it was.
+// target, synced, renamed over it. Raises 53 for a missing source, 76 for a missing folder, 70 for a target
+// (or folder) that may not be written, -2147467259 when the source is no database, is damaged or stays locked
+// past five seconds. A failure leaves an old target as it was.
 void backupDatabase(const std::string& source, const std::string& target);
 
 }  // namespace platform

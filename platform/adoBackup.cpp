@@ -105,8 +105,21 @@ struct BackupFinish {
     void operator()(sqlite3_backup* backup) const noexcept { sqlite3_backup_finish(backup); }
 };
 
+// Pages are copied as they are, so a damaged source gives a damaged copy. What the check says about pages
+// begins with stars; what it may say about rows is no damage.
+void requireUndamaged(const ado::Engine& copy, const std::string& source) {
+    bool damaged = false;
+    const auto look = [](void* result, int, char** values, char**) {
+        *static_cast<bool*>(result) = values[0] && std::string_view(values[0]).starts_with("***");
+        return 0;
+    };
+    const int code = sqlite3_exec(copy.get(), "PRAGMA quick_check(1)", look, &damaged, nullptr);
+    if (damaged || (code & 0xff) == SQLITE_CORRUPT || (code & 0xff) == SQLITE_NOTADB)
+        raise(nullptr, SQLITE_CORRUPT, source);
+}
+
 void copyPages(const std::string& source, const std::string& copy) {
-    const ado::Engine from = ado::openEngine(source, false);
+    const ado::Engine from = ado::openDatabase(source, false);
     const ado::Engine into = ado::openEngine(copy, false);
     // Nobody else reads the copy, and a broken one is thrown away: it needs neither journal nor syncs.
     runOn(into.get(), "PRAGMA journal_mode = MEMORY", copy);
@@ -125,13 +138,16 @@ void copyPages(const std::string& source, const std::string& copy) {
         raise(nullptr, finished, copy);
     // The source may have been left in the engine's other journal mode; a copy of one file must not be.
     runOn(into.get(), "PRAGMA journal_mode = DELETE", copy);
+    requireUndamaged(into, source);
 }
 
 }  // namespace
 
 void backupDatabase(const std::string& source, const std::string& target) {
     const auto sourceStatus = statusOf(source);
-    if (!sourceStatus || !S_ISREG(sourceStatus->st_mode))
+    if (!sourceStatus)
+        throw failureFromErrno(ENOENT, source);
+    if (!S_ISREG(sourceStatus->st_mode))
         throw makeFailure(fileNotFound, source);
     const auto targetStatus = statusOf(target);
     if (targetStatus && (isSameFile(*sourceStatus, *targetStatus) || !(targetStatus->st_mode & S_IWUSR)))

@@ -2,26 +2,44 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include "platform/ado.h"
 #include "platform/adoDialect.h"
+#include "platform/adoOdbc.h"
 #include "platform/adoStatement.h"
-#include "platform/adoStatementCache.h"
 #include "platform/host.h"
+#include "platform/registry.h"
 
 namespace platform {
 
 namespace {
 
-constexpr int busyTimeoutMilliseconds = 5000;
+constexpr std::chrono::seconds busyTimeout{5};
 constexpr char engineName[] = "SQLite";
+constexpr char directoryKey[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessaly\\CorvaneDb";
 
 bool writeProtected(const std::string& file) {
     struct stat status {};
     return ::stat(file.c_str(), &status) == 0 && (status.st_mode & S_IWUSR) == 0;
+}
+
+// Asks for a lock again every fifth of a millisecond until the timeout. The engine's own handler soon asks
+// only every tenth of a second, and then misses each of the short moments that a service which writes without
+// a pause leaves free. `asked` counts the calls for one lock.
+int waitForLock(void*, int asked) {
+    using Clock = std::chrono::steady_clock;
+    thread_local Clock::time_point begin;
+    if (asked == 0)
+        begin = Clock::now();
+    if (Clock::now() - begin >= busyTimeout)
+        return 0;
+    std::this_thread::sleep_for(std::chrono::microseconds(200));
+    return 1;
 }
 
 bool concernsTheFile(int primaryCode) {
@@ -102,6 +120,7 @@ void switchSetting(sqlite3* handle, int setting, int value, const std::string& f
 struct Target {
     std::string dataSource;
     std::string catalog;
+    bool readOnly = false;
 };
 
 Target parseConnectionString(std::string_view text) {
@@ -122,6 +141,8 @@ Target parseConnectionString(std::string_view text) {
             target.dataSource = value;
         else if (key == "initial catalog")
             target.catalog = value;
+        else if (key == "mode")
+            target.readOnly = ado::lowerCase(value) == "read";
     }
     // A catalog wins: for the directory's provider the data source would name a server.
     if (!target.catalog.empty())
@@ -134,11 +155,17 @@ Target parseConnectionString(std::string_view text) {
     return target;
 }
 
-std::string directoryFile(const std::string& catalog) {
-    // The embedded directory is one database of one name.
+// The data source that the host names for its directory; empty for the embedded one.
+std::string directoryDataSource() {
+    const auto value = registry().value(directoryKey, "DataSource");
+    const std::string* name = value ? std::get_if<std::string>(&*value) : nullptr;
+    return name ? *name : std::string();
+}
+
+// The host has one directory of one name.
+void requireDirectory(const std::string& catalog) {
     if (!ado::equalsIgnoringCase(catalog, "CorvaneDb"))
         throw describe(SQLITE_CANTOPEN, engineText(nullptr, SQLITE_CANTOPEN), catalog, true, {});
-    return host::directoryDatabase().string();
 }
 
 }  // namespace
@@ -163,7 +190,7 @@ Engine openEngine(const std::string& file, bool readOnly) {
     if (code != SQLITE_OK)
         throw describe(code, sqlite3_errstr(code), file, false, {});
     sqlite3_extended_result_codes(opened, 1);
-    sqlite3_busy_timeout(opened, busyTimeoutMilliseconds);
+    sqlite3_busy_handler(opened, waitForLock, nullptr);
     sqlite3_limit(opened, SQLITE_LIMIT_ATTACHED, 0);
     switchSetting(opened, SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0, file);
     switchSetting(opened, SQLITE_DBCONFIG_DEFENSIVE, 1, file);
@@ -176,6 +203,14 @@ Engine openEngine(const std::string& file, bool readOnly) {
     return engine;
 }
 
+Engine openDatabase(const std::string& file, bool readOnly) {
+    std::error_code ignored;
+    // The engine counts one byte as none.
+    if (std::filesystem::file_size(file, ignored) <= 1)
+        throw describe(SQLITE_NOTADB, sqlite3_errstr(SQLITE_NOTADB), file, false, {});
+    return openEngine(file, readOnly);
+}
+
 }  // namespace ado
 
 Connection::~Connection() {
@@ -183,18 +218,30 @@ Connection::~Connection() {
 }
 
 void Connection::open(const std::string& connectionString) {
-    if (handle_)
+    if (state() == ObjectState::open)
         throw makeFailure(objectOpen);
     errors_.clear();
     try {
         const Target target = parseConnectionString(connectionString);
         directory_ = !target.catalog.empty();
-        fileName_ = directory_ ? directoryFile(target.catalog) : target.dataSource;
-        ado::Engine engine = ado::openEngine(fileName_, directory_);
-        if (directory_)
+        fileName_ = target.dataSource;
+        if (directory_) {
+            requireDirectory(target.catalog);
+            if (const std::string dataSource = directoryDataSource(); !dataSource.empty()) {
+                fileName_ = dataSource;
+                server_ = ado::connectServer(dataSource);
+                return;
+            }
+            fileName_ = host::directoryDatabase().string();
+        }
+        ado::Engine engine = ado::openDatabase(fileName_, directory_ || target.readOnly);
+        if (directory_) {
             runSetting(engine.get(), "PRAGMA query_only = ON", fileName_);
-        else if (sqlite3_db_readonly(engine.get(), "main") == 0)
+            // Room for a large directory, which a search for everybody sorts as a whole.
+            runSetting(engine.get(), "PRAGMA cache_size = -32768", fileName_);
+        } else if (sqlite3_db_readonly(engine.get(), "main") == 0) {
             runSetting(engine.get(), "PRAGMA journal_mode = DELETE", fileName_);
+        }
         statements_ = std::make_shared<ado::StatementCache>();
         handle_ = engine.release();
     } catch (const Failure& failure) {
@@ -204,11 +251,16 @@ void Connection::open(const std::string& connectionString) {
 }
 
 void Connection::close() noexcept {
+    if (statements_)
+        statements_->close();
     statements_.reset();
     ado::EngineClose()(std::exchange(handle_, nullptr));
+    server_.reset();
 }
 
 sqlite3* Connection::handle() const {
+    if (server_)
+        throw makeFailure(updatingNotSupported);
     if (!handle_)
         throw makeFailure(connectionClosed);
     return handle_;
@@ -219,10 +271,20 @@ Failure engineFailure(const Connection& connection, int code, std::string_view s
                     connection.isDirectory(), statement);
 }
 
-void execute(std::string_view statement, Connection& connection) {
+std::unique_ptr<ado::RowSource> ado::openRows(const Connection& connection, std::string_view source) {
+    if (connection.server())
+        return openServerRows(connection.server(), source);
     connection.handle();
-    ado::Statement prepared = ado::prepareSource(connection, statement);
-    while (prepared.step()) {
+    auto statement = std::make_unique<Statement>(prepareSource(connection, source));
+    if (sqlite3_column_count(statement->get()) > 0)
+        return statement;
+    statement->step();
+    return nullptr;
+}
+
+void execute(std::string_view statement, Connection& connection) {
+    const std::unique_ptr<ado::RowSource> rows = ado::openRows(connection, statement);
+    while (rows && rows->step()) {
     }
 }
 

@@ -22,11 +22,16 @@ bool isDigit(char c) noexcept {
 bool isHexDigit(char c) noexcept {
     return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
-bool isLetter(char c) noexcept {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
+// Looked up, because every statement is read character by character before it runs.
+constexpr std::array<bool, 256> wordCharacters = [] {
+    std::array<bool, 256> table{};
+    for (std::size_t c = 0; c < table.size(); ++c)
+        table[c] = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' ||
+                   c == '$' || c >= 0x80;
+    return table;
+}();
 bool isWordCharacter(char c) noexcept {
-    return isLetter(c) || isDigit(c) || c == '_' || c == '$' || static_cast<unsigned char>(c) >= 0x80;
+    return wordCharacters[static_cast<unsigned char>(c)];
 }
 char lower(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -139,41 +144,6 @@ bool nothingToRun(std::string_view rest) {
     return true;
 }
 
-std::optional<NumberedForm> takeNumbersOut(std::string_view translated) {
-    constexpr std::size_t mostDigits = 18;  // what surely fits into 64 bits
-    NumberedForm form;
-    bool first = true;
-    bool inWhere = false;
-    bool compared = false;
-    Lexer lexer(translated);
-    for (Token token{}; lexer.next(token);) {
-        const bool isWord = token.kind == TokenKind::word;
-        const bool isParameter =
-            isWord && std::string_view("?:@$").find(token.text[0]) != std::string_view::npos;
-        const bool startsWrong =
-            first && token.kind != TokenKind::blank && !equalsIgnoringCase(token.text, "SELECT");
-        if (isParameter || startsWrong || (!inWhere && token.text == "*"))
-            return std::nullopt;
-        first = first && token.kind == TokenKind::blank;
-        inWhere = inWhere || (isWord && equalsIgnoringCase(token.text, "WHERE"));
-        const std::size_t end =
-            static_cast<std::size_t>(token.text.data() - translated.data()) + token.text.size();
-        const bool isWhole = isWord && token.text.size() <= mostDigits &&
-                             std::all_of(token.text.begin(), token.text.end(), isDigit) &&
-                             translated.substr(end, 1) != ".";
-        if (inWhere && compared && isWhole) {
-            form.numbers.push_back(0);
-            std::from_chars(token.text.data(), token.text.data() + token.text.size(), form.numbers.back());
-            form.text += '?';
-        } else {
-            form.text += token.text;
-        }
-        if (token.kind != TokenKind::blank)
-            compared = token.text == "=";
-    }
-    return form.numbers.empty() ? std::nullopt : std::optional(std::move(form));
-}
-
 std::string withRowId(std::string_view translated, std::string_view idColumn) {
     static constexpr std::array<std::string_view, 7> notOneRowEach{"DISTINCT", "GROUP",  "HAVING",   "JOIN",
                                                                    "UNION",    "EXCEPT", "INTERSECT"};
@@ -207,6 +177,38 @@ std::string withRowId(std::string_view translated, std::string_view idColumn) {
     return done ? result : std::string();
 }
 
+std::string withNumbersTaken(std::string_view translated, std::vector<std::int64_t>& numbers) {
+    constexpr std::size_t safeDigits = 18;
+    const char* const end = translated.data() + translated.size();
+    const auto isWhole = [&](const Token& token) {
+        const char* const after = token.text.data() + token.text.size();
+        return token.kind == TokenKind::word && token.text.size() <= safeDigits &&
+               std::all_of(token.text.begin(), token.text.end(), isDigit) && (after == end || *after != '.');
+    };
+    std::string result;
+    result.reserve(translated.size());
+    const char* copied = translated.data();
+    bool compared = false;
+    Lexer lexer(translated);
+    for (Token token{}; lexer.next(token);) {
+        const char first = token.text[0];
+        if (token.kind == TokenKind::word && (first == '?' || first == ':' || first == '@' || first == '$')) {
+            numbers.clear();
+            return std::string(translated);
+        }
+        if (compared && isWhole(token)) {
+            std::int64_t number = 0;
+            std::from_chars(token.text.data(), token.text.data() + token.text.size(), number);
+            numbers.push_back(number);
+            result.append(copied, token.text.data()).append(1, '?');
+            copied = token.text.data() + token.text.size();
+        }
+        if (token.kind != TokenKind::blank)
+            compared = token.text == "=" || token.text == ">";
+    }
+    return result.append(copied, end);
+}
+
 }  // namespace ado
 
 namespace {
@@ -229,6 +231,11 @@ std::string translateStatement(std::string_view statement) {
         refuse("zero character in the statement", statement.substr(0, statement.find('\0')));
     std::string result;
     result.reserve(statement.size() + 16);
+    const char* copied = statement.data();
+    const auto replace = [&](std::string_view token, const std::string& by) {
+        result.append(copied, token.data()).append(by);
+        copied = token.data() + token.size();
+    };
     ado::Lexer lexer(statement);
     bool ended = false;
     for (ado::Token token{}; lexer.next(token);) {
@@ -237,14 +244,12 @@ std::string translateStatement(std::string_view statement) {
             refuse("more than one statement", statement);
         ended = ended || token.text == ";";
         if (token.kind == ado::TokenKind::date)
-            result += dateLiteral(token.text, statement);
+            replace(token.text, dateLiteral(token.text, statement));
         else if (token.kind == ado::TokenKind::word && ado::isDigit(token.text[0]) &&
                  !ado::isNumber(token.text))
-            result += ado::quotedName(token.text);
-        else
-            result += token.text;
+            replace(token.text, ado::quotedName(token.text));
     }
-    return result;
+    return result.append(copied, statement.data() + statement.size());
 }
 
 }  // namespace platform

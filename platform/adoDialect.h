@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,21 +38,15 @@ std::string_view trimmed(std::string_view text) noexcept;
 // A name between double quotes.
 std::string quotedName(std::string_view name);
 
-// A statement whose numbers were taken out, so that it is the same text for each of them.
-struct NumberedForm {
-    std::string text;
-    std::vector<std::int64_t> numbers;  // of its parameters, in their order
-};
-// Takes out each whole number that is compared with "=" in the WHERE clause of a translated SELECT. Nothing
-// for other statements, for one with parameters of its own, and for one that asks for all columns with "*":
-// only columns asked for by name stay what they are when somebody changes the table.
-std::optional<NumberedForm> takeNumbersOut(std::string_view translated);
-
 // True when nothing but blanks, comments and semicolons is left.
 bool nothingToRun(std::string_view rest);
 
 // A translated SELECT with the row id as a last column named `idColumn`; empty for statements whose
 // rows are not rows of one table (DISTINCT, GROUP BY, joins, compounds).
 std::string withRowId(std::string_view translated, std::string_view idColumn);
+
+// The statement with every whole number that stands right behind "=" or ">" replaced by a parameter, and the
+// numbers in their order. A statement with parameters of its own stays as it is.
+std::string withNumbersTaken(std::string_view translated, std::vector<std::int64_t>& numbers);
 
 }  // namespace platform::ado

@@ -129,6 +129,7 @@ void Recordset::Impl::updateAdded() {
     }
     rows.push_back(row);
     position = rows.size() - 1;
+    sought.reset();
     unplaced = false;
 }
 
@@ -155,6 +156,8 @@ void Recordset::Impl::updatePresent() {
 }
 
 void Recordset::Impl::removePresent() {
+    if (sought)
+        load();
     Row& row = present();
     if (!batch) {
         removeRow(*row.id);

@@ -84,6 +84,11 @@ void Recordset::Impl::find(const Criterion& criterion, std::size_t from) {
 void Recordset::find(std::string_view criterion, long skip) {
     if (!impl_)
         throw makeFailure(objectClosed);
+    if (skip == 0 && impl_->unplaced) {
+        impl_->dropEdits();
+        if (impl_->seek(impl_->parseCriterion(criterion)))
+            return;
+    }
     impl_->ensureLoaded();
     if (impl_->atEnd())
         throw makeFailure(noCurrentRecord);

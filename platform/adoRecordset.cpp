@@ -44,12 +44,11 @@ auto& opened(const ImplPointer& impl) {
 
 }  // namespace
 
-Recordset::Impl::Impl(std::string_view statement, Connection& owner, ado::Statement prepared)
-    : connection(owner), engine(owner.handle()), source(statement), select(std::move(prepared)) {
-    const int count = sqlite3_column_count(select.get());
-    for (int i = 0; i < count; ++i) {
+Recordset::Impl::Impl(std::string_view statement, Connection& owner, std::unique_ptr<ado::RowSource> opened)
+    : connection(owner), source(statement), select(std::move(opened)) {
+    for (std::string& name : select->fieldNames()) {
         ado::Field field;
-        field.name = sqlite3_column_name(select.get(), i);
+        field.name = std::move(name);
         fields.push_back(std::move(field));
     }
     indexes.resize(fields.size());
@@ -65,8 +64,9 @@ void Recordset::Impl::makeWritable() {
     try {
         withId = ado::Statement(connection, text, source);
     } catch (const Failure&) {
-        return;  // a view or a join has no row id
+        return;  // a view or a join has no row id, and a server is only read
     }
+    sqlite3* const handle = connection.handle();
     sqlite3_stmt* statement = withId.get();
     const int count = sqlite3_column_count(statement);
     const char* owner = sqlite3_column_table_name(statement, count - 1);
@@ -82,15 +82,16 @@ void Recordset::Impl::makeWritable() {
         field.column = columnName;
         const char* type = nullptr;
         int autoIncrement = 0;
-        if (sqlite3_table_column_metadata(engine, "main", owner, columnName, &type, nullptr, nullptr, nullptr,
+        if (sqlite3_table_column_metadata(handle, "main", owner, columnName, &type, nullptr, nullptr, nullptr,
                                           &autoIncrement) != SQLITE_OK)
             return;
         field.autoIncrement = autoIncrement != 0;
         ado::setKind(field, type ? type : "");
     }
+    engine = handle;
     table = owner;
     fields = std::move(described);
-    select = std::move(withId);
+    select = std::make_unique<ado::Statement>(std::move(withId));
     writable = true;
 }
 
@@ -101,7 +102,7 @@ void Recordset::Impl::readAtOpen() {
     }
     readRows(writable ? rowsReadAtOnce : everything);
     if (!complete) {
-        select.reset();
+        select->reset();
         dropRows();
         unplaced = true;
     }
@@ -128,19 +129,35 @@ void Recordset::Impl::dropRows() noexcept {
 
 // Appends up to `limit` rows of the statement.
 void Recordset::Impl::readRows(std::size_t limit) {
-    const int idIndex = sqlite3_column_count(select.get()) - 1;
+    const int idIndex = static_cast<int>(fields.size());
+    Value id;
     for (std::size_t count = 0; count < limit; ++count) {
-        if (!select.step()) {
+        const bool found = select->step();
+        if (columnsChanged())
+            throw Failure(providerError, "columns have changed since [" + source + "] was opened", "SQLite");
+        if (!found) {
             complete = true;
             return;
         }
         Row row = newRow();
         for (std::size_t i = 0; i < fields.size(); ++i)
-            select.column(static_cast<int>(i), row.values[i]);
-        if (writable)
-            row.id = sqlite3_column_int64(select.get(), idIndex);
+            select->column(static_cast<int>(i), row.values[i]);
+        if (writable) {
+            select->column(idIndex, id);
+            row.id = std::get<std::int64_t>(id);
+        }
         rows.push_back(row);
     }
+}
+
+// True when a statement that was prepared earlier turned out to have other columns by now.
+bool Recordset::Impl::columnsChanged() const {
+    if (!select->preparedAnew())
+        return false;
+    const std::vector<std::string> names = select->fieldNames();
+    return names.size() != fields.size() + (writable ? 1 : 0) ||
+           !std::equal(fields.begin(), fields.end(), names.begin(),
+                       [](const ado::Field& field, const std::string& name) { return field.name == name; });
 }
 
 void Recordset::Impl::nextBlock() {
@@ -156,7 +173,7 @@ void Recordset::Impl::nextBlock() {
 }
 
 void Recordset::Impl::restart() {
-    select.reset();
+    select->reset();
     dropRows();
     base = position = 0;
     complete = false;
@@ -181,25 +198,67 @@ void Recordset::Impl::load() {
     if (!addedIds.empty())
         std::erase_if(rows, [&](const Row& row) { return addedIds.contains(*row.id); });
     const std::size_t offset = rows.size();
-    position = unplaced ? 0 : position + offset;
+    if (sought)
+        position = static_cast<std::size_t>(
+            std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row.id == sought->id; }) -
+            rows.begin());
+    else
+        position = unplaced ? 0 : position + offset;
+    sought.reset();
     unplaced = false;
     for (Operation& operation : operations)
         operation.row += offset;
     rows.insert(rows.end(), std::make_move_iterator(added.begin()), std::make_move_iterator(added.end()));
 }
 
+// Finds the row of a key without loading them all. False when that cannot be or there is no such row.
+bool Recordset::Impl::seek(const Criterion& criterion) {
+    std::int64_t id = 0;
+    const char* const end = criterion.key.data() + criterion.key.size();
+    const auto read = std::from_chars(criterion.key.data(), end, id);
+    if (!unplaced || batch || !fields[criterion.field].autoIncrement || read.ec != std::errc() ||
+        read.ptr != end)
+        return false;
+    const auto added =
+        std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row.id == id && !row.deleted; });
+    if (added != rows.end()) {
+        position = static_cast<std::size_t>(added - rows.begin());
+        unplaced = false;
+        return true;
+    }
+    ado::Statement query(connection,
+                         "SELECT * FROM (" + ado::withRowId(translateStatement(source), idColumn) +
+                             ") WHERE " + ado::quotedName(idColumn) + " = ?",
+                         source);
+    query.bind(1, id);
+    if (!query.step() || query.preparedAnew())
+        return false;
+    soughtValues.resize(fields.size());
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        query.column(static_cast<int>(i), soughtValues[i]);
+    sought.emplace();
+    sought->values = soughtValues.data();
+    sought->id = id;
+    unplaced = false;
+    return true;
+}
+
 void Recordset::Impl::ensureLoaded() {
-    if (!complete && !streaming)
+    if (loadedLater())
         load();
 }
 
 bool Recordset::Impl::atEnd() {
+    if (sought)
+        return false;
     if (unplaced)
         load();
     return position - base >= rows.size();
 }
 
 Recordset::Impl::Row& Recordset::Impl::present() {
+    if (sought)
+        return *sought;
     if (atEnd() || rows[position - base].deleted)
         throw makeFailure(noCurrentRecord);
     return rows[position - base];
@@ -226,14 +285,21 @@ const Value& Recordset::Impl::stored(Row& row, std::size_t field) {
 
 const Value& Recordset::Impl::value(std::size_t field) {
     static const Value nothing = Null{};
-    if (!edits.empty() && edits[field])
-        return *edits[field];
+    if (!edits.empty()) {
+        if (const std::optional<Value>& edited = edits[field])
+            return *edited;
+    }
     return adding ? nothing : stored(present(), field);
 }
 
 void Recordset::Impl::moveFirst() {
     dropEdits();
-    ensureLoaded();
+    // Rows were there at open; which one is the first can wait until somebody asks for it.
+    if (loadedLater()) {
+        sought.reset();
+        unplaced = true;
+        return;
+    }
     if (base > 0)
         restart();
     position = 0;
@@ -258,17 +324,14 @@ Recordset::~Recordset() = default;
 Recordset::Recordset(Recordset&&) noexcept = default;
 Recordset& Recordset::operator=(Recordset&&) noexcept = default;
 
-void Recordset::open(std::string_view source, Connection& connection, CursorType cursor, LockType lock,
-                     CursorLocation location) {
-    if (impl_)
-        throw makeFailure(objectOpen);
-    connection.handle();
-    ado::Statement statement = ado::prepareSource(connection, source);
-    if (sqlite3_column_count(statement.get()) == 0) {
-        statement.step();
-        return;
-    }
-    auto impl = std::make_unique<Impl>(source, connection, std::move(statement));
+// Nothing for a statement without rows, which runs here.
+std::unique_ptr<Recordset::Impl> Recordset::Impl::prepare(std::string_view source, Connection& connection,
+                                                          CursorType cursor, LockType lock,
+                                                          CursorLocation location) {
+    std::unique_ptr<ado::RowSource> selected = ado::openRows(connection, source);
+    if (!selected)
+        return nullptr;
+    auto impl = std::make_unique<Impl>(source, connection, std::move(selected));
     // Pessimistic is optimistic here: nothing is held from set to update, because the service must not
     // wait for an administrator who looks at a row.
     if (lock != LockType::readOnly)
@@ -276,7 +339,27 @@ void Recordset::open(std::string_view source, Connection& connection, CursorType
     impl->batch = lock == LockType::batchOptimistic;
     impl->counted = cursor != CursorType::forwardOnly || location == CursorLocation::client;
     impl->streaming = !impl->counted && !impl->writable;
-    impl->readAtOpen();
+    return impl;
+}
+
+void Recordset::open(std::string_view source, Connection& connection, CursorType cursor, LockType lock,
+                     CursorLocation location) {
+    if (impl_)
+        throw makeFailure(objectOpen);
+    auto impl = Impl::prepare(source, connection, cursor, lock, location);
+    if (!impl)
+        return;
+    try {
+        impl->readAtOpen();
+    } catch (const Failure&) {
+        if (!impl->columnsChanged())
+            throw;
+        // What was prepared for another schema is of no use any more.
+        impl.reset();
+        connection.statements()->clear();
+        impl = Impl::prepare(source, connection, cursor, lock, location);
+        impl->readAtOpen();
+    }
     impl_ = std::move(impl);
 }
 

@@ -17,7 +17,7 @@ namespace platform {
 using Edits = std::vector<std::optional<Value>>;
 
 struct Recordset::Impl {
-    Impl(std::string_view statement, Connection& owner, ado::Statement prepared);
+    Impl(std::string_view statement, Connection& owner, std::unique_ptr<ado::RowSource> opened);
 
     struct Row {
         Value* values = nullptr;         // as many as fields, in one of the blocks of `cells`
@@ -40,6 +40,9 @@ struct Recordset::Impl {
     };
 
     // Reading
+    static std::unique_ptr<Impl> prepare(std::string_view source, Connection& connection, CursorType cursor,
+                                         LockType lock, CursorLocation location);
+    bool columnsChanged() const;
     void makeWritable();
     Row newRow();
     void dropRows() noexcept;
@@ -51,6 +54,7 @@ struct Recordset::Impl {
     void ensureLoaded();
     bool atEnd();
     Row& present();
+    bool loadedLater() const noexcept { return !complete && !streaming; }
     void skipDeleted() noexcept;
     std::size_t liveCount() const noexcept { return rows.size() - deletedCount; }
     std::size_t fieldIndex(std::string_view name) const;
@@ -61,6 +65,7 @@ struct Recordset::Impl {
 
     // Searching
     Criterion parseCriterion(std::string_view text) const;
+    bool seek(const Criterion& criterion);
     void find(const Criterion& criterion, std::size_t from);
     void findStreaming(const Criterion& criterion, std::size_t from);
     void dropIndexes();
@@ -79,9 +84,9 @@ struct Recordset::Impl {
     void refresh(Row& row);
 
     Connection& connection;
-    sqlite3* engine;  // the handle at open: a connection opened anew is another one
+    sqlite3* engine = nullptr;  // of a writable one, the handle at open: opened anew, it is another one
     std::string source;
-    ado::Statement select;
+    std::unique_ptr<ado::RowSource> select;
     std::vector<ado::Field> fields;
     std::string table;
     bool writable = false;
@@ -94,12 +99,14 @@ struct Recordset::Impl {
     std::vector<Row> rows;
     // The rows' values, in blocks: they stay where they are while rows are added, erased and moved.
     std::vector<std::unique_ptr<Value[]>> cells;
-    std::size_t block = 0;      // the one that is being filled
-    std::size_t blockRows = 0;  // that it holds
-    std::size_t base = 0;       // position of rows[0] in the result
-    std::size_t position = 0;   // of the present row in the result
-    bool complete = false;      // nothing is left to be read
-    bool unplaced = false;      // not loaded, and the present row is the first one, whichever that is
+    std::size_t block = 0;            // the one that is being filled
+    std::size_t blockRows = 0;        // that it holds
+    std::size_t base = 0;             // position of rows[0] in the result
+    std::size_t position = 0;         // of the present row in the result
+    bool complete = false;            // nothing is left to be read
+    bool unplaced = false;            // not loaded, and the present row is the first one, whichever that is
+    std::optional<Row> sought;        // not loaded, and this is the present row
+    std::vector<Value> soughtValues;  // of that row
     std::size_t deletedCount = 0;
 
     bool adding = false;

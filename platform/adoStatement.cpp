@@ -8,21 +8,121 @@
 
 namespace platform::ado {
 
+namespace {
+
+constexpr std::size_t keptStatements = 64;
+
+// Of these only the schema that they were prepared for can change what they do, and the engine looks at that.
+bool worthKeeping(std::string_view text) {
+    const std::string_view word = trimmed(text).substr(0, 6);
+    for (const std::string_view kind : {"SELECT", "INSERT", "UPDATE", "DELETE", "COMMIT"}) {
+        if (equalsIgnoringCase(word, kind))
+            return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+void Finalize::operator()(sqlite3_stmt* statement) const noexcept {
+    sqlite3_finalize(statement);
+}
+
+Handle StatementCache::take(const std::string& text) {
+    const auto found = statements_.find(text);
+    if (found == statements_.end())
+        return nullptr;
+    Handle statement = std::move(found->second);
+    statements_.erase(found);
+    sqlite3_stmt_status(statement.get(), SQLITE_STMTSTATUS_REPREPARE, 1);
+    return statement;
+}
+
+void StatementCache::giveBack(const std::string& text, Handle statement) {
+    sqlite3_reset(statement.get());
+    sqlite3_clear_bindings(statement.get());
+    if (closed_)
+        return;
+    // Those that are asked for again are soon back.
+    if (statements_.size() == keptStatements)
+        statements_.clear();
+    statements_.insert_or_assign(text, std::move(statement));
+}
+
+void StatementCache::clear() noexcept {
+    statements_.clear();
+}
+
+void StatementCache::close() noexcept {
+    closed_ = true;
+    clear();
+}
+
 Statement::Statement(const Connection& connection, std::string_view text, std::string_view source)
     : connection_(&connection), source_(source) {
-    sqlite3* handle = connection.handle();
+    connection.handle();
     if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
         throw engineFailure(connection, SQLITE_TOOBIG, {});
+    if (worthKeeping(text)) {
+        text_ = withNumbersTaken(text, numbers_);
+        cache_ = connection.statements();
+        if (const auto cache = cache_.lock())
+            statement_ = cache->take(text_);
+        if (!statement_)
+            prepare(text_);
+    } else {
+        prepare(text);
+    }
+    for (std::size_t i = 0; i < numbers_.size(); ++i)
+        check(sqlite3_bind_int64(statement_.get(), static_cast<int>(i) + 1, numbers_[i]));
+}
+
+Statement::~Statement() {
+    giveBack();
+}
+
+Statement& Statement::operator=(Statement&& other) noexcept {
+    if (this != &other) {
+        giveBack();
+        connection_ = other.connection_;
+        source_ = std::move(other.source_);
+        text_ = std::move(other.text_);
+        numbers_ = std::move(other.numbers_);
+        statement_ = std::move(other.statement_);
+        cache_ = std::move(other.cache_);
+    }
+    return *this;
+}
+
+void Statement::prepare(std::string_view text) {
     sqlite3_stmt* prepared = nullptr;
     const char* tail = nullptr;
-    const int code =
-        sqlite3_prepare_v3(handle, text.data(), static_cast<int>(text.size()), 0, &prepared, &tail);
+    const unsigned flags = text_.empty() ? 0 : SQLITE_PREPARE_PERSISTENT;
+    const int code = sqlite3_prepare_v3(connection_->handle(), text.data(), static_cast<int>(text.size()),
+                                        flags, &prepared, &tail);
     statement_.reset(prepared);
     check(code);
     if (!prepared)
         throw Failure(statementFailed, "no statement [" + source_ + "]", "SQLite");
     if (!nothingToRun(text.substr(static_cast<std::size_t>(tail - text.data()))))
         throw Failure(statementFailed, "more than one statement [" + source_ + "]", "SQLite");
+}
+
+void Statement::giveBack() noexcept {
+    if (!statement_)
+        return;
+    const auto cache = cache_.lock();
+    if (cache && !text_.empty())
+        cache->giveBack(text_, std::move(statement_));
+    statement_.reset();
+}
+
+int Statement::parameterCount() const noexcept {
+    return sqlite3_bind_parameter_count(statement_.get()) - static_cast<int>(numbers_.size());
+}
+
+bool Statement::preparedAnew() const noexcept {
+    return sqlite3_stmt_status(statement_.get(), SQLITE_STMTSTATUS_REPREPARE, 0) > 0;
 }
 
 void Statement::check(int code) const {
@@ -41,6 +141,14 @@ void Statement::bind(int parameter, const Value& value) {
                                   SQLITE_UTF8));
     else
         check(sqlite3_bind_null(statement, parameter));
+}
+
+std::vector<std::string> Statement::fieldNames() const {
+    std::vector<std::string> names;
+    const int count = sqlite3_column_count(statement_.get());
+    for (int i = 0; i < count; ++i)
+        names.emplace_back(sqlite3_column_name(statement_.get(), i));
+    return names;
 }
 
 bool Statement::step() {
@@ -86,26 +194,8 @@ void Statement::column(int index, Value& value) const {
 }
 
 Statement prepareSource(const Connection& connection, std::string_view source) {
-    connection.handle();  // raises where there is none, and with it no kept statement
-    const std::string translated = translateStatement(source);
-    if (const auto form = takeNumbersOut(translated)) {
-        Statement statement;
-        statement.connection_ = &connection;
-        statement.source_ = source;
-        sqlite3_stmt* prepared = connection.statements()->take(form->text);
-        if (!prepared)
-            sqlite3_prepare_v3(connection.handle(), form->text.c_str(), -1, SQLITE_PREPARE_PERSISTENT,
-                               &prepared, nullptr);
-        // Where this form cannot be prepared the caller's own text tells why.
-        if (prepared) {
-            statement.statement_ = OwnedStatement(prepared, {connection.statements(), form->text});
-            for (std::size_t i = 0; i < form->numbers.size(); ++i)
-                statement.bind(static_cast<int>(i) + 1, form->numbers[i]);
-            return statement;
-        }
-    }
-    Statement statement(connection, translated, source);
-    if (sqlite3_bind_parameter_count(statement.get()) > 0)
+    Statement statement(connection, translateStatement(source), source);
+    if (statement.parameterCount() > 0)
         throw Failure(connection.isDirectory() ? statementFailed : columnMissing,
                       "no value given for a parameter [" + std::string(source) + "]", "SQLite");
     return statement;

@@ -1,13 +1,15 @@
 // Owners of the engine's handles, for the sources of platform/ado.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
-#include "platform/ado.h"
-#include "platform/adoStatementCache.h"
+#include "platform/adoRows.h"
 
 struct sqlite3_stmt;
 
@@ -22,32 +24,68 @@ using Engine = std::unique_ptr<sqlite3, EngineClose>;
 // no database fails here. A file whose owner may not write it is opened read-only even where the system
 // would let this user write.
 Engine openEngine(const std::string& file, bool readOnly);
+// The same for a file that has to hold a database already. To the engine an empty file is a database
+// without tables; here it is none, so that it is not taken for one and not copied over a backup.
+Engine openDatabase(const std::string& file, bool readOnly);
 
-// A statement prepared on an open connection. `source` is the text that failures name.
-class Statement {
+struct Finalize {
+    void operator()(sqlite3_stmt* statement) const noexcept;
+};
+using Handle = std::unique_ptr<sqlite3_stmt, Finalize>;
+
+// Statements of one connection that nobody runs at the moment, by their text: most are asked for again, with
+// other numbers, and preparing one costs more than running it.
+class StatementCache {
+  public:
+    // Nothing when there is none of that text.
+    Handle take(const std::string& text);
+    // After the connection's end the statement just goes; with enough kept, the others go.
+    void giveBack(const std::string& text, Handle statement);
+    void clear() noexcept;
+    void close() noexcept;
+
+  private:
+    std::unordered_map<std::string, Handle> statements_;
+    bool closed_ = false;
+};
+
+// A statement prepared on an open connection, or taken from its cache. `source` is the text that failures
+// name. A number that is compared with is a parameter to the engine, so that statements that differ in
+// nothing else share one.
+class Statement : public RowSource {
   public:
     Statement() = default;
     // Raises -2147217900 when `text` holds no statement or more than one, and what the engine says.
     Statement(const Connection& connection, std::string_view text, std::string_view source);
+    ~Statement() override;
+    Statement(Statement&&) noexcept = default;
+    Statement& operator=(Statement&& other) noexcept;
 
     explicit operator bool() const noexcept { return statement_ != nullptr; }
     sqlite3_stmt* get() const noexcept { return statement_.get(); }
 
     // Parameters count from 1.
     void bind(int parameter, const Value& value);
-    // True with a row, false at the end. A failure resets the statement, so that it keeps no lock.
-    bool step();
-    void reset() noexcept;
-    // Puts the present row's column, counted from 0, into the value.
-    void column(int index, Value& value) const;
+    std::vector<std::string> fieldNames() const override;
+    // A failure resets the statement, so that it keeps no lock.
+    bool step() override;
+    void reset() noexcept override;
+    void column(int index, Value& value) const override;
+    bool preparedAnew() const noexcept override;
+    // Parameters of the text itself, for which values are to be given.
+    int parameterCount() const noexcept;
 
   private:
-    friend Statement prepareSource(const Connection& connection, std::string_view source);
+    void prepare(std::string_view text);
+    void giveBack() noexcept;
     void check(int code) const;
 
     const Connection* connection_ = nullptr;
     std::string source_;
-    OwnedStatement statement_;
+    std::string text_;  // empty for one that is not kept
+    std::vector<std::int64_t> numbers_;
+    Handle statement_;
+    std::weak_ptr<StatementCache> cache_;
 };
 
 // Prepares a caller's statement: translated, and without parameters, since nobody gives them values. A SELECT

@@ -14,10 +14,11 @@ namespace {
 class SystemClock : public Clock {
   public:
     std::chrono::system_clock::time_point now() override { return std::chrono::system_clock::now(); }
-    void sleep(std::chrono::milliseconds duration) override { std::this_thread::sleep_for(duration); }
+    void sleep(std::chrono::milliseconds duration) override { wait(duration); }
 };
 
 Clock* clockInUse = nullptr;
+Waiter waiterInUse;
 
 // A date that stands for "time alone": day 0 of the date type.
 constexpr LocalTime dayZero{1899, 12, 30, 0, 0, 0};
@@ -107,6 +108,17 @@ std::string formatted(const char* form, Arguments... arguments) {
 }
 
 }  // namespace
+
+void wait(std::chrono::milliseconds duration) {
+    if (waiterInUse)
+        waiterInUse(duration);
+    else
+        std::this_thread::sleep_for(duration);
+}
+
+void setWaiter(Waiter waiter) {
+    waiterInUse = std::move(waiter);
+}
 
 Clock& clock() {
     static SystemClock system;

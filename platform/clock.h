@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,13 @@ class Clock {
     virtual std::chrono::system_clock::time_point now() = 0;
     virtual void sleep(std::chrono::milliseconds duration) = 0;
 };
+
+// Waits in real time, whatever clock is in use. The system's clock sleeps so.
+void wait(std::chrono::milliseconds duration);
+// How a wait is spent. The window layer, whose windows must stay painted meanwhile, sets it; an empty
+// function goes back to doing nothing.
+using Waiter = std::function<void(std::chrono::milliseconds)>;
+void setWaiter(Waiter waiter);
 
 // The clock in use; the system's unless replaced. A null pointer goes back to the system's.
 Clock& clock();

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -117,6 +118,11 @@ void makeLogsFolder() {
     }
 }
 
+std::string computerName() {
+    std::array<char, 256> name{};
+    return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : std::string();
+}
+
 // What must precede a new record: the end of a line that a writer that died has left unfinished.
 std::string closingOfTornLine(int file, off_t size) {
     char last = '\n';
@@ -132,6 +138,8 @@ void appendEvent(EventRecord record) {
     const std::filesystem::path path = logFile(record.log);
     if (record.time.empty())
         record.time = storedForm(localTime(clock().now()));
+    if (record.computer.empty())
+        record.computer = computerName();
     makeLogsFolder();
     const Descriptor file(::open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!file)

@@ -22,8 +22,8 @@ struct EventRecord {
     bool operator==(const EventRecord&) const = default;
 };
 
-// Appends one record in one write under a lock; an empty time becomes the present. Raises the file's
-// failure number, or 5 for a log of another name.
+// Appends one record in one write under a lock; an empty time becomes the present, an empty computer
+// this machine. Raises the file's failure number, or 5 for a log of another name.
 void appendEvent(EventRecord record);
 // All whole records of a log, oldest first; a torn last line is left out. Empty when there is no log.
 std::vector<EventRecord> readEvents(std::string_view log);

@@ -39,24 +39,37 @@ void requireWritable(const Path& path) {
         throw makeFailure(permissionDenied, path.string());
 }
 
+// The file of a running program is held: replacing it by name would leave two programs under one.
+void requireNotRunning(const Path& path) {
+    const Descriptor probe(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK));
+    if (probe.get() < 0 && errno == ETXTBSY)
+        throw failureFromErrno(errno, path.string());
+}
+
 Path folderOf(const Path& path) {
     return path.has_parent_path() ? path.parent_path() : Path(".");
 }
 
-// A file that is written beside its target and takes the target's name when it is whole. Leftovers of a
-// process that died are overwritten by the next one of the same id.
+// A file that is written beside its target and takes the target's name when it is whole. All of it happens
+// in the folder that was opened first, and a link under the target's name is replaced, never followed.
+// Leftovers of a process that died are overwritten by the next one of the same id.
 class Replacement {
   public:
     Replacement(const Path& target, mode_t mode)
         : target_(target),
-          temporary_(target.string() + "." + std::to_string(::getpid()) + ".new"),
-          file_(create(target, temporary_)) {
+          name_(target.filename()),
+          // Cut short, so that it is a name wherever the target's is one.
+          temporary_(name_.string().substr(0, 200) + "." + std::to_string(::getpid()) + ".new"),
+          folder_(::open(folderOf(target).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {
+        if (!folder_)
+            fail(errno);
+        file_ = create();
         if (::fchmod(file_.get(), mode) != 0)
             fail(errno);
     }
     ~Replacement() {
         if (!done_)
-            ::unlink(temporary_.c_str());
+            ::unlinkat(folder_.get(), temporary_.c_str(), 0);
     }
     Replacement(const Replacement&) = delete;
     Replacement& operator=(const Replacement&) = delete;
@@ -74,31 +87,37 @@ class Replacement {
     void finish() {
         if (::fsync(file_.get()) != 0 || ::close(file_.release()) != 0)
             fail(errno);
-        if (::rename(temporary_.c_str(), target_.c_str()) != 0)
+        if (::renameat(folder_.get(), temporary_.c_str(), folder_.get(), name_.c_str()) != 0)
             fail(errno);
         done_ = true;
         // The name lasts once the folder is on the disk too. A file system that cannot sync folders keeps
         // the new file all the same.
-        const Descriptor folder(::open(folderOf(target_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        const Descriptor folder(::openat(folder_.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (folder)
             ::fsync(folder.get());
     }
 
   private:
-    static Descriptor create(const Path& target, const Path& temporary) {
-        requireWritable(target);
-        requireWritable(folderOf(target));
-        ::unlink(temporary.c_str());
-        Descriptor file(
-            ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    Descriptor create() const {
+        struct stat status {};
+        if (::fstat(folder_.get(), &status) == 0 && !(status.st_mode & S_IWUSR))
+            throw failureFromErrno(EACCES, folderOf(target_).string());
+        if (::fstatat(folder_.get(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+            !(status.st_mode & S_IWUSR))
+            fail(EACCES);
+        ::unlinkat(folder_.get(), temporary_.c_str(), 0);
+        Descriptor file(::openat(folder_.get(), temporary_.c_str(),
+                                 O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
         if (!file)
-            throw failureFromErrno(errno, target.string());
+            fail(errno);
         return file;
     }
     [[noreturn]] void fail(int error) const { throw failureFromErrno(error, target_.string()); }
 
     Path target_;
-    Path temporary_;
+    Path name_;
+    std::string temporary_;
+    Descriptor folder_;
     Descriptor file_;
     bool done_ = false;
 };
@@ -113,6 +132,11 @@ bool fileExists(const Path& path) noexcept {
 bool folderExists(const Path& path) noexcept {
     std::error_code error;
     return fs::is_directory(path, error);
+}
+
+bool entryExists(const Path& path) noexcept {
+    std::error_code error;
+    return fs::exists(fs::symlink_status(path, error));
 }
 
 void createFolder(const Path& path) {
@@ -132,8 +156,10 @@ void copyFile(const Path& source, const Path& target) {
     // A new file is its owner's alone, and a program stays one that runs.
     mode_t mode = 0600u | (status.st_mode & S_IXUSR);
     struct stat old {};
-    if (::stat(target.c_str(), &old) == 0)
+    if (::lstat(target.c_str(), &old) == 0 && S_ISREG(old.st_mode)) {
         mode = old.st_mode & 07777u;
+        requireNotRunning(target);
+    }
     Replacement replacement(target, mode);
     char buffer[1 << 16];
     for (;;) {

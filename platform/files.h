@@ -16,12 +16,15 @@ using Path = std::filesystem::path;
 // True for a regular file (a link counts as what it points to); false on any failure.
 bool fileExists(const Path& path) noexcept;
 bool folderExists(const Path& path) noexcept;
+// True when the name is taken by anything at all; a link counts as itself, also one that leads nowhere.
+bool entryExists(const Path& path) noexcept;
 
 // Creates one folder with mode 0700. Raises 58 when it exists, 76 when the parent does not.
 void createFolder(const Path& path);
 
 // Copies file to file, overwriting: written beside the target, synced, renamed, so that a copy that fails
-// leaves the old target. Raises 53 for a missing source, 70 for a target whose owner may not write it.
+// leaves the old target. A link under the target's name is replaced, never followed. Raises 53 for a missing
+// source, 70 for a target whose owner may not write it and for a program that runs.
 void copyFile(const Path& source, const Path& target);
 
 // Deletes one file. Raises 53 when missing, 70 when it is read-only and `force` is false.

@@ -106,8 +106,8 @@ const std::string& title() {
     return windowTitle;
 }
 
-void setTitle(std::string title) {
-    windowTitle = std::move(title);
+std::string setTitle(std::string title) {
+    return std::exchange(windowTitle, std::move(title));
 }
 
 void setEnder(Ender ender) {

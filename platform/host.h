@@ -46,7 +46,8 @@ void setCommandLine(int argc, const char* const* argv);
 
 // The title that the program's windows are found by.
 const std::string& title();
-void setTitle(std::string title);
+// Gives the title until now.
+std::string setTitle(std::string title);
 
 // Ends the process at once with the exit code. Tests replace the action; it must not return.
 [[noreturn]] void end(int exitCode);

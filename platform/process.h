@@ -1,13 +1,30 @@
-// Starting programs.
+// Starting programs. A started program belongs to nobody here: it has a session of its own, and no ended
+// process waits for this one. It finds the same host (QLN_HOST).
 #pragma once
 
+#include <functional>
 #include <string>
+#include <vector>
 
 namespace platform {
 
-// Starts a command line of its own session, without waiting; words are split at blanks, double quotes hold
-// words together. A program name without a folder is looked up beside the running program, then in PATH.
-// Raises 53 when there is no such program, 5 for an empty command line.
-void startDetached(const std::string& commandLine);
+struct StartOptions {
+    int output = -1;                             // receives standard output and error; -1 for nowhere
+    std::vector<std::string> environment;        // "NAME=value", in place of this program's values
+    std::function<void(long processId)> before;  // runs when the process is there, before the program does
+};
+
+// Starts a command line, without waiting; words are split at blanks, double quotes hold words together. A
+// program name without a folder is looked up beside the running program, then in PATH.
+// Raises 53 when there is no such program, 70 when the file may not be run, 5 for an empty command line, and
+// what `before` raises; the program does not run then.
+void startProcess(const std::string& commandLine, const StartOptions& options);
+
+enum class ProgramWindow { normal, maximized };
+
+// The same for a program with a window. `window` is a wish that a program of the host finds in its environment.
+void startDetached(const std::string& commandLine, ProgramWindow window = ProgramWindow::normal);
+// True when this program was started with the wish for a maximized window.
+bool startedMaximized();
 
 }  // namespace platform

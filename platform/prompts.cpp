@@ -21,15 +21,27 @@ class StandardErrorPrompts : public Prompts {
         }
         return BoxAnswer::ok;
     }
-    std::optional<std::string> inputBox(const std::string&, const std::string&) override {
+    std::optional<std::string> inputBox(const std::string&, const std::string&, const std::string&) override {
         return std::nullopt;
     }
-    std::optional<std::string> openFile(const std::string&, const std::string&) override {
-        return std::nullopt;
-    }
+    std::optional<std::string> openFile(const FileQuestion&) override { return std::nullopt; }
+};
+
+class NoPassword : public PasswordPrompt {
+  public:
+    std::optional<Secret> askPassword(const std::string&) override { return std::nullopt; }
+    void unload() override {}
+};
+
+class NoSplash : public Splash {
+  public:
+    void splashOn(const std::string&, std::optional<short>) override {}
+    void splashOff() override {}
 };
 
 Prompts* promptsInUse = nullptr;
+PasswordPrompt* passwordPromptInUse = nullptr;
+Splash* splashInUse = nullptr;
 
 }  // namespace
 
@@ -40,6 +52,24 @@ Prompts& prompts() {
 
 void setPrompts(Prompts* prompts) {
     promptsInUse = prompts;
+}
+
+PasswordPrompt& passwordPrompt() {
+    static NoPassword fallback;
+    return passwordPromptInUse ? *passwordPromptInUse : fallback;
+}
+
+void setPasswordPrompt(PasswordPrompt* prompt) {
+    passwordPromptInUse = prompt;
+}
+
+Splash& splash() {
+    static NoSplash fallback;
+    return splashInUse ? *splashInUse : fallback;
+}
+
+void setSplash(Splash* splash) {
+    splashInUse = splash;
 }
 
 }  // namespace platform

@@ -85,7 +85,7 @@ bool Registry::change(Change&& apply) {
     const bool result = apply(changed);
     // Formatting is the comparison: what reads the same needs no write.
     const std::string text = formatRegistry(changed);
-    if (text != formatRegistry(tree_) || stamp_ == "missing") {
+    if (text != formatRegistry(tree_)) {
         files::writeFile(file_, text);
         tree_ = std::move(changed);
         stamp_ = stampOf(file_);

@@ -4,7 +4,6 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
-#include <utility>
 
 #include "platform/failure.h"
 #include "platform/textStream.h"
@@ -34,16 +33,14 @@ class Parser {
     Parser(std::string_view text, std::string_view name) : text_(text), name_(name) {}
 
     RegistryTree parse() {
-        if (!isValidUtf8(text_))
-            fail("the text is not UTF-8");
         if (text_.starts_with("\xEF\xBB\xBF"))
             text_.remove_prefix(3);
         RegistryTree tree;
         RegistryKey* key = nullptr;
-        bool first = true;
         while (!text_.empty()) {
             const std::string_view line = trimmed(nextLine());
-            const bool isFirst = std::exchange(first, false);
+            if (!isValidUtf8(line))
+                fail("the text is not UTF-8");
             if (line.empty() || line.front() == ';')
                 continue;
             if (line.front() == '[') {
@@ -52,7 +49,7 @@ class Parser {
                 if (!key)
                     fail("a value before the first key");
                 value(line, *key);
-            } else if (!isFirst || !isHeading(line)) {
+            } else if (key || !isHeading(line)) {
                 fail("neither a key nor a value");
             }
         }

@@ -7,6 +7,7 @@
 #include "core/procedure.h"
 #include "core/state.h"
 #include "platform/ado.h"
+#include "server/lowered.h"
 
 namespace mdlUtility {
 
@@ -15,13 +16,6 @@ namespace {
 constexpr char moduleName[] = "mdlUtility";
 constexpr char eventLogKey[] = "System\\CurrentControlSet\\Services\\EventLog\\";
 constexpr std::string_view corvanePrefix = "meridanecorvane_";
-
-std::string lowered(std::string_view text) {
-    std::string result(text);
-    for (char& c : result)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    return result;
-}
 
 // Collects names in the order found; a name that is there already is a failure of the step that adds it.
 class SourceNames {

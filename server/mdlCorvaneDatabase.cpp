@@ -16,6 +16,7 @@ constexpr char directory[] =
 
 bool openCorvaneDB(platform::Connection& connection) {
     return core::procedure(moduleName, "openCorvaneDB", false, [&](core::Frame& frame, bool& result) {
+        // A connection that was open already is no success of this call; it stays so.
         if (connection.state() != platform::ObjectState::closed)
             return;
         frame.step([&] { connection.open(directory); });

@@ -1,16 +1,30 @@
 #include "server/serviceInstallation.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <sstream>
+#include <optional>
 #include <string>
-#include <vector>
 
 #include "core/RegistryAPI.h"
 #include "core/classLog.h"
+#include "core/mdlVerInfo.h"
+#include "core/modLocalize.h"
 #include "core/procedure.h"
-#include "platform/files.h"
+#include "core/state.h"
 #include "platform/host.h"
+#include "platform/prompts.h"
+#include "platform/serviceManager.h"
+#include "server/compareVersions.h"
+#include "server/eventSourceRegistration.h"
+#include "server/executeApp.h"
+#include "server/serviceControl.h"
+#include "server/serviceFiles.h"
+#include "server/servicePolls.h"
+
+using core::gLog;
+using modLocalize::myLoadResString;
+using platform::BoxIcon;
+using platform::Secret;
+using platform::Service;
+using platform::ServiceManager;
 
 namespace mdlUtility {
 
@@ -18,61 +32,132 @@ namespace {
 
 constexpr char moduleName[] = "mdlUtility";
 constexpr char serviceKey[] = "System\\CurrentControlSet\\Services\\HbQlnSvc";
-constexpr char legacyTool[] = "hubserver/kesn";
+constexpr char mainServiceKey[] = "System\\CurrentControlSet\\Services\\TsHubMgr";
 
-// What a shortcut starts: the command of the desktop entry, empty when the file is none.
-std::string shortcutTarget(const std::filesystem::path& file) {
-    constexpr std::uint64_t largestShortcut = 1u << 20;
-    std::istringstream lines(platform::files::readFile(file, largestShortcut));
-    bool inEntry = false;
-    for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with('['))
-            inEntry = line.starts_with("[Desktop Entry]");
-        else if (inEntry && line.starts_with("Exec="))
-            return line.substr(5);
-    }
-    return {};
+// Lets the service's program register the service.
+void registerService(core::Frame& frame) {
+    const std::string commandLine = "\"" + (serviceFolder() / serviceProgram).string() + "\" -service";
+    gLog().log(commandLine, core::logInfo, frame.tag());
+    std::string output;
+    frame.step([&] { output = ExecuteApp(commandLine); });
+    gLog().log("Output from " + commandLine, core::logVersionInfo, frame.tag());
+    gLog().log(output, core::logVersionInfo, frame.tag());
 }
 
-// Menus were filled by installers of several ages, with either separator in the path.
-bool startsLegacyTool(std::string target) {
-    for (char& c : target) {
-        if (c == '\\')
-            c = '/';
-        else if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
+// Gives the service its account and lets it start with the machine; gives the system's last error.
+std::uint32_t configure(Service& service, const std::string& account, Secret password) {
+    constexpr std::uint32_t startAutomatically = 2;
+    if (password.empty())
+        password.append(std::string_view("\0", 1));  // how no password is said, instead of no change of it
+    std::uint32_t tag = 0;
+    platform::ServiceConfiguration configuration;
+    configuration.startType = startAutomatically;
+    configuration.loadOrderGroup = " ";
+    configuration.tag = &tag;
+    configuration.account = account;
+    configuration.password = password.view();
+    return service.changeConfiguration(configuration);
+}
+
+enum class Attempt { started, askAgain };
+
+void askAgainBox(long text, long title) {
+    platform::prompts().messageBox({myLoadResString(text), myLoadResString(title), BoxIcon::critical});
+}
+
+// Configures and starts the service. Only a bad account and a wrong password ask again; what else goes wrong
+// is logged, and the state of the service decides.
+Attempt configureAndStartOnce(core::Frame& frame, Service& service, const std::string& account,
+                              Secret password) {
+    std::uint32_t error = configure(service, account, std::move(password));
+    if (error == platform::errorInvalidServiceAccount) {
+        askAgainBox(1225, 1226);
+        return Attempt::askAgain;
     }
-    return target.find(legacyTool) != std::string::npos;
+    if (error != platform::noError)
+        logServiceError(frame, "Error in call to ChangeServiceConfig.  Error = ", error);
+    platform::splash().splashOn(myLoadResString(1233));
+    error = service.start();
+    if (error == platform::noError)
+        return Attempt::started;
+    platform::splash().splashOff();
+    if (error == platform::errorServiceLogonFailed) {
+        askAgainBox(1227, 1228);
+        return Attempt::askAgain;
+    }
+    logServiceError(frame, "Error in call to StartService.  Error = ", error);
+    return Attempt::started;
+}
+
+// The service is there once it is configured: only a start that is pending for too long keeps the console
+// from going on.
+bool waitForStart(core::Frame& frame, const Service& service) {
+    platform::splash().splashOff();
+    return pollUntilStarted(frame, service, core::serviceKeyName) != StartOutcome::tookTooLong;
+}
+
+// Asks for the password until the service takes it; false when the administrator gives up.
+bool promptAndStart(core::Frame& frame, const std::string& account) {
+    const std::string text =
+        myLoadResString(1176) + account + ").\n\n" + myLoadResString(1177) + account + ":";
+    for (bool retry = false;; retry = true) {
+        std::optional<Secret> password = platform::passwordPrompt().askPassword(text);
+        if (!password)
+            return false;
+        if (!retry)
+            registerService(frame);
+        const ServiceManager manager(platform::managerExecute);
+        Service service(manager, core::serviceKeyName, configureAndStart);
+        if (configureAndStartOnce(frame, service, account, std::move(*password)) == Attempt::started)
+            return waitForStart(frame, service);
+    }
 }
 
 }  // namespace
 
-// Answers whether the service's key is in the registry.
 bool installQLNService() {
     return core::procedure(moduleName, "installQLNService", false, [](core::Frame& frame, bool& result) {
-        frame.step(
-            [&] { result = RegistryAPI::registryKeyExists(RegistryAPI::HKEY_LOCAL_MACHINE, serviceKey); });
+        using namespace RegistryAPI;
+        bool installed = false;
+        frame.step([&] { installed = registryKeyExists(HKEY_LOCAL_MACHINE, serviceKey); });
+        if (installed) {
+            frame.step([] { upgradeQLNService(); });
+            result = true;
+            return;
+        }
+        std::string account;
+        frame.steps({[] { registerTestEventSource(); }, [] { registerServiceEventSource(); },
+                     [] { copyQLNService(); },
+                     [&] { account = getRegistryString(HKEY_LOCAL_MACHINE, mainServiceKey, "ObjectName"); }});
+        gLog().log("Using account: " + account, core::logVersionInfo, frame.tag());
+        frame.steps(
+            {[&] { result = promptAndStart(frame, account); }, [] { platform::passwordPrompt().unload(); }});
     });
 }
 
-void removeKTNShortcuts() {
-    core::procedure(moduleName, "removeKTNShortcuts", [](core::Frame& frame) {
-        const std::filesystem::path folder = platform::host::menuFolder() / "Corvane";
-        std::vector<platform::files::Entry> files;
-        frame.step([&] {
-            if (platform::files::folderExists(folder))
-                files = platform::files::listFiles(folder);
-        });
-        for (const auto& file : files) {
-            std::string target;
-            frame.step([&] { target = shortcutTarget(folder / file.name); });
-            if (!startsLegacyTool(target))
-                continue;
-            core::gLog().log("Found KTN Utility Shortcut: " + file.name + " - Deleting", core::logInfo,
-                             frame.tag());
-            frame.step([&] { platform::files::deleteFile(folder / file.name, true); });
+void upgradeQLNService() {
+    core::procedure(moduleName, "upgradeQLNService", [](core::Frame& frame) {
+        std::string current;
+        std::string delivered;
+        const auto versionOf = [](const char* file) {
+            return mdlVerInfo::getFileVersionString((serviceFolder() / file).string());
+        };
+        frame.steps({[] { registerServiceEventSource(); }, [&] { current = versionOf(serviceProgram); },
+                     [&] { delivered = versionOf(deliveredProgram); }});
+        // There is no downgrade.
+        if (compareVersions(delivered, current) <= 0)
+            return;
+        platform::prompts().messageBox(
+            {myLoadResString(1273) + current + myLoadResString(1274) + delivered, myLoadResString(1275)});
+        gLog().log("Upgrading the HbQlnSvc service from version: " + current + " to version: " + delivered,
+                   core::logInfo, frame.tag());
+        if (myStopService(core::serviceKeyName)) {
+            frame.steps({[] { copyQLNService(); }, [] { myStartService(core::serviceKeyName); }});
             return;
         }
+        platform::splash().splashOff();
+        platform::prompts().messageBox({myLoadResString(1276), myLoadResString(1277)});
+        platform::program::end(1);
     });
 }
 

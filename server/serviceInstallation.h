@@ -3,9 +3,12 @@
 
 namespace mdlUtility {
 
-// True when the service is installed and the console may go on.
+// Installs the service the first time, with the password that the administrator gives, and upgrades it later.
+// True when the console may go on: the service is there, though it may not run. False when the password
+// prompt was cancelled or the start took too long. May end the process like upgradeQLNService.
 bool installQLNService();
-// Deletes the first shortcut of the legacy tool from the menu.
-void removeKTNShortcuts();
+// Brings the service up to the kit's version when that is newer. Ends the process when the service does not
+// stop.
+void upgradeQLNService();
 
 }  // namespace mdlUtility

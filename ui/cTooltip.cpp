@@ -172,6 +172,7 @@ void cTooltip::setToolText(QWidget* control, const std::string& text) {
         return;
     // The pointer went on to something else of the same control: its tip comes after a pause of its own.
     tip_->hide();
+    pop_.stop();
     wait_.start(delays_[delayInitial]);
 }
 

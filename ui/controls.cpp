@@ -18,6 +18,15 @@ void fillCombo(QComboBox& combo, std::initializer_list<long> texts) {
     combo.setCurrentIndex(row < combo.count() ? row : -1);
 }
 
+bool setComboText(const QString& text, QComboBox& combo) {
+    for (int row = 0; row < combo.count(); ++row)
+        if (combo.itemText(row).startsWith(text, Qt::CaseInsensitive)) {
+            combo.setCurrentIndex(row);
+            return true;
+        }
+    return false;
+}
+
 QString plainCaption(QString caption) {
     caption.remove('&');
     if (caption.endsWith(':'))

@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <initializer_list>
+#include <limits>
 #include <string>
 
 class QComboBox;
@@ -10,16 +11,23 @@ class QWidget;
 
 namespace ui {
 
-// A control with its object name; the parent owns it.
+// A control with its object name; the parent owns it. A line takes a text of any length: the toolkit's own
+// limit would cut off what the database holds.
 template <class Control>
 Control* makeControl(QWidget* parent, const std::string& name) {
     auto* control = new Control(parent);
     control->setObjectName(QString::fromStdString(name));
+    if constexpr (requires { control->setMaxLength(0); })
+        control->setMaxLength(std::numeric_limits<int>::max());
     return control;
 }
 
 // Refills a list with string-table texts and keeps its selected row.
 void fillCombo(QComboBox& combo, std::initializer_list<long> texts);
+
+// Selects the first row that begins with the text, without regard to case, as a click would. False, and the
+// selection stays, when there is none. An empty text is the beginning of every row.
+bool setComboText(const QString& text, QComboBox& combo);
 
 // A caption without its mnemonic and its colon, as an accessible name.
 QString plainCaption(QString caption);

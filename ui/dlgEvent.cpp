@@ -1,14 +1,13 @@
 #include "ui/dlgEvent.h"
 
 #include <QComboBox>
-#include <QDialogButtonBox>
-#include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 #include "core/procedure.h"
@@ -16,9 +15,13 @@
 #include "database/settings.h"
 #include "platform/process.h"
 #include "server/eventSources.h"
+#include "ui/RTBHelpers.h"
+#include "ui/clipboardImport.h"
 #include "ui/controls.h"
 #include "ui/formFonts.h"
+#include "ui/insertionVariables.h"
 #include "ui/text.h"
+#include "ui/voiceFileBrowse.h"
 #include "ui/widgets/numberBox.h"
 #include "ui/widgets/variableTextBox.h"
 
@@ -33,6 +36,15 @@ enum EventIdChoice { allEventIds = 0, specificEventId = 1 };
 
 dlgEvent::dlgEvent(QWidget* parent) : QDialog(parent) {
     setObjectName("dlgEvent");
+    createControls();
+    createContentControls();
+    buildLayout();
+    dlgEvent_ControlInit();
+    ui::setFormFonts(*this);
+    connectControls();
+}
+
+void dlgEvent::createControls() {
     lblEventSource = ui::makeControl<QLabel>(this, "lblEventSource");
     comboEventSource = ui::makeControl<QComboBox>(this, "comboEventSource");
     frameEventId = ui::makeControl<QGroupBox>(this, "frameEventId");
@@ -45,9 +57,17 @@ dlgEvent::dlgEvent(QWidget* parent) : QDialog(parent) {
     comboEventType = ui::makeControl<QComboBox>(this, "comboEventType");
     lblEventTitle = ui::makeControl<QLabel>(this, "lblEventTitle");
     txtEventTitle = ui::makeControl<QLineEdit>(this, "txtEventTitle");
+    cmdImportFromClipboard = ui::makeControl<QPushButton>(this, "cmdImportFromClipboard");
+    cmdOpenEventViewer = ui::makeControl<QPushButton>(this, "cmdOpenEventViewer");
+    cmdOk = ui::makeControl<QPushButton>(this, "cmdOk");
+    cmdCancel = ui::makeControl<QPushButton>(this, "cmdCancel");
+}
+
+void dlgEvent::createContentControls() {
     frameContent = ui::makeControl<QGroupBox>(this, "frameContent");
     lblVoiceMailFilename = ui::makeControl<QLabel>(frameContent, "lblVoiceMailFilename");
     txtVoiceMailFileName = ui::makeControl<QLineEdit>(frameContent, "txtVoiceMailFileName");
+    cmdVoiceMailBrowse = ui::makeControl<QPushButton>(frameContent, "cmdVoiceMailBrowse");
     lblVoiceMailPriority = ui::makeControl<QLabel>(frameContent, "lblVoiceMailPriority");
     comboVoiceMailPriority = ui::makeControl<QComboBox>(frameContent, "comboVoiceMailPriority");
     lblEmailSubject = ui::makeControl<QLabel>(frameContent, "lblEmailSubject");
@@ -57,17 +77,13 @@ dlgEvent::dlgEvent(QWidget* parent) : QDialog(parent) {
     rtbEmailBody = new ui::VariableTextBox(ui::VariableTextBox::Lines::many, frameContent);
     rtbEmailBody->setObjectName("rtbEmailBody");
     lblEmailPriority = ui::makeControl<QLabel>(frameContent, "lblEmailPriority");
+    Label2 = ui::makeControl<QLabel>(frameContent, "Label2");
+    Label2->setWordWrap(true);
     comboEmailPriority = ui::makeControl<QComboBox>(frameContent, "comboEmailPriority");
-    cmdOpenEventViewer = ui::makeControl<QPushButton>(this, "cmdOpenEventViewer");
-    cmdOk = ui::makeControl<QPushButton>(this, "cmdOk");
-    cmdCancel = ui::makeControl<QPushButton>(this, "cmdCancel");
-    buildLayout();
-    dlgEvent_ControlInit();
-    ui::setFormFonts(*this);
-    connectControls();
+    variables = new ui::InsertionVariables(module, *this, *rtbEmailSubject, *rtbEmailBody);
 }
 
-void dlgEvent::buildLayout() {
+QLayout* dlgEvent::matchLayout() {
     auto* idRow = new QHBoxLayout(frameEventId);
     idRow->addWidget(optionEventId[allEventIds]);
     idRow->addSpacing(12);
@@ -89,33 +105,47 @@ void dlgEvent::buildLayout() {
     match->addWidget(comboEventType, 2, 1);
     match->addWidget(lblEventTitle, 3, 0);
     match->addWidget(txtEventTitle, 3, 1);
+    return match;
+}
 
+void dlgEvent::layOutContent() {
     auto* content = new QGridLayout(frameContent);
     content->setColumnStretch(1, 1);
     content->addWidget(lblVoiceMailFilename, 0, 0);
     content->addWidget(txtVoiceMailFileName, 0, 1);
+    content->addWidget(cmdVoiceMailBrowse, 0, 2);
+    cmdVoiceMailBrowse->setMaximumWidth(48);
     content->addWidget(lblVoiceMailPriority, 1, 0);
-    content->addWidget(comboVoiceMailPriority, 1, 1, Qt::AlignLeft);
+    content->addWidget(comboVoiceMailPriority, 1, 1, 1, 2, Qt::AlignLeft);
     content->addWidget(lblEmailSubject, 2, 0);
-    content->addWidget(rtbEmailSubject, 2, 1);
+    content->addWidget(rtbEmailSubject, 2, 1, 1, 2);
     content->addWidget(Label1, 3, 0, Qt::AlignTop);
-    content->addWidget(rtbEmailBody, 3, 1);
-    content->addWidget(lblEmailPriority, 4, 0);
-    content->addWidget(comboEmailPriority, 4, 1, Qt::AlignLeft);
+    content->addWidget(rtbEmailBody, 3, 1, 1, 2);
+    content->addWidget(Label2, 4, 1, 1, 2);
+    content->addWidget(lblEmailPriority, 5, 0);
+    content->addWidget(comboEmailPriority, 5, 1, 1, 2, Qt::AlignLeft);
     content->setRowStretch(3, 1);
+}
 
+QLayout* dlgEvent::buttonsLayout() {
     auto* buttons = new QHBoxLayout;
+    buttons->addWidget(cmdImportFromClipboard);
     buttons->addWidget(cmdOpenEventViewer);
     buttons->addStretch();
     buttons->addWidget(cmdOk);
     buttons->addWidget(cmdCancel);
     cmdOk->setDefault(true);
-    cmdOpenEventViewer->setAutoDefault(false);
+    for (QPushButton* helper : {cmdVoiceMailBrowse, cmdImportFromClipboard, cmdOpenEventViewer})
+        helper->setAutoDefault(false);
+    return buttons;
+}
 
+void dlgEvent::buildLayout() {
     auto* whole = new QVBoxLayout(this);
-    whole->addLayout(match);
+    whole->addLayout(matchLayout());
+    layOutContent();
     whole->addWidget(frameContent, 1);
-    whole->addLayout(buttons);
+    whole->addLayout(buttonsLayout());
 
     lblEventSource->setBuddy(comboEventSource);
     lblEventType->setBuddy(comboEventType);
@@ -126,14 +156,15 @@ void dlgEvent::buildLayout() {
     Label1->setBuddy(rtbEmailBody);
     lblEmailPriority->setBuddy(comboEmailPriority);
     ui::setTabOrder({comboEventSource, optionEventId[0], optionEventId[1], tdbnlSpecificEventId,
-                     comboEventType, txtEventTitle, txtVoiceMailFileName, comboVoiceMailPriority,
-                     rtbEmailSubject, rtbEmailBody, comboEmailPriority, cmdOpenEventViewer, cmdOk,
-                     cmdCancel});
-    resize(640, 620);
+                     comboEventType, txtEventTitle, txtVoiceMailFileName, cmdVoiceMailBrowse,
+                     comboVoiceMailPriority, rtbEmailSubject, rtbEmailBody, comboEmailPriority,
+                     cmdImportFromClipboard, cmdOpenEventViewer, cmdOk, cmdCancel});
+    resize(680, 640);
 }
 
 void dlgEvent::dlgEvent_ControlInit() {
     core::procedure(module, "dlgEvent_ControlInit", [&](core::Frame&) {
+        setWindowTitle(ui::text(1018));
         lblEventSource->setText(ui::text(1053));
         frameEventId->setTitle(ui::text(1019));
         optionEventId[allEventIds]->setText(ui::text(1021));
@@ -148,17 +179,24 @@ void dlgEvent::dlgEvent_ControlInit() {
         lblEmailSubject->setText(ui::text(1039));
         Label1->setText(ui::text(1040));
         lblEmailPriority->setText(ui::text(1043));
+        Label2->setText(ui::text(1152));
         ui::fillCombo(*comboEmailPriority, {1035, 1036});
+        cmdVoiceMailBrowse->setText("...");
+        cmdVoiceMailBrowse->setToolTip(ui::text(1044));
+        cmdVoiceMailBrowse->setAccessibleName(ui::text(1044));
+        cmdImportFromClipboard->setText(ui::text(1055));
+        cmdImportFromClipboard->setToolTip(ui::text(1056));
         cmdOpenEventViewer->setText(ui::text(1057));
         cmdOk->setText(ui::text(1001));
         cmdCancel->setText(ui::text(1023));
+        variables->controlInit();
         ui::nameByBuddy(*this);
         tdbnlSpecificEventId->setAccessibleName(ui::plainCaption(optionEventId[specificEventId]->text()));
     });
 }
 
 void dlgEvent::connectControls() {
-    connect(comboEventSource, &QComboBox::activated, this, &dlgEvent::comboEventSource_Click);
+    connect(comboEventSource, &QComboBox::currentIndexChanged, this, &dlgEvent::comboEventSource_Click);
     for (int i : {allEventIds, specificEventId})
         connect(optionEventId[static_cast<std::size_t>(i)], &QRadioButton::clicked, this,
                 [this, i] { optionEventId_Click(i); });
@@ -167,6 +205,8 @@ void dlgEvent::connectControls() {
             [this](int index) { voiceMailPriority = mdlDatabase::mapPriority(index); });
     connect(comboEmailPriority, &QComboBox::currentIndexChanged, this,
             [this](int index) { emailPriority = mdlDatabase::mapPriority(index); });
+    connect(cmdVoiceMailBrowse, &QPushButton::clicked, this, &dlgEvent::cmdVoiceMailBrowse_Click);
+    connect(cmdImportFromClipboard, &QPushButton::clicked, this, &dlgEvent::cmdImportFromClipboard_Click);
     connect(cmdOpenEventViewer, &QPushButton::clicked, this, &dlgEvent::cmdOpenEventViewer_Click);
     connect(cmdOk, &QPushButton::clicked, this, &dlgEvent::cmdOk_Click);
     connect(cmdCancel, &QPushButton::clicked, this, &dlgEvent::cmdCancel_Click);
@@ -174,7 +214,6 @@ void dlgEvent::connectControls() {
 
 void dlgEvent::displayForm() {
     core::procedure(module, "displayForm", [&](core::Frame& frame) {
-        setWindowTitle(ui::text(1018));
         frame.step([&] { fillSources(); });
         optionEventId[allEventIds]->setChecked(true);
         tdbnlSpecificEventId->hide();
@@ -200,6 +239,7 @@ void dlgEvent::displayForm() {
 }
 
 void dlgEvent::fillSources() {
+    const QSignalBlocker fillingIsNoClick(comboEventSource);
     comboEventSource->clear();
     for (const std::string& source : mdlUtility::getEventSources(core::gCorvaneFourOrLater, false, false))
         comboEventSource->addItem(ui::fromUtf8(source));
@@ -211,6 +251,8 @@ void dlgEvent::fillContent() {
     const auto content = mdlDatabase::getDefaultContent(3).parts;
     rtbEmailSubject->setStoredText(content.at("Subject"));
     rtbEmailBody->setStoredText(content.at("Body"));
+    for (ui::VariableTextBox* box : {rtbEmailSubject, rtbEmailBody})
+        RTBHelpers::colorInsertionTokens(*box, RTBHelpers::insertionTokens);
 }
 
 void dlgEvent::updateOkButton() {
@@ -253,9 +295,30 @@ void dlgEvent::cmdCancel_Click() {
     });
 }
 
+void dlgEvent::cmdVoiceMailBrowse_Click() {
+    core::procedure(module, "cmdVoiceMailBrowse_Click", [&](core::Frame& frame) {
+        frame.step([&] { ui::browseVoiceFile(*txtVoiceMailFileName); });
+    });
+}
+
+void dlgEvent::cmdImportFromClipboard_Click() {
+    core::procedure(module, "cmdImportFromClipboard_Click", [&](core::Frame&) {
+        const std::optional<ui::CopiedEvent> event =
+            ui::takeCopiedEvent(*comboEventSource, *tdbnlSpecificEventId);
+        if (!event) {
+            ui::warnNoEventData();
+            return;
+        }
+        optionEventId[specificEventId]->click();
+        tdbnlSpecificEventId->setText(event->id);
+        comboEventType->setCurrentIndex(event->type);
+    });
+}
+
 void dlgEvent::cmdOpenEventViewer_Click() {
-    core::procedure(module, "cmdOpenEventViewer_Click",
-                    [&](core::Frame& frame) { frame.step([&] { platform::startDetached("EventVwr"); }); });
+    core::procedure(module, "cmdOpenEventViewer_Click", [&](core::Frame& frame) {
+        frame.step([&] { platform::startDetached("EventVwr", platform::ProgramWindow::maximized); });
+    });
 }
 
 mdlDatabase::NewEvent dlgEvent::newEvent() const {

@@ -11,11 +11,13 @@
 class QComboBox;
 class QGroupBox;
 class QLabel;
+class QLayout;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
 
 namespace ui {
+class InsertionVariables;
 class NumberBox;
 class VariableTextBox;
 }  // namespace ui
@@ -28,7 +30,7 @@ class dlgEvent : public QDialog {
 
     // Prepares the dialog and shows it modally; returns when it is closed.
     void displayForm();
-    void dlgEvent_ControlInit();
+    Q_INVOKABLE void dlgEvent_ControlInit();
 
     // Read after displayForm. True when the dialog ended without OK.
     bool cancelled = true;
@@ -38,7 +40,12 @@ class dlgEvent : public QDialog {
     mdlDatabase::NewEvent newEvent() const;
 
   private:
+    void createControls();
+    void createContentControls();
     void buildLayout();
+    QLayout* matchLayout();
+    QLayout* buttonsLayout();
+    void layOutContent();
     void connectControls();
     void fillSources();
     void fillContent();
@@ -47,6 +54,8 @@ class dlgEvent : public QDialog {
     void optionEventId_Click(int index);
     void cmdOk_Click();
     void cmdCancel_Click();
+    void cmdVoiceMailBrowse_Click();
+    void cmdImportFromClipboard_Click();
     void cmdOpenEventViewer_Click();
 
     QLabel* lblEventSource;
@@ -61,6 +70,7 @@ class dlgEvent : public QDialog {
     QGroupBox* frameContent;
     QLabel* lblVoiceMailFilename;
     QLineEdit* txtVoiceMailFileName;
+    QPushButton* cmdVoiceMailBrowse;
     QLabel* lblVoiceMailPriority;
     QComboBox* comboVoiceMailPriority;
     QLabel* lblEmailSubject;
@@ -68,7 +78,10 @@ class dlgEvent : public QDialog {
     QLabel* Label1;
     ui::VariableTextBox* rtbEmailBody;
     QLabel* lblEmailPriority;
+    QLabel* Label2;
     QComboBox* comboEmailPriority;
+    ui::InsertionVariables* variables;
+    QPushButton* cmdImportFromClipboard;
     QPushButton* cmdOpenEventViewer;
     QPushButton* cmdOk;
     QPushButton* cmdCancel;

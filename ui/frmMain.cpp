@@ -36,6 +36,7 @@ constexpr int dragMargin = 500;
 constexpr int treeTop = 60;
 constexpr int firstSplitter = 3300;
 constexpr int hitAreaWidth = 90;
+constexpr int paneGap = 40;
 
 constexpr int maximumTipWidth = 400;  // pixels
 constexpr int paneCount = 8;
@@ -104,7 +105,15 @@ void frmMain::createMenus() {
     entry(mnuFileNew_, "mnuFileNewEvent", &frmMain::mnuFileNewEvent_Click);
     entry(mnuFile_, "mnuFileDelete", &frmMain::mnuFileDelete_Click);
     mnuFile_->addSeparator()->setObjectName("mnuFileSep1");
+    entry(mnuFile_, "mnuRemoveService", &frmMain::mnuRemoveService_Click);
+    mnuFile_->addSeparator()->setObjectName("mnuFileBar2");
     entry(mnuFile_, "mnuExit", &frmMain::mnuExit_Click);
+    mnuHelp_ = menuBar()->addMenu(QString());
+    mnuHelp_->setObjectName("mnuHelp");
+    entry(mnuHelp_, "mnuHelpContents", &frmMain::mnuHelpContents_Click);
+    actions_.at("mnuHelpContents")->setShortcut(Qt::Key_F1);
+    mnuHelp_->addSeparator()->setObjectName("mnuHelpBar0");
+    entry(mnuHelp_, "mnuHelpAbout", &frmMain::mnuHelpAbout_Click);
     mnuPopup_ = new QMenu(this);
     mnuPopup_->setObjectName("mnuPopup");
     entry(mnuPopup_, "mnuPopupAddEvent", &frmMain::mnuPopupAddEvent_Click);
@@ -153,7 +162,8 @@ void frmMain::Form_Load() {
                          tooltip_->Create(this);
                          tooltip_->setMaxTipWidth(maximumTipWidth);
                          tooltip_->AddTool(tvNavigation, "");
-                         // Without a node under the pointer there is nothing to say.
+                         // An empty text became "Tool1"; without a node under the pointer there is nothing
+                         // to say.
                          tooltip_->setToolText(tvNavigation, "");
                      },
                      [&] { expanded_.fill(true); }, [&] { core::gRebuildingControls = true; },
@@ -172,9 +182,13 @@ void frmMain::Form_Unload() {
 
 void frmMain::frmMain_ControlInit() {
     core::procedure(module, "frmMain_ControlInit", [&](core::Frame&) {
-        setWindowTitle(ui::fromUtf8(core::gProductName));
+        setWindowTitle(ui::text(1205));
         mnuFile_->setTitle(ui::text(1010));
         mnuFileNew_->setTitle(ui::text(1114));
+        mnuHelp_->setTitle(ui::text(1013));
+        actions_.at("mnuHelpContents")->setText(ui::text(1014));
+        actions_.at("mnuHelpAbout")->setText(ui::text(1015));
+        actions_.at("mnuRemoveService")->setText(ui::text(1257));
         actions_.at("mnuFileNewEvent")->setText(ui::text(1115));
         actions_.at("mnuFileDelete")->setText(ui::text(1117));
         actions_.at("mnuExit")->setText(ui::text(1016));
@@ -194,6 +208,7 @@ void frmMain::frmMain_ControlInit() {
         heading("lblExclusionSource", ui::text(1311));
         paneMonitoredEvents_->controlInit();
         paneEventDetails_->controlInit();
+        relabelNavigationTree();
     });
 }
 
@@ -213,12 +228,14 @@ void frmMain::SizeControls(int& splitterX) {
         splitterLeft_ = splitterX;
         const int top = ui::pixels(treeTop);
         const int treeHeight = centralWidget()->height() - ui::pixels(2 * treeTop);
-        tvNavigation->setGeometry(ui::pixels(60), top, ui::pixels(splitterX) - ui::pixels(60), treeHeight);
+        tvNavigation->setGeometry(0, top, ui::pixels(splitterX), treeHeight);
         imgSplitter_->setGeometry(ui::pixels(splitterX), top, ui::pixels(hitAreaWidth), treeHeight);
-        const QRect pane(ui::pixels(splitterX + hitAreaWidth), top,
-                         ui::pixels(windowWidth - (splitterX + 160)), treeHeight);
+        const QRect pane(ui::pixels(splitterX + paneGap), top, ui::pixels(windowWidth - (splitterX + 160)),
+                         treeHeight);
         for (QWidget* viewport : vsviewportDetails_)
             viewport->setGeometry(pane);
+        // The hit area is wider than the gap; it lies over the panes' empty margin.
+        imgSplitter_->raise();
     });
 }
 
@@ -281,6 +298,7 @@ void frmMain::imgSplitter_MouseMove(int pointerX) {
     if (!splitterMoving_)
         return;
     core::procedure(module, "imgSplitter_MouseMove", [&](core::Frame&) {
+        // The bar may go further out than the layout, which springs back to its own limit; it stays so.
         const int candidate = hitAreaLeft() + pointerX;
         const int limit = ui::twips(width()) - dragMargin;
         picSplitter_->move(ui::pixels(std::max(dragMargin, std::min(candidate, limit))), picSplitter_->y());

@@ -48,7 +48,7 @@ class frmMain : public QMainWindow {
     std::string constructNavigationToolTip(const std::string& nodeKey);
     // Lays out the window with the splitter at `splitterX` twips, which is clipped.
     void SizeControls(int& splitterX);
-    void frmMain_ControlInit();
+    Q_INVOKABLE void frmMain_ControlInit();
 
     ui::KeyedTree* tvNavigation;
 
@@ -72,6 +72,8 @@ class frmMain : public QMainWindow {
     void initEvents(const std::string& root, std::optional<long> eventKey);
     void initRecipients(const std::string& root, std::optional<long> recipientKey);
     void initExclusions(const std::string& root, std::optional<long> exclusionKey);
+    // Gives the nodes their texts in the present language; the tree keeps its shape and selection.
+    void relabelNavigationTree();
     void selectAfterRebuild(const std::string& nodeKey);
 
     void tvNavigation_NodeClick(const std::string& nodeKey);
@@ -86,7 +88,10 @@ class frmMain : public QMainWindow {
     void mnuFileDelete_Click();
     void mnuPopupAddEvent_Click();
     void mnuPopupDeleteEvent_Click();
+    void mnuRemoveService_Click();
     void mnuExit_Click();
+    void mnuHelpContents_Click();
+    void mnuHelpAbout_Click();
 
     void imgSplitter_MouseDown();
     void imgSplitter_MouseMove(int pointerX);
@@ -101,6 +106,7 @@ class frmMain : public QMainWindow {
     QStatusBar* sbStatusBar_;
     QMenu* mnuFile_;
     QMenu* mnuFileNew_;
+    QMenu* mnuHelp_;
     QMenu* mnuPopup_;
     std::map<std::string, QAction*> actions_;  // menu entries by name
     std::array<QIcon, 5> imagelistTreeNodes_;  // by index 1 to 4

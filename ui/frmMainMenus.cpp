@@ -1,13 +1,22 @@
 // The shell's menus: which entry serves which node, and what the entries do.
 
 #include <QMenu>
+#include <chrono>
 
+#include "core/mdlHTMLHelp.h"
+#include "core/modLocalize.h"
 #include "core/procedure.h"
 #include "database/events.h"
+#include "platform/clock.h"
+#include "platform/prompts.h"
+#include "server/serviceControl.h"
 #include "ui/dlgEvent.h"
+#include "ui/frmAbout.h"
 #include "ui/frmMain.h"
 #include "ui/paneMonitoredEvents.h"
 #include "ui/widgets/keyedTree.h"
+
+using modLocalize::myLoadResString;
 
 namespace {
 
@@ -26,7 +35,7 @@ void frmMain::checkMenus(long nodeType) {
         switch (nodeType) {
             case nodeTypeCategoryEvents:
                 actions_.at("mnuPopupAddEvent")->setVisible(true);
-                actions_.at("mnuFileNewEvent")->setEnabled(true);
+                actions_.at("mnuFileNewEvent")->setEnabled(true);  // nothing ever disables it; it stays so
                 break;
             case nodeTypeEvent:
                 actions_.at("mnuPopupDeleteEvent")->setVisible(true);
@@ -77,6 +86,32 @@ void frmMain::mnuPopupDeleteEvent_Click() {
                 showEventsRoot();
         });
     });
+}
+
+void frmMain::mnuRemoveService_Click() {
+    core::procedure(module, "mnuRemoveService_Click", [&](core::Frame& frame) {
+        constexpr std::chrono::milliseconds pauseToRead(3000);
+        const std::string question =
+            myLoadResString(1229) + "\n" + myLoadResString(1230) + "\n\n" + myLoadResString(1231);
+        if (platform::prompts().messageBox({question, myLoadResString(1232), platform::BoxIcon::question,
+                                            platform::BoxButtons::yesNo}) != platform::BoxAnswer::yes)
+            return;
+        // The console does not stay open without its service.
+        frame.steps({[] { mdlUtility::uninstallQLNService(); }, [&] { platform::clock().sleep(pauseToRead); },
+                     [&] { emit finalExitRequested(); }});
+    });
+}
+
+void frmMain::mnuHelpContents_Click() {
+    core::procedure(module, "mnuHelpContents_Click", [&](core::Frame& frame) {
+        frame.step(
+            [&] { mdlHTMLHelp::showCHMHelp(mdlHTMLHelp::getHelpFileName(), static_cast<long>(winId())); });
+    });
+}
+
+void frmMain::mnuHelpAbout_Click() {
+    core::procedure(module, "mnuHelpAbout_Click",
+                    [&](core::Frame& frame) { frame.step([&] { frmAbout(this).exec(); }); });
 }
 
 void frmMain::mnuExit_Click() {

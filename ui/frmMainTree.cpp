@@ -26,11 +26,16 @@ constexpr char exclusionsRoot[] = "keyExclusions";
 
 enum TreeImage { imageCategory = 1, imageComplete = 2 };
 
-// "Source (All)" or "Source (4711)".
+std::string textOrEmpty(const Recordset& row, std::string_view field) {
+    return row.isNull(field) ? std::string() : row.text(field);
+}
+
+// "Source (All)" or "Source (4711)"; a row that lacks one of them still has its node.
 std::string sourceAndId(const Recordset& row) {
-    const std::string source = row.text("EventSource");
-    return row.number("EventID") == mdlDatabase::nodeAllEventIds ? source + myLoadResString(1150)
-                                                                 : source + " (" + row.text("EventID") + ")";
+    const std::string source = textOrEmpty(row, "EventSource");
+    const std::string id = textOrEmpty(row, "EventID");
+    return id == std::to_string(mdlDatabase::nodeAllEventIds) ? source + myLoadResString(1150)
+                                                              : source + " (" + id + ")";
 }
 
 // Runs `row` for each record; a failing row does not lose the others.
@@ -91,7 +96,7 @@ void frmMain::initEvents(const std::string& root, std::optional<long> eventKey) 
                 node.icon = imagelistTreeNodes_[static_cast<std::size_t>(imageComplete +
                                                                          mdlDatabase::getEventState(key))];
                 node.info.nodeType = nodeTypeEvent;
-                node.info.ToolTip = events.isNull("EventTitle") ? std::string() : events.text("EventTitle");
+                node.info.ToolTip = textOrEmpty(events, "EventTitle");
                 node.info.key = key;
                 node.bold = active;
                 node.greyed = !active;
@@ -117,7 +122,7 @@ void frmMain::initRecipients(const std::string& root, std::optional<long> recipi
                 ui::KeyedTree::NewNode node;
                 node.parent = root;
                 node.key = "RecipientKey:" + std::to_string(key);
-                node.text = recipients.text("RecipientName");
+                node.text = textOrEmpty(recipients, "RecipientName");
                 node.icon = imagelistTreeNodes_[static_cast<std::size_t>(
                     imageComplete + mdlDatabase::getRecipientState(key))];
                 node.info.nodeType = nodeTypeRecipient;
@@ -147,7 +152,7 @@ void frmMain::initExclusions(const std::string& root, std::optional<long> exclus
                 node.text = sourceAndId(exclusions);
                 node.icon = imagelistTreeNodes_[imageCategory];
                 node.info.nodeType = nodeTypeExclusion;
-                node.info.ToolTip = exclusions.text("EventSource");
+                node.info.ToolTip = textOrEmpty(exclusions, "EventSource");
                 node.info.key = key;
                 tvNavigation->addNode(node);
                 if (expanded_[nodeTypeCategoryExclusions])
@@ -157,6 +162,28 @@ void frmMain::initExclusions(const std::string& root, std::optional<long> exclus
             });
         }
         selectAfterRebuild(selection);
+    });
+}
+
+void frmMain::relabelNavigationTree() {
+    core::procedure(module, "relabelNavigationTree", [&](core::Frame& frame) {
+        if (tvNavigation->count() == 0)
+            return;  // the window is only being loaded
+        const auto relabel = [&](const std::string& key, const std::string& text) {
+            if (tvNavigation->contains(key))
+                tvNavigation->setNodeText(key, text);
+        };
+        for (const auto& [key, caption] :
+             {std::pair(eventsRoot, 1030L), {recipientsRoot, 1031L}, {exclusionsRoot, 1311L}})
+            frame.step([&, root = key, id = caption] { relabel(root, myLoadResString(id)); });
+        Recordset events = mdlDatabase::getEvents();
+        forEachRow(frame, events,
+                   [&] { relabel("EventKey-" + events.text("EventKey"), sourceAndId(events)); });
+        Recordset exclusions = mdlDatabase::getExclusions();
+        forEachRow(frame, exclusions, [&] {
+            relabel("ExclusionKey-" + exclusions.text("ExclusionKey"), sourceAndId(exclusions));
+        });
+        hovered_ = false;
     });
 }
 

@@ -62,19 +62,27 @@ BoxAnswer MessageBoxes::messageBox(const MessageBox& box) {
     }
 }
 
-std::optional<std::string> MessageBoxes::inputBox(const std::string& text, const std::string& title) {
-    bool accepted = false;
-    const QString answer = QInputDialog::getText(QApplication::activeWindow(), fromUtf8(title),
-                                                 fromUtf8(text), QLineEdit::Normal, QString(), &accepted);
-    return accepted ? std::optional(toUtf8(answer)) : std::nullopt;
+std::optional<std::string> MessageBoxes::inputBox(const std::string& text, const std::string& title,
+                                                  const std::string& initial) {
+    QInputDialog window(QApplication::activeWindow());
+    window.setObjectName("inputBox");
+    window.setWindowTitle(fromUtf8(title));
+    window.setLabelText(fromUtf8(text));
+    window.setTextValue(fromUtf8(initial));
+    return window.exec() == QDialog::Accepted ? std::optional(toUtf8(window.textValue())) : std::nullopt;
 }
 
-std::optional<std::string> MessageBoxes::openFile(const std::string& title, const std::string& filter) {
+std::optional<std::string> MessageBoxes::openFile(const FileQuestion& question) {
     // "Audio file (*.wav)|*.wav" names the pattern twice; the first half is all that the dialog needs.
-    const QString description = fromUtf8(filter).section('|', 0, 0);
-    const QString file =
-        QFileDialog::getOpenFileName(QApplication::activeWindow(), fromUtf8(title), QString(), description);
-    return file.isEmpty() ? std::nullopt : std::optional(toUtf8(file));
+    const QString description = fromUtf8(question.filter).section('|', 0, 0);
+    QFileDialog window(QApplication::activeWindow(), fromUtf8(question.title), fromUtf8(question.folder),
+                       description);
+    window.setObjectName("fileDialog");
+    window.setFileMode(QFileDialog::ExistingFile);
+    window.setDefaultSuffix(fromUtf8(question.defaultExtension));
+    if (window.exec() != QDialog::Accepted || window.selectedFiles().isEmpty())
+        return std::nullopt;
+    return toUtf8(window.selectedFiles().first());
 }
 
 }  // namespace ui

@@ -8,8 +8,9 @@ namespace ui {
 class MessageBoxes : public platform::Prompts {
   public:
     platform::BoxAnswer messageBox(const platform::MessageBox& box) override;
-    std::optional<std::string> inputBox(const std::string& text, const std::string& title) override;
-    std::optional<std::string> openFile(const std::string& title, const std::string& filter) override;
+    std::optional<std::string> inputBox(const std::string& text, const std::string& title,
+                                        const std::string& initial) override;
+    std::optional<std::string> openFile(const platform::FileQuestion& question) override;
 };
 
 }  // namespace ui

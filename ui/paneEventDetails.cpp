@@ -68,10 +68,13 @@ void paneEventDetails::controlInit() {
     caption("lblVoiceMailFilename", 1038);
     caption("lblEmailSubject", 1039);
     caption("lblEmailBody", 1040);
+    if (eventKey_ != 0)
+        fillEvent(eventKey_);
 }
 
 void paneEventDetails::displayEventDetails(long eventKey, const std::string& nodeText) {
     core::procedure(module, "displayEventDetails", [&](core::Frame& frame) {
+        eventKey_ = eventKey;
         lblEventHeading->setText(ui::fromUtf8(nodeText));
         frame.steps({[&] { fillEvent(eventKey); }, [&] { fillContent(eventKey); }});
     });

@@ -22,6 +22,8 @@ class paneEventDetails : public QWidget {
     void fillContent(long eventKey);
     QLabel* addLine(const char* captionName, const char* valueName);
 
+    long eventKey_ = 0;  // of the event that is shown; 0 before the first one
+
     QFormLayout* lines;
     QLabel* lblEventHeading;
     QLabel* lblActiveValue;

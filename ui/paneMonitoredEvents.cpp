@@ -57,18 +57,28 @@ std::string textOrEmpty(const platform::Recordset& row, std::string_view field) 
     return row.isNull(field) ? std::string() : row.text(field);
 }
 
+// A number's cell; one without a value is empty, and its row still shows.
+KeyedGrid::Cell numberCell(const platform::Recordset& row, std::string_view field,
+                           std::string (*shown)(long)) {
+    if (row.isNull(field))
+        return {};
+    const long number = row.number(field);
+    return {shown(number), static_cast<qlonglong>(number)};
+}
+
+std::string idText(long id) {
+    return id == mdlDatabase::nodeAllEventIds ? myLoadResString(1108) : std::to_string(id);
+}
+
 std::vector<KeyedGrid::Cell> gridRow(const platform::Recordset& row) {
     const bool catchAll = row.boolean("EventCollection");
-    const long id = row.number("EventID");
-    const long type = row.number("EventType");
     const std::string last = textOrEmpty(row, "EventLastNotification");
     return {{"", row.boolean("EventActive")},
             {row.text("EventKey"), static_cast<qlonglong>(row.number("EventKey"))},
             {catchAll ? myLoadResString(1049) : textOrEmpty(row, "EventSource"), {}},
-            {id == mdlDatabase::nodeAllEventIds ? myLoadResString(1108) : std::to_string(id),
-             static_cast<qlonglong>(id)},
+            numberCell(row, "EventID", idText),
             {catchAll ? myLoadResString(1050) : textOrEmpty(row, "EventTitle"), {}},
-            {typeText(type), static_cast<qlonglong>(type)},
+            numberCell(row, "EventType", typeText),
             {"", catchAll},
             {momentText(last), ui::fromUtf8(last)}};
 }
@@ -109,18 +119,35 @@ void paneMonitoredEvents::controlInit() {
     cmdCreateNewEvent->setText(ui::text(1171));
     cmdDeleteSelectedEvent->setText(ui::text(1170));
     ui::nameByBuddy(*this);
+    if (vsflexgridMonitoredEvents->columnCount() > 0)
+        refillInPresentLanguage();
+}
+
+// Headers and cells hold translated words; the current row stays the same event's.
+void paneMonitoredEvents::refillInPresentLanguage() {
+    KeyedGrid& grid = *vsflexgridMonitoredEvents;
+    const int row = grid.currentGridRow();
+    const long current = row >= 1 ? currentEventKey() : 0;
+    const std::string column = grid.currentColumnKey();
+    displayEvents();
+    for (int i = 1; row >= 1 && i <= grid.gridRowCount(); ++i)
+        if (grid.cellValue(i, "EventKey").toLongLong() == current) {
+            grid.setCurrentGridCell(i, column);
+            cmdDeleteSelectedEvent->setEnabled(true);
+        }
 }
 
 void paneMonitoredEvents::displayEvents() {
     core::procedure(module, "displayEvents", [&](core::Frame& frame) {
         platform::Recordset events = mdlDatabase::getEvents();
         frame.step([&] { vsflexgridMonitoredEvents->reset(gridColumns()); });
-        vsflexgridMonitoredEvents->setUpdatesEnabled(false);
-        while (events.state() == platform::ObjectState::open && !events.EOF_()) {
-            frame.step([&] { vsflexgridMonitoredEvents->addRow(gridRow(events)); });
-            frame.step([&] { events.moveNext(); });
+        {
+            const KeyedGrid::Fill fill(*vsflexgridMonitoredEvents);
+            while (events.state() == platform::ObjectState::open && !events.EOF_()) {
+                frame.step([&] { vsflexgridMonitoredEvents->addRow(gridRow(events)); });
+                frame.step([&] { events.moveNext(); });
+            }
         }
-        vsflexgridMonitoredEvents->setUpdatesEnabled(true);
         frame.steps({[&] { vsflexgridMonitoredEvents->fitColumns(); },
                      [&] { cmdDeleteSelectedEvent->setEnabled(false); },
                      [&] {

@@ -28,6 +28,7 @@ class paneMonitoredEvents : public QWidget {
     void eventOpened(long eventKey);
 
   private:
+    void refillInPresentLanguage();
     void vsflexgridMonitoredEvents_Click();
     void vsflexgridMonitoredEvents_DblClick();
     void cmdDeleteSelectedEvent_Click();

@@ -40,5 +40,6 @@ function(qln_language_library code id)
   set(language_libraries ${language_libraries} ${resource_folder}/QLNbrandingres_${code}.dll PARENT_SCOPE)
 endfunction()
 
+qln_language_library(ENU 1033)
 qln_language_library(DEU 1031)
 qln_language_library(FRA 1036)

@@ -70,7 +70,7 @@ CREATE TABLE Configuration (
 );
 
 CREATE TABLE Exclusions (
-    ExclusionKey INTEGER PRIMARY KEY AUTOINCREMENT,
+    ExclusionKey INTEGER CONSTRAINT "PrimaryKey" PRIMARY KEY AUTOINCREMENT,
     EventSource TEXT(50) COLLATE NOCASE,
     EventId LONG
 );
@@ -105,3 +105,20 @@ INSERT INTO Configuration(Setting, Value) VALUES
 INSERT INTO Events(EventSource, EventId, EventTitle, EventType, EventActive, EventCollection) VALUES
     ('QLNTest', 10001, '$$IGNORE', 4, 0, 0),
     ('MeridaneCorvane', -1, 'All Meridane Corvane Errors', 1, 0, -1);
+
+-- Every event has a voice and an e-mail content. The console overwrites that of the scratch event at each test.
+INSERT INTO Contents(EventKey, ContentType, ContentAttachment, ContentPriority, ContentSubject, ContentNote)
+    SELECT EventKey, ContentType, CASE ContentType WHEN 1 THEN 'QLN_Default_ENU.wav' END, 1,
+        'Meridane Corvane server <Type> event, <Source>[<Event>] on <Computer>',
+        'Event Type:        <Type>' || char(13, 10) ||
+        'Event Source:      <Source>' || char(13, 10) ||
+        'Event Category:    <Category>' || char(13, 10) ||
+        'Event ID:          <Event>' || char(13, 10) ||
+        'Date:              <Date>' || char(13, 10) ||
+        'Time:              <Time>' || char(13, 10) ||
+        'User:              <User>' || char(13, 10) ||
+        'Computer:          <Computer>' || char(13, 10) ||
+        'Description:       ' || char(13, 10) ||
+        '<Description>' || char(13, 10) ||
+        'Notes:             <Notes>'
+    FROM Events, (SELECT 1 AS ContentType UNION ALL SELECT 3);

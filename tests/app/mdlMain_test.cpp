@@ -8,14 +8,20 @@
 #include <QAction>
 #include <QProcess>
 #include <QtTest/QTest>
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <regex>
 
+#include "core/classLog.h"
 #include "core/state.h"
+#include "platform/files.h"
 #include "platform/host.h"
+#include "platform/registry.h"
 #include "support/processEnd.h"
 #include "support/scriptedPrompts.h"
-#include "support/temporaryHost.h"
+#include "support/serviceHost.h"
+#include "support/serviceWindows.h"
 #include "ui/frmMain.h"
 
 namespace {
@@ -33,9 +39,10 @@ class Start : public ::testing::Test {
         host.setRegistry(tessaly, "Version Number", version);
         host.setRegistry(tessaly, "Build Number", build);
     }
-    void makeReady() {
+    void makeReady(bool installed = true) {
         makeServer(0x00040000, 0x00010000);
-        host.createRegistryKey(serviceKey);
+        if (installed)
+            host.installService();
         host.createRegistryKey("SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service");
         host.makeDirectory({"CREATE TABLE GlobalSubscriber(DisplayName, DirectoryId, DtmfAccessId)",
                             "CREATE TABLE DistributionList(DisplayName, DirectoryId)"});
@@ -61,7 +68,7 @@ class Start : public ::testing::Test {
 
     ~Start() override { delete gMainWindow; }
 
-    support::TemporaryHost host;
+    support::ServiceHost host;
     support::ScriptedPrompts prompts;
     support::CatchProcessEnd catchEnd;
 };
@@ -85,6 +92,63 @@ TEST_F(Start, RefusesAMachineThatIsNoServerAndAnOldOne) {
     EXPECT_EQ(runMain(), 1);
     EXPECT_TRUE(fs::exists(host.databaseFile()));
     EXPECT_FALSE(backupExists());
+}
+
+TEST_F(Start, RefusesWithTheReasonWhenTheRegistryCannotBeRead) {
+    makeReady();
+    const fs::path store = platform::host::registryFile();
+    const std::string text = "QLNAdmin can only be run from a Meridane Corvane server.  Exiting.\n\n";
+    const std::string title = "QLNAdmin not running on a Meridane Corvane server.";
+    const std::string good = platform::files::readFile(store);
+    platform::files::writeFile(store, good + "[half a ke");
+    const long line = std::ranges::count(good, '\n') + 1;
+    prompts.expect({text + "Path/File access error (" + store.string() + ":" + std::to_string(line) +
+                        ": a key without ']')",
+                    title, BoxIcon::critical},
+                   BoxAnswer::ok);
+    EXPECT_EQ(runMain(), 1);
+    EXPECT_EQ(platform::files::readFile(store), good + "[half a ke");
+    fs::remove(store);
+    fs::create_directory(store);
+    prompts.expect({text + "Path/File access error (" + store.string() + ")", title, BoxIcon::critical},
+                   BoxAnswer::ok);
+    EXPECT_EQ(runMain(), 1);
+    EXPECT_FALSE(fs::exists(host.databaseFile()));
+}
+
+// An unusable database or log is told in the log alone: the console comes up, empty, and ends orderly.
+TEST_F(Start, ComesUpWithoutAUsableDatabaseOrLog) {
+    makeReady();
+    const fs::path fresh = host.databaseFolder() / "QLNDB_FRESH.MDB";
+    const fs::path backup = host.databaseFolder() / "QLNDB_BKP.MDB";
+    const std::string good = platform::files::readFile(fresh);
+    fs::remove(fresh);
+    platform::files::writeFile(backup, "of better days");
+    support::ManualClock clock;
+    const auto runWith = [&](const std::string& shape) {
+        SCOPED_TRACE(shape.size());
+        platform::files::writeFile(host.databaseFile(), shape);
+        expectServiceWarning();
+        EXPECT_EQ(runMain(), -1);
+        ASSERT_NE(gMainWindow, nullptr);
+        EXPECT_TRUE(gMainWindow->isVisible());
+        EXPECT_THROW(mdlMain::myFinalExit(), support::ProcessEnded);
+        EXPECT_EQ(platform::files::readFile(host.databaseFile()), shape);
+        EXPECT_EQ(platform::files::readFile(backup), "of better days");
+        delete gMainWindow;
+        core::resetState();
+    };
+    runWith("");
+    runWith("no database at all");
+    runWith(good.substr(0, good.size() / 2));
+    EXPECT_GE(host.countInLog("Err.Number = -2147467259"), 3);
+    core::resetLog();
+    fs::remove_all(host.programFolder() / "LOGS");
+    std::ofstream(host.programFolder() / "LOGS") << "no folder";
+    fs::remove(host.databaseFile());
+    expectServiceWarning();
+    EXPECT_EQ(runMain(), -1) << "neither database, nor template, nor log";
+    EXPECT_FALSE(fs::exists(host.databaseFile()));
 }
 
 TEST_F(Start, ComesUpInItsOrderAndEndsWithABackup) {
@@ -123,6 +187,33 @@ TEST_F(Start, ComesUpInItsOrderAndEndsWithABackup) {
     const std::regex form(R"((    Info| Warning|   ERROR| VerInfo):\(.{45}\) .*)");
     for (const std::string& line : host.logLines())
         EXPECT_TRUE(std::regex_match(line, form)) << line;
+}
+
+TEST_F(Start, TheFirstRunAsksForThePasswordAndOpensWithARunningService) {
+    makeReady(false);
+    support::FastClock clock;
+    support::ScriptedPassword password;
+    password.answers = {"wrong", std::nullopt};
+    prompts.expect(
+        {"The QLN Service could not be started.  Typically this is because of an invalid password.  "
+         "Please try again.",
+         "QLN Service failed to start", BoxIcon::critical},
+        BoxAnswer::ok);
+    prompts.expect({"The Quillon Service must be installed to use this application.  Exiting.",
+                    "Quillon Service not installed!", BoxIcon::critical},
+                   BoxAnswer::ok);
+    EXPECT_EQ(runMain(), 1) << "cancelled";
+    EXPECT_EQ(core::gCorvaneDb.state(), platform::ObjectState::closed);
+    EXPECT_EQ(gMainWindow, nullptr);
+    EXPECT_FALSE(backupExists());
+
+    platform::registry().deleteKey(std::string("HKEY_LOCAL_MACHINE\\") + serviceKey);
+    host.setBehaviour("", 200);
+    password.answers = {support::servicePassword};
+    EXPECT_EQ(runMain(), -1) << "no warning comes: the service runs";
+    ASSERT_NE(gMainWindow, nullptr);
+    EXPECT_TRUE(gMainWindow->isVisible());
+    EXPECT_EQ(host.processes(), 1);
 }
 
 TEST_F(Start, FindsTheDevicesThatTheHostSupports) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdio>
@@ -204,6 +205,10 @@ TEST_F(Provision, TheToolMakesAndInspectsAHost) {
     EXPECT_EQ(qlnhost(on + "registry list 'SOFTWARE\\New'").code, 1);
     EXPECT_NE(qlnhost(on + "events System").text.find("Ntp"), std::string::npos);
     EXPECT_NE(qlnhost(on + "services").text.find("HbQlnSvc         stopped"), std::string::npos);
+    EXPECT_EQ(qlnhost(on + "services start HbQlnSvc").code, 0);
+    EXPECT_EQ(qlnhost(on + "services start HbQlnSvc").code, 1);
+    for (int i = 0; i < 500 && qlnhost(on + "services stop HbQlnSvc").code != 0; ++i)
+        usleep(10000);
     EXPECT_EQ(qlnhost(on + "accounts set 'HOST\\someone'", "secret\n").code, 0);
     EXPECT_EQ(qlnhost(on + "accounts check 'HOST\\someone'", "secret\n").code, 0);
     EXPECT_EQ(qlnhost(on + "accounts check 'HOST\\someone'", "Secret\n").code, 1);
@@ -213,6 +218,23 @@ TEST_F(Provision, TheToolMakesAndInspectsAHost) {
         qlnhost(on + "directory import " + writeCsv("Alias,DisplayName,Extension\na,The As,1\nb,The Bs\n"));
     EXPECT_EQ(import.code, 1);
     EXPECT_NE(import.text.find("people.csv:3: 2 fields under 3 columns"), std::string::npos) << import.text;
+}
+
+TEST_F(Provision, AFreshHostAwaitsTheConsolesFirstRun) {
+    const std::string dir = (root / "demo").string();
+    EXPECT_EQ(qlnhost("create " + dir + " --fresh --subscribers 5").code, 0);
+    EXPECT_TRUE(fs::exists(root / "demo" / "Service" / "HbQlnSvc.ex_"));
+    for (const char* file : {"HbQlnSvc.exe", "HbQlnSvcRes_ENU.dll"})
+        EXPECT_FALSE(fs::exists(root / "demo" / "Service" / file)) << file;
+    EXPECT_EQ(qlnhost("--host " + dir + " services").text, "TsHubMgr         stopped\n");
+    for (const char* source : {"QLNTest", "MeridaneCorvane_HbQlnSvc"})
+        EXPECT_EQ(qlnhost("--host " + dir +
+                          " registry list 'SYSTEM\\CurrentControlSet\\Services\\EventLog\\"
+                          "Application\\" +
+                          source + "'")
+                      .code,
+                  1)
+            << source;
 }
 
 TEST_F(Provision, TheToolSaysWhatItDoesNotUnderstand) {

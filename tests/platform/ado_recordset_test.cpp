@@ -320,6 +320,97 @@ TEST_F(RecordsetTest, KeepsAStatementForTheNextNumberAndNothingElseOfIt) {
     second.close();
 }
 
+TEST_F(RecordsetTest, FindsARowByItsKeyWithoutTheOthersAndGoesOnFromThere) {
+    other.run(
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 500) "
+        "INSERT INTO Events(EventSource, EventId) SELECT 's' || i, i * 10 FROM n");
+    Recordset rows = write("SELECT * FROM Events WHERE EventId <> 4000 ORDER BY EventKey DESC");
+    const auto seek = [&](long key) {
+        rows.moveFirst();
+        rows.find("EventKey = " + std::to_string(key));
+        return rows.EOF_() ? -1 : rows.number("EventId");
+    };
+    // It is read when it is looked for, and written by its key.
+    other.run("UPDATE Events SET EventId = 77 WHERE EventKey = 7");
+    EXPECT_EQ(seek(7), 77);
+    rows.set("EventType", 3);
+    rows.update();
+    EXPECT_EQ(rows.number("EventType"), 3);
+    EXPECT_EQ(other.read("SELECT EventType FROM Events WHERE EventKey IN (6, 7)"), "Null 3");
+    rows.addNew();
+    rows.set("EventSource", "new");
+    rows.set("EventId", 1);
+    rows.update();
+    EXPECT_EQ(rows.text("EventSource"), "new");
+    EXPECT_EQ(seek(501), 1) << "a row that was added here";
+    rows.set("EventId", 2);
+    rows.update();
+    EXPECT_EQ(seek(501), 2);
+    EXPECT_EQ(seek(300), 3000);
+    rows.moveNext();
+    EXPECT_EQ(rows.number("EventKey"), 299) << "the order is that of the statement";
+    EXPECT_EQ(rows.recordCount(), 500);
+    EXPECT_EQ(seek(400), -1) << "not among the rows";
+    EXPECT_EQ(seek(7), 77);
+    EXPECT_EQ(rows.number("EventType"), 3);
+
+    Recordset again = write("SELECT * FROM Events");
+    again.moveFirst();
+    again.find("EventKey = 9");
+    again.deleteCurrent();
+    EXPECT_EQ(failureOf([&] { again.value("EventKey"); }), noCurrentRecord);
+    again.moveNext();
+    EXPECT_EQ(again.number("EventKey"), 10);
+    EXPECT_EQ(other.read("SELECT count(*) FROM Events WHERE EventKey = 9"), "0");
+}
+
+TEST_F(RecordsetTest, StatementsThatDifferInNumbersOnlyKeepTheirOwn) {
+    fillDevices(20);
+    const auto count = [&](const std::string& condition) {
+        Recordset rows;
+        rows.open("SELECT DeviceKey FROM Device WHERE " + condition, connection, CursorType::staticCursor);
+        return rows.recordCount();
+    };
+    EXPECT_EQ(count("DeviceKey = 1 OR DeviceKey = 2"), 2);
+    EXPECT_EQ(count("DeviceKey = 3 OR DeviceKey = 99"), 1);
+    EXPECT_EQ(count("DeviceKey > 5 AND DeviceKey <>7"), 14);
+    EXPECT_EQ(count("DeviceKey > 19 AND DeviceKey <>20"), 0);
+    EXPECT_EQ(count("DeviceKey > 1.5 AND DeviceKey >= 1e1 AND DeviceKey > -1 AND Address <> '= 5'"), 11);
+    EXPECT_EQ(count("DeviceKey = 99999999999999999999"), 0);
+    EXPECT_EQ(failureOf([&] { count("DeviceKey = ?1 OR DeviceKey = 1"); }), columnMissing);
+    EXPECT_EQ(failureOf([&] { count("DeviceKey = 1 AND DeviceKey = $x"); }), columnMissing);
+    // Two at once.
+    Recordset one;
+    Recordset two;
+    one.open("SELECT * FROM Device WHERE DeviceKey > 1 ORDER BY DeviceKey", connection);
+    two.open("SELECT * FROM Device WHERE DeviceKey > 5 ORDER BY DeviceKey", connection);
+    one.moveNext();
+    EXPECT_EQ(one.number("DeviceKey"), 3);
+    EXPECT_EQ(two.number("DeviceKey"), 6);
+}
+
+TEST_F(RecordsetTest, AStatementThatRanBeforeSeesTheColumnsOfToday) {
+    fillDevices(2);
+    for (const LockType lock : {LockType::readOnly, LockType::optimistic})
+        for (const char* change :
+             {"ALTER TABLE Device ADD COLUMN Colour TEXT DEFAULT 'red'",
+              "ALTER TABLE Device RENAME COLUMN Colour TO Hue", "ALTER TABLE Device DROP COLUMN Hue"}) {
+            write("SELECT * FROM Device", lock).close();
+            other.run(change);
+            Recordset rows = write("SELECT * FROM Device", lock);
+            const std::size_t extra = contains(change, "DROP") ? 0 : 1;
+            ASSERT_EQ(rows.fieldCount(), 2 + extra) << change;
+            if (extra) {
+                const char* name = contains(change, "ADD") ? "Colour" : "Hue";
+                EXPECT_EQ(rows.text(name), "red");
+                if (lock == LockType::optimistic) {
+                    rows.set(name, std::string("red"));
+                    rows.update();
+                }
+            }
+        }
+}
+
 TEST_F(RecordsetTest, WritesNothingThroughAConnectionThatWasClosed) {
     Recordset rows = write("SELECT * FROM Device");
     connection.close();

@@ -6,6 +6,7 @@
 #include "platform/files.h"
 #include "platform/host.h"
 #include "platform/serviceManager.h"
+#include "server/legacyShortcuts.h"
 #include "server/mdlCorvane.h"
 #include "server/mdlCorvaneDatabase.h"
 #include "server/serviceControl.h"

@@ -19,8 +19,13 @@ void ScriptedPrompts::expect(MessageBox box, BoxAnswer answer) {
     boxes_.push_back({std::move(box), answer});
 }
 
-void ScriptedPrompts::expectInput(std::string text, std::string title, std::optional<std::string> answer) {
-    inputs_.push_back({std::move(text), std::move(title), std::move(answer)});
+void ScriptedPrompts::expectInput(std::string text, std::string title, std::string initial,
+                                  std::optional<std::string> answer) {
+    inputs_.push_back({std::move(text), std::move(title), std::move(initial), std::move(answer)});
+}
+
+void ScriptedPrompts::expectFile(FileQuestion question, std::optional<std::string> answer) {
+    files_.push_back({std::move(question), std::move(answer)});
 }
 
 BoxAnswer ScriptedPrompts::messageBox(const MessageBox& box) {
@@ -37,7 +42,8 @@ BoxAnswer ScriptedPrompts::messageBox(const MessageBox& box) {
     return expected.answer;
 }
 
-std::optional<std::string> ScriptedPrompts::inputBox(const std::string& text, const std::string& title) {
+std::optional<std::string> ScriptedPrompts::inputBox(const std::string& text, const std::string& title,
+                                                     const std::string& initial) {
     if (inputs_.empty()) {
         ADD_FAILURE() << "unexpected input box '" << title << "': " << text;
         return std::nullopt;
@@ -46,12 +52,22 @@ std::optional<std::string> ScriptedPrompts::inputBox(const std::string& text, co
     inputs_.pop_front();
     EXPECT_EQ(text, expected.text);
     EXPECT_EQ(title, expected.title);
+    EXPECT_EQ(initial, expected.initial);
     return expected.answer;
 }
 
-std::optional<std::string> ScriptedPrompts::openFile(const std::string& title, const std::string&) {
-    ADD_FAILURE() << "unexpected file dialog '" << title << "'";
-    return std::nullopt;
+std::optional<std::string> ScriptedPrompts::openFile(const FileQuestion& question) {
+    if (files_.empty()) {
+        ADD_FAILURE() << "unexpected file dialog '" << question.title << "'";
+        return std::nullopt;
+    }
+    const ExpectedFile expected = files_.front();
+    files_.pop_front();
+    EXPECT_EQ(question.title, expected.question.title);
+    EXPECT_EQ(question.filter, expected.question.filter);
+    EXPECT_EQ(question.defaultExtension, expected.question.defaultExtension);
+    EXPECT_EQ(question.folder, expected.question.folder);
+    return expected.answer;
 }
 
 }  // namespace support

@@ -15,12 +15,15 @@ class ScriptedPrompts : public platform::Prompts {
     ~ScriptedPrompts() override;
 
     void expect(platform::MessageBox box, platform::BoxAnswer answer);
-    void expectInput(std::string text, std::string title, std::optional<std::string> answer);
-    bool finished() const { return boxes_.empty() && inputs_.empty(); }
+    void expectInput(std::string text, std::string title, std::string initial,
+                     std::optional<std::string> answer);
+    void expectFile(platform::FileQuestion question, std::optional<std::string> answer);
+    bool finished() const { return boxes_.empty() && inputs_.empty() && files_.empty(); }
 
     platform::BoxAnswer messageBox(const platform::MessageBox& box) override;
-    std::optional<std::string> inputBox(const std::string& text, const std::string& title) override;
-    std::optional<std::string> openFile(const std::string& title, const std::string& filter) override;
+    std::optional<std::string> inputBox(const std::string& text, const std::string& title,
+                                        const std::string& initial) override;
+    std::optional<std::string> openFile(const platform::FileQuestion& question) override;
 
   private:
     struct Expected {
@@ -28,11 +31,16 @@ class ScriptedPrompts : public platform::Prompts {
         platform::BoxAnswer answer;
     };
     struct ExpectedInput {
-        std::string text, title;
+        std::string text, title, initial;
+        std::optional<std::string> answer;
+    };
+    struct ExpectedFile {
+        platform::FileQuestion question;
         std::optional<std::string> answer;
     };
     std::deque<Expected> boxes_;
     std::deque<ExpectedInput> inputs_;
+    std::deque<ExpectedFile> files_;
 };
 
 }  // namespace support

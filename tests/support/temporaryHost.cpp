@@ -19,20 +19,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct CloseDatabase {
-    void operator()(sqlite3* handle) const { sqlite3_close(handle); }
-};
-using Handle = std::unique_ptr<sqlite3, CloseDatabase>;
-
-Handle openDirectly(const fs::path& database, int flags) {
-    sqlite3* raw = nullptr;
-    const int code = sqlite3_open_v2(database.c_str(), &raw, flags, nullptr);
-    Handle handle(raw);
-    EXPECT_EQ(code, SQLITE_OK) << database;
-    sqlite3_busy_timeout(raw, 5000);
-    return handle;
-}
-
 std::string machineKey(std::string_view path) {
     return "HKEY_LOCAL_MACHINE\\" + std::string(path);
 }
@@ -67,11 +53,9 @@ void TemporaryHost::openConfiguration() {
 }
 
 void TemporaryHost::makeDirectory(const std::vector<std::string>& statements) {
-    const Handle handle =
-        openDirectly(platform::host::directoryDatabase(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    Database directory(platform::host::directoryDatabase());
     for (const std::string& statement : statements)
-        EXPECT_EQ(sqlite3_exec(handle.get(), statement.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-            << statement;
+        directory.run(statement);
 }
 
 void TemporaryHost::createRegistryKey(std::string_view path) {
@@ -97,6 +81,20 @@ std::vector<std::string> TemporaryHost::logLines() const {
     return lines;
 }
 
+long TemporaryHost::countInLog(std::string_view level, std::string_view procedure,
+                               std::string_view text) const {
+    long count = 0;
+    for (const std::string& line : logLines()) {
+        const std::size_t end = line.find(") ");
+        if (line.find(std::string(level) + ":(") == std::string::npos || end == std::string::npos ||
+            !line.substr(0, end).ends_with("]" + std::string(procedure)))
+            continue;
+        const std::size_t start = line.find_first_not_of(' ', end + 1);
+        count += start != std::string::npos && line.substr(start).starts_with(text) ? 1 : 0;
+    }
+    return count;
+}
+
 long TemporaryHost::countInLog(std::string_view text) const {
     long count = 0;
     for (const std::string& line : logLines())
@@ -104,8 +102,24 @@ long TemporaryHost::countInLog(std::string_view text) const {
     return count;
 }
 
-std::vector<std::string> query(const fs::path& database, const std::string& statement) {
-    const Handle handle = openDirectly(database, SQLITE_OPEN_READONLY);
+void Database::Close::operator()(sqlite3* handle) const {
+    sqlite3_close(handle);
+}
+
+Database::Database(const fs::path& file, bool readOnly) {
+    sqlite3* raw = nullptr;
+    const int flags = readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    EXPECT_EQ(sqlite3_open_v2(file.c_str(), &raw, flags, nullptr), SQLITE_OK) << file;
+    handle_.reset(raw);
+    sqlite3_busy_timeout(raw, 5000);
+}
+
+void Database::run(const std::string& statements) {
+    EXPECT_EQ(sqlite3_exec(handle_.get(), statements.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << statements << ": " << sqlite3_errmsg(handle_.get());
+}
+
+std::vector<std::string> Database::query(const std::string& statement) {
     std::vector<std::string> rows;
     const auto collect = [](void* target, int count, char** values, char**) {
         std::string row;
@@ -114,15 +128,17 @@ std::vector<std::string> query(const fs::path& database, const std::string& stat
         static_cast<std::vector<std::string>*>(target)->push_back(row);
         return 0;
     };
-    EXPECT_EQ(sqlite3_exec(handle.get(), statement.c_str(), collect, &rows, nullptr), SQLITE_OK)
-        << statement << ": " << sqlite3_errmsg(handle.get());
+    EXPECT_EQ(sqlite3_exec(handle_.get(), statement.c_str(), collect, &rows, nullptr), SQLITE_OK)
+        << statement << ": " << sqlite3_errmsg(handle_.get());
     return rows;
 }
 
+std::vector<std::string> query(const fs::path& database, const std::string& statement) {
+    return Database(database, true).query(statement);
+}
+
 void run(const fs::path& database, const std::string& statements) {
-    const Handle handle = openDirectly(database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-    EXPECT_EQ(sqlite3_exec(handle.get(), statements.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-        << statements << ": " << sqlite3_errmsg(handle.get());
+    Database(database).run(statements);
 }
 
 }  // namespace support

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,9 +40,28 @@ class TemporaryHost {
     std::vector<std::string> logLines() const;
     // Number of log lines that contain the text.
     long countInLog(std::string_view text) const;
+    // Number of lines of that level ("Info", "Warning", "ERROR", "VerInfo") and procedure whose text begins
+    // so.
+    long countInLog(std::string_view level, std::string_view procedure, std::string_view text) const;
 
   private:
     std::filesystem::path root_;
+};
+
+// An independent engine handle on a database file, as another program has it; waits five seconds for a lock.
+class Database {
+  public:
+    explicit Database(const std::filesystem::path& file, bool readOnly = false);
+    // Runs statements; fails the test when one fails.
+    void run(const std::string& statements);
+    // Rows of a query: fields joined by '|', Null as "NULL".
+    std::vector<std::string> query(const std::string& statement);
+
+  private:
+    struct Close {
+        void operator()(sqlite3* handle) const;
+    };
+    std::unique_ptr<sqlite3, Close> handle_;
 };
 
 // Rows of a query through an independent engine handle: fields joined by '|', Null as "NULL".

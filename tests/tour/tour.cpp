@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QFileInfo>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QtTest/QTest>
@@ -27,6 +28,7 @@
 #include "ui/widgets/keyedGrid.h"
 #include "ui/widgets/keyedTree.h"
 #include "ui/widgets/variableTextBox.h"
+#include "ui/windowServices.h"
 
 namespace {
 
@@ -91,6 +93,18 @@ void clickNode(ui::KeyedTree& tree, const std::string& key) {
     QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, tree.visualItemRect(items.first()).center());
 }
 
+// Chooses a language in the About window and closes it.
+void chooseLanguage(QWidget& about, const QString& language) {
+    for (QAction* item : control<QMenu>(about, "mnuSelectLanguage").actions())
+        if (item->text() == language) {
+            item->trigger();
+            tour::takePicture("about");
+            QTest::mouseClick(&control<QPushButton>(about, "cmdOk"), Qt::LeftButton);
+            return;
+        }
+    insist(false, "no language " + language);
+}
+
 void play(support::WindowScript& script) {
     frmMain& window = *gMainWindow;
     ui::KeyedTree& tree = *window.tvNavigation;
@@ -144,6 +158,11 @@ void play(support::WindowScript& script) {
 
     clickNode(tree, window.findNode(nodeTypeEvent, std::stol(added.substr(added.find('-') + 1))));
     tour::takePicture("event");
+    // The language changes in every window at once, and back.
+    for (const char* language : {"German (Germany)", "English (United States)"}) {
+        script.expect("frmAbout", [&](QWidget& about) { chooseLanguage(about, language); });
+        tour::chooseMenu(window, {"mnuHelp", "mnuHelpAbout"});
+    }
     insist(script.finished(), "a window that was expected never came");
     tour::chooseMenu(window, {"mnuFile", "mnuExit"});
     insist(false, "the exit did not end the run");
@@ -167,6 +186,7 @@ int main(int argc, char** argv) {
     backupFile = QString::fromStdString((root / "Database" / "QLNDB_BKP.MDB").string());
     ui::MessageBoxes boxes;
     platform::setPrompts(&boxes);
+    const ui::WindowServices services;
     platform::WindowStation station(platform::program::name());
     support::WindowScript script([](const QString& message) { insist(false, message); });
     script.expectBox("QLN Service not started", "OK", [](QWidget&) { tour::takePicture("service-warning"); });

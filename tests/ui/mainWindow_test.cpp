@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QFrame>
+#include <QGuiApplication>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QtTest/QTest>
@@ -173,11 +177,11 @@ TEST_F(MainWindow, AddsAnEventThroughTheDialogAndSelectsIt) {
                              "SELECT EventSource, EventId, EventTitle, EventType, EventActive FROM Events "
                              "ORDER BY EventKey DESC LIMIT 1"),
               (std::vector<std::string>{"Backup|42|it's; \"quoted\" 100%|4|0"}));
-    EXPECT_EQ(
-        support::query(
-            host.databaseFile(),
-            "SELECT ContentType, ContentPriority, ContentAttachment FROM Contents ORDER BY ContentType"),
-        (std::vector<std::string>{"1|1|QLN_Default_ENU.wav", "3|2|NULL"}));
+    EXPECT_EQ(support::query(host.databaseFile(),
+                             "SELECT ContentType, ContentPriority, ContentAttachment FROM Contents WHERE "
+                             "EventKey > 2 ORDER BY "
+                             "ContentType"),
+              (std::vector<std::string>{"1|1|QLN_Default_ENU.wav", "3|2|NULL"}));
 
     // Going back to all ids, and cancelling, write nothing.
     script.expect("Add New Event", [&](QWidget& dialog) {
@@ -191,6 +195,52 @@ TEST_F(MainWindow, AddsAnEventThroughTheDialogAndSelectsIt) {
     find<QPushButton>("cmdCreateNewEvent")->click();
     EXPECT_EQ(support::query(host.databaseFile(), "SELECT Count(*) FROM Events"),
               std::vector<std::string>{"3"});
+}
+
+// What is typed or pasted into the dialog arrives as it is, of any length.
+TEST_F(MainWindow, AnyTextArrivesInTheDatabase) {
+    const std::string source = "O'Brien's \"Tools\"; 100% \xf0\x9f\x93\x9f";
+    const std::string title =
+        "'; DELETE FROM Events; -- 100% \t\xd7\xa9\xd7\x9c\xd7\x95\xd7\x9d \xf0\x9f\x93\x9f";
+    const std::string subject = "S\xc3\xa9v\xc3\xa9rit\xc3\xa9\xc2\xa0: '<Type>' \"100%\"; \xd7\xa9\xd7\x9c";
+    const std::string body = "'one';\n\ttwo %n\n\xf0\x9f\x93\x9f\n" + std::string(100'000, 'x');
+    host.setRegistry(sourcesKey + source, "EventMessageFile", std::string("file"));
+    mdlDatabase::setConfigurationSetting("WarnOnDuplicateMonitoredEvents", "0");
+    open();
+    script.expect("dlgEvent", [&](QWidget& dialog) {
+        const auto paste = [&](const char* name, const std::string& text) {
+            auto* control = dialog.findChild<QWidget*>(name);
+            control->setFocus();
+            QTest::keyClick(control, Qt::Key_A, Qt::ControlModifier);
+            QGuiApplication::clipboard()->setText(ui::fromUtf8(text));
+            QTest::keyClick(control, Qt::Key_V, Qt::ControlModifier);
+        };
+        auto* sources = dialog.findChild<QComboBox*>("comboEventSource");
+        sources->setFocus();
+        QTest::keyClicks(sources, "O");
+        paste("txtEventTitle", title + std::string(100'000, 'x'));
+        paste("txtVoiceMailFileName", "it's \"a\"; 100%.wav");
+        paste("rtbEmailSubject", subject);
+        paste("rtbEmailBody", body);
+        // Typed at the end, letter by letter.
+        auto* typed = dialog.findChild<QWidget*>("txtEventTitle");
+        typed->setFocus();
+        QTest::keyClicks(typed, "'--\"");
+        dialog.findChild<QPushButton*>("cmdOk")->click();
+    });
+    find<QAction>("mnuFileNewEvent")->trigger();
+    const std::string stored = QString::fromStdString(body).replace("\n", "\r\n").toStdString();
+    const std::string notes = title + std::string(100'000, 'x') + "'--\"";
+    // Compared whole, but not printed.
+    EXPECT_TRUE(support::query(host.databaseFile(),
+                               "SELECT EventSource, EventTitle FROM Events WHERE EventKey > 2") ==
+                std::vector<std::string>{source + "|" + notes});
+    EXPECT_TRUE(support::query(host.databaseFile(),
+                               "SELECT ContentAttachment, ContentSubject, ContentNote FROM Contents WHERE "
+                               "EventKey > 2 ORDER BY ContentType") ==
+                (std::vector<std::string>{"it's \"a\"; 100%.wav|" + subject + "|" + stored,
+                                          "NULL|" + subject + "|" + stored}));
+    EXPECT_EQ(tree->nodeText(tree->selectedKey()), source + " (All)");
 }
 
 TEST_F(MainWindow, DuplicateDeclinedSelectsTheExistingEvent) {
@@ -263,6 +313,17 @@ TEST_F(MainWindow, DoubleClickOpensTheEventAndThePopupAddsOneAfterItClosed) {
     QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, cell);
     EXPECT_EQ(tree->selectedKey(), "EventKey-" + std::to_string(key));
     EXPECT_EQ(visiblePane(), 1);
+    // A real double click ends with a release, which is no click of its own: the event is switched once.
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, placeOf("keyMonitoredEvents"));
+    const QPoint flag = grid->cellRectangle(2, "EventActive").center();
+    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick,
+                            QEvent::MouseButtonRelease}) {
+        QMouseEvent event(type, flag, grid->viewport()->mapToGlobal(flag), Qt::LeftButton,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, {});
+        QApplication::sendEvent(grid->viewport(), &event);
+    }
+    EXPECT_EQ(visiblePane(), 1);
+    EXPECT_TRUE(mdlDatabase::isEventActive(key));
     script.expectMenu("mnuPopupAddEvent");
     script.expect("dlgEvent", [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
     QTest::mouseClick(tree->viewport(), Qt::RightButton, {}, placeOf("keyMonitoredEvents"));
@@ -270,10 +331,29 @@ TEST_F(MainWindow, DoubleClickOpensTheEventAndThePopupAddsOneAfterItClosed) {
     EXPECT_EQ(tree->selectedKey(), "keyMonitoredEvents");
 }
 
+TEST_F(MainWindow, ShowsRowsThatLackAValue) {
+    std::string statements;
+    for (int i = 0; i < 12; ++i)
+        statements += "INSERT INTO Events(EventSource, EventTitle) VALUES('Bare', '');";
+    support::run(host.databaseFile(), statements);
+    const long last = add("Zoned", "5");
+    open();
+    EXPECT_EQ(grid->gridRowCount(), 14);
+    EXPECT_EQ(grid->cellText(2, "EventID"), "");
+    EXPECT_TRUE(grid->updatesEnabled());
+    EXPECT_EQ(tree->nodeText("EventKey-" + std::to_string(last)), "Zoned (5)");
+}
+
 TEST_F(MainWindow, LaysItselfOutWithinItsLimits) {
     open();
     EXPECT_EQ(window->width(), 770);
     EXPECT_EQ(window->height(), 592);
+    int third = 3000;
+    window->SizeControls(third);
+    EXPECT_EQ(tree->geometry().left(), 0);
+    EXPECT_EQ(tree->width(), ui::pixels(3000));
+    EXPECT_EQ(find<QWidget>("vsviewportDetails_0")->x(), ui::pixels(3040));
+    EXPECT_EQ(find<QWidget>("vsviewportDetails_0")->width(), ui::pixels(11550 - 3160));
     window->resize(700, ui::pixels(4000));
     EXPECT_GE(ui::twips(window->height()), 5000) << "a lower window springs back";
     int splitter = 300;

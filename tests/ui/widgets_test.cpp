@@ -78,6 +78,13 @@ TEST(KeyedTree, TellsOfChoicesByMouseAndKeyboardAndNotOfItsOwnSelection) {
     QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, QPoint(item.left() - 8, item.center().y()));
     EXPECT_TRUE(tree.topLevelItem(0)->isExpanded());
     EXPECT_EQ(chosen.size(), 2u);
+    // Whoever presses on one node and lets go on another has chosen the one that is then selected.
+    tree.select("b");
+    QTest::mousePress(tree.viewport(), Qt::LeftButton, {}, placeOf(tree, "A"));
+    QTest::mouseMove(tree.viewport(), placeOf(tree, "B"));
+    QTest::mouseRelease(tree.viewport(), Qt::LeftButton, {}, placeOf(tree, "B"));
+    ASSERT_EQ(chosen.size(), 3u);
+    EXPECT_EQ(chosen.back(), tree.selectedKey());
     // A right press asks for the popup, also on an empty spot.
     QSignalSpy popups(&tree, &KeyedTree::rightPressed);
     QTest::mouseClick(tree.viewport(), Qt::RightButton, {}, placeOf(tree, "B"));

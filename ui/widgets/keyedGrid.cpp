@@ -8,9 +8,11 @@
 #include <QPainter>
 #include <QStyledItemDelegate>
 #include <QToolTip>
+#include <utility>
 
 #include "platform/failure.h"
 #include "ui/text.h"
+#include "ui/widgets/cellTip.h"
 
 namespace ui {
 
@@ -120,7 +122,7 @@ void KeyedGrid::addRow(const std::vector<Cell>& cells) {
         // A cell is one line high: line breaks of a long note show as blanks, the tip has the whole text.
         if (const QString whole = item->text(); whole.contains('\n') || whole.contains('\r')) {
             item->setText(whole.simplified());
-            item->setToolTip(whole.left(2000));
+            item->setToolTip(whole.left(2000).toHtmlEscaped().replace('\n', "<br>"));
         }
         if (columns_[i].centred)
             item->setTextAlignment(Qt::AlignCenter);
@@ -167,14 +169,10 @@ void KeyedGrid::resizeEvent(QResizeEvent* event) {
 
 bool KeyedGrid::viewportEvent(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
-        auto* help = static_cast<QHelpEvent*>(event);
+        const auto* help = static_cast<QHelpEvent*>(event);
         const QTableWidgetItem* hit = itemAt(help->pos());
-        // A cell that shows all it has needs no tip.
-        if (hit && hit->toolTip().isEmpty() &&
-            fontMetrics().horizontalAdvance(hit->text()) > visualItemRect(hit).width() - 6) {
-            QToolTip::showText(help->globalPos(), hit->text().toHtmlEscaped(), viewport());
+        if (hit && hit->toolTip().isEmpty() && showCutText(*this, *help))
             return true;
-        }
     }
     return QTableWidget::viewportEvent(event);
 }
@@ -230,12 +228,21 @@ void KeyedGrid::sortBy(int column) {
 void KeyedGrid::mouseReleaseEvent(QMouseEvent* event) {
     QTableWidget::mouseReleaseEvent(event);
     const QTableWidgetItem* hit = itemAt(event->position().toPoint());
-    if (event->button() == Qt::LeftButton && hit && hit == currentItem())
+    // The release that ends a double click is no click of its own.
+    if (event->button() != Qt::LeftButton || std::exchange(doubleClicked_, false))
+        return;
+    if (hit && hit == currentItem())
         emit clicked();
+}
+
+void KeyedGrid::mousePressEvent(QMouseEvent* event) {
+    doubleClicked_ = false;
+    QTableWidget::mousePressEvent(event);
 }
 
 void KeyedGrid::mouseDoubleClickEvent(QMouseEvent* event) {
     QTableWidget::mouseDoubleClickEvent(event);
+    doubleClicked_ = true;  // only now: on refilled rows the base class takes it for a press
     if (event->button() == Qt::LeftButton && itemAt(event->position().toPoint()))
         emit doubleClicked();
 }

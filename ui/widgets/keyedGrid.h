@@ -32,6 +32,17 @@ class KeyedGrid : public QTableWidget {
     };
     // Adds a row with one cell per column, in column order.
     void addRow(const std::vector<Cell>& cells);
+    // While an instance lives the grid does not paint.
+    class Fill {
+      public:
+        explicit Fill(KeyedGrid& grid) : grid_(grid) { grid_.setUpdatesEnabled(false); }
+        ~Fill() { grid_.setUpdatesEnabled(true); }
+        Fill(const Fill&) = delete;
+        Fill& operator=(const Fill&) = delete;
+
+      private:
+        KeyedGrid& grid_;
+    };
     // Makes the columns as wide as their content, as far as the grid's own width allows, now and whenever
     // that changes.
     void fitColumns();
@@ -56,6 +67,7 @@ class KeyedGrid : public QTableWidget {
     void doubleClicked();
 
   protected:
+    void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -75,6 +87,7 @@ class KeyedGrid : public QTableWidget {
         int header = 0;   // what the header alone wants
     };
     std::vector<Width> widths_;
+    bool doubleClicked_ = false;
 };
 
 }  // namespace ui

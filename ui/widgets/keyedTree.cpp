@@ -98,6 +98,10 @@ std::string KeyedTree::nodeText(std::string_view key) const {
     return toUtf8(get(key).text(0));
 }
 
+void KeyedTree::setNodeText(std::string_view key, const std::string& text) {
+    get(key).setText(0, fromUtf8(text));
+}
+
 std::string KeyedTree::selectedKey() const {
     return keyOf(currentItem());
 }
@@ -137,6 +141,7 @@ void KeyedTree::mousePressEvent(QMouseEvent* event) {
         emit rightPressed(position);
         return;
     }
+    chosenKey_ = selectedKey();
     pressedKey_ = hitTest(position);
     QTreeWidget::mousePressEvent(event);
 }
@@ -150,10 +155,16 @@ void KeyedTree::mouseReleaseEvent(QMouseEvent* event) {
     const bool onItem = item && position.x() >= visualItemRect(item).left();
     if (event->button() == Qt::LeftButton && onItem && key == pressedKey_)
         emit nodeClicked(key);
+    // A press alone moves the selection. Whoever lets go elsewhere has still chosen that node, and its pane must
+    // not be another one's.
+    else if (event->button() == Qt::LeftButton && currentItem() && selectedKey() != chosenKey_)
+        emit nodeClicked(selectedKey());
 }
 
 void KeyedTree::mouseMoveEvent(QMouseEvent* event) {
-    QTreeWidget::mouseMoveEvent(event);
+    // The base class would drag the selection along.
+    if (!(event->buttons() & Qt::LeftButton))
+        QTreeWidget::mouseMoveEvent(event);
     emit pointerMoved(event->position().toPoint());
 }
 

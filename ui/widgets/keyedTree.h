@@ -40,6 +40,7 @@ class KeyedTree : public QTreeWidget {
     // Raise 35601 for an unknown key.
     const classNodeInfo& info(std::string_view key) const;
     std::string nodeText(std::string_view key) const;
+    void setNodeText(std::string_view key, const std::string& text);
 
     // Key of the selected node; empty when none is. Selecting raises no nodeClicked.
     std::string selectedKey() const;
@@ -92,6 +93,7 @@ class KeyedTree : public QTreeWidget {
     std::vector<Node> order_;
     std::unordered_map<std::string, std::size_t> index_;  // folded key to place in order_
     std::string pressedKey_;
+    std::string chosenKey_;  // what was selected before the press
     int fills_ = 0;
 };
 

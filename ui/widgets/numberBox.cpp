@@ -37,4 +37,12 @@ NumberBox::NumberBox(long long lowest, long long highest, QWidget* parent) : QLi
     setValidator(new WholeNumberValidator(lowest, highest, this));
 }
 
+std::optional<QString> NumberBox::numberFrom(const QString& text) const {
+    QString trimmed = text.trimmed();
+    int place = 0;
+    if (validator()->validate(trimmed, place) != QValidator::Acceptable)
+        return std::nullopt;
+    return QString::number(trimmed.toLongLong());
+}
+
 }  // namespace ui

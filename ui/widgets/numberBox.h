@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QLineEdit>
+#include <optional>
 
 namespace ui {
 
@@ -15,6 +16,8 @@ class NumberBox : public QLineEdit {
     bool isEmpty() const { return text().isEmpty(); }
     // True when the text is a whole number within the limits.
     bool hasNumber() const { return !isEmpty() && hasAcceptableInput(); }
+    // A text from elsewhere as the box would show its number; nothing when it is no number within the limits.
+    std::optional<QString> numberFrom(const QString& text) const;
 };
 
 }  // namespace ui

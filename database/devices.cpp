@@ -1,0 +1,156 @@
+#include "database/devices.h"
+
+#include "core/classLog.h"
+#include "core/modLocalize.h"
+#include "database/openRecordset.h"
+#include "database/settings.h"
+
+using core::Frame;
+using platform::ObjectState;
+using platform::Recordset;
+
+namespace mdlDatabase {
+
+namespace {
+
+constexpr char module[] = "mdlDatabase";
+
+std::string deviceQuery(std::string_view column, long deviceKey) {
+    return "SELECT " + std::string(column) + " FROM Device WHERE DeviceKey = " + std::to_string(deviceKey);
+}
+
+}  // namespace
+
+long createDevice(Frame& frame, Recordset& devices, const NewDevice& device, std::string_view logLine) {
+    frame.steps({[&] { devices.addNew(); }, [&] { devices.set("DeviceType", std::int64_t{device.type}); },
+                 [&] { devices.set("DeviceAddress", device.address); },
+                 [&] { devices.set("DeviceActive", boolean(true)); }});
+    if (!logLine.empty())
+        core::gLog().log(logLine, core::logInfo, frame.tag());
+    // The highest key is this device's only if this device was written.
+    if (!frame.step([&] { devices.update(); }))
+        return 0;
+    const long key = getLastKey("Device", "DeviceKey");
+    if (key != 0)
+        linkDeviceRecipient(key, device.recipientKey);
+    return key;
+}
+
+void linkDeviceRecipient(long deviceKey, long recipientKey) {
+    core::procedure(module, "linkDeviceRecipient", [&](Frame& frame) {
+        Recordset links;
+        frame.steps({[&] { links = openForWriting("SELECT * FROM DeviceRecipient"); },
+                     [&] { links.addNew(); }, [&] { links.set("DeviceKey", std::int64_t{deviceKey}); },
+                     [&] { links.set("RecipientKey", std::int64_t{recipientKey}); }, [&] { links.update(); },
+                     [&] { links.close(); }});
+    });
+}
+
+void addToExistingEvents(long recipientKey, long deviceKey) {
+    core::procedure(module, "addToExistingEvents", [&](Frame& frame) {
+        Recordset events;
+        Recordset assignments;
+        frame.steps(
+            {[&] {
+                 events = openForReading(
+                     "SELECT DISTINCT Recipients.RecipientKey, EventDevice.EventKey "
+                     "FROM (Recipients INNER JOIN DeviceRecipient ON Recipients.RecipientKey = "
+                     "DeviceRecipient.RecipientKey) INNER JOIN EventDevice ON DeviceRecipient.DeviceKey = "
+                     "EventDevice.DeviceKey "
+                     "WHERE Recipients.RecipientKey = " +
+                     std::to_string(recipientKey) + " AND EventDevice.DeviceKey <> " +
+                     std::to_string(deviceKey));
+             },
+             [&] { assignments = openForBatch("SELECT * FROM EventDevice"); }});
+        while (events.state() == ObjectState::open && !events.EOF_()) {
+            frame.steps({[&] { assignments.addNew(); },
+                         [&] { assignments.set("EventKey", events.value("EventKey")); },
+                         [&] { assignments.set("DeviceKey", std::int64_t{deviceKey}); },
+                         [&] { assignments.set("Active", boolean(false)); }, [&] { assignments.update(); },
+                         [&] { events.moveNext(); }});
+        }
+        frame.steps(
+            {[&] { assignments.updateBatch(); }, [&] { assignments.close(); }, [&] { events.close(); }});
+    });
+}
+
+void deleteDevice(long deviceKey) {
+    core::procedure(module, "deleteDevice", [&](Frame& frame) {
+        // Assignments first, so that the service cannot reach a device that is half gone.
+        frame.steps({[&] { deleteRows("EventDevice", "DeviceKey", deviceKey); },
+                     [&] { deleteRows("DeviceRecipient", "DeviceKey", deviceKey); },
+                     [&] { deleteRows("Device", "DeviceKey", deviceKey); }});
+    });
+}
+
+long countDevices(long deviceType, std::optional<long> recipientKey) {
+    return core::procedure(module, "countDevices", 0L, [&](Frame& frame, long& count) {
+        const std::string type = std::to_string(deviceType);
+        std::string query;
+        if (recipientKey) {
+            query =
+                "SELECT COUNT(Device.DeviceKey) AS DeviceCount "
+                "FROM Device INNER JOIN (Recipients INNER JOIN DeviceRecipient ON Recipients.RecipientKey = "
+                "DeviceRecipient.RecipientKey) ON Device.DeviceKey = DeviceRecipient.DeviceKey "
+                "WHERE Recipients.RecipientKey = " +
+                std::to_string(*recipientKey);
+            if (deviceType != allDeviceTypes)
+                query += " AND Device.DeviceType = " + type;
+        } else {
+            query = "SELECT COUNT(DeviceKey) AS DeviceCount FROM Device ";
+            if (deviceType != allDeviceTypes)
+                query += "Where DeviceType = " + type;
+        }
+        Recordset row;
+        frame.steps({[&] { row = openForReading(query); }, [&] { count = row.number("DeviceCount"); },
+                     [&] { row.close(); }});
+    });
+}
+
+bool isDeviceActive(long deviceKey) {
+    return core::procedure(module, "isDeviceActive", false, [&](Frame& frame, bool& active) {
+        Recordset row;
+        frame.steps({[&] { row = openForReading(deviceQuery("DeviceActive", deviceKey)); },
+                     [&] {
+                         if (row.EOF_())
+                             throw rowNotFound("Device", "DeviceKey", deviceKey, "isDeviceActive");
+                         active = row.boolean("DeviceActive");
+                     },
+                     [&] { row.close(); }});
+    });
+}
+
+long getDeviceType(long deviceKey) {
+    return core::procedure(module, "getDeviceType", -1L, [&](Frame& frame, long& type) {
+        Recordset row;
+        frame.steps({[&] { row = openForReading(deviceQuery("DeviceType", deviceKey)); },
+                     [&] {
+                         if (!row.EOF_())
+                             type = row.number("DeviceType");
+                     },
+                     [&] { row.close(); }});
+    });
+}
+
+std::string getDeviceLabel(long deviceType) {
+    switch (deviceType) {
+        case voiceMail:
+            return modLocalize::myLoadResString(1147);
+        case pager:
+            return modLocalize::myLoadResString(1097);
+        case email:
+            return modLocalize::myLoadResString(1098);
+        case smtpAddress:
+            return modLocalize::myLoadResString(1200);
+        case snmpTrap:
+            return modLocalize::myLoadResString(1284);
+        case syslog:
+            return modLocalize::myLoadResString(1285);
+        case failover:
+            return modLocalize::myLoadResString(1291);
+        default:
+            return {};
+    }
+}
+
+}  // namespace mdlDatabase

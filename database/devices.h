@@ -1,0 +1,41 @@
+// Notification devices of recipients: a row in Device, its link in DeviceRecipient, and the events it is on.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/procedure.h"
+#include "database/deviceType.h"
+#include "platform/ado.h"
+
+namespace mdlDatabase {
+
+struct NewDevice {
+    DeviceType type = voiceMail;
+    std::string address;
+    long recipientKey = 0;
+};
+
+// Adds an active device to `devices`, an open recordset on Device, and links it to its recipient: statements
+// of the caller's procedure. `logLine` is written right before the row, unless it is empty. The device's key;
+// 0 when its row could not be written, which is then not linked.
+long createDevice(core::Frame& frame, platform::Recordset& devices, const NewDevice& device,
+                  std::string_view logLine = {});
+void linkDeviceRecipient(long deviceKey, long recipientKey);
+// Puts a device that its recipient just gained on every event that his other devices are on, silent: nobody
+// is notified on it until the administrator ticks it.
+void addToExistingEvents(long recipientKey, long deviceKey);
+// Its rows in AddressDetails stay until the next rebuild.
+void deleteDevice(long deviceKey);
+
+// Number of devices of a type, or of all types (0); of one recipient when a key is given. 0 on failure.
+long countDevices(long deviceType, std::optional<long> recipientKey = std::nullopt);
+// False, with a failure in the log, when there is no such device.
+bool isDeviceActive(long deviceKey);
+// -1 when there is no such device.
+long getDeviceType(long deviceKey);
+// The type's name in the present language; empty for a number that is no type.
+std::string getDeviceLabel(long deviceType);
+
+}  // namespace mdlDatabase

@@ -1,0 +1,260 @@
+// The reconciliation of a recipient's stored devices with his record. There are three kinds of device to it:
+// those with a single address, those with a list of addresses, and those that are switched on or off. A
+// device that survives keeps its key, so that it stays on its events.
+#include <algorithm>
+#include <optional>
+
+#include "core/classLog.h"
+#include "core/procedure.h"
+#include "database/devices.h"
+#include "database/openRecordset.h"
+#include "database/recipients.h"
+
+using core::Frame;
+using platform::CursorType;
+using platform::Recordset;
+
+namespace mdlDatabase {
+
+namespace {
+
+constexpr std::string_view nodeKeyPrefix = "DeviceKey:";
+
+struct DeviceKind {
+    DeviceType type;
+    const char* name;  // in the log's lines
+};
+
+constexpr DeviceKind voiceMailKind{voiceMail, "voicemail"};
+constexpr DeviceKind emailKind{email, "email"};
+constexpr DeviceKind pagerKind{pager, "pager"};
+constexpr DeviceKind smtpKind{smtpAddress, "SMTP"};
+constexpr DeviceKind snmpTrapKind{snmpTrap, "SNMP Trap"};
+constexpr DeviceKind syslogKind{syslog, "Syslog"};
+constexpr DeviceKind failoverKind{failover, "Failover"};
+
+struct StoredDevice {
+    long key = 0;
+    std::string address;
+    bool active = false;
+};
+
+bool sameNodeKey(std::string_view left, std::string_view right) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [&](char a, char b) { return lower(a) == lower(b); });
+}
+
+// What the blocks of one save share, and the few statements that they are made of.
+class Save {
+  public:
+    Save(Frame& frame, long recipientKey, std::string name)
+        : frame_(frame), recipientKey_(recipientKey), name_(std::move(name)) {}
+
+    // False when the stored devices could not be read.
+    bool open() {
+        const std::string key = std::to_string(recipientKey_);
+        const bool read = frame_.step([&] {
+            devices_ = openForWriting(
+                "SELECT DeviceRecipient.RecipientKey, Device.DeviceKey, Device.DeviceType, "
+                "Device.DeviceAddress, Device.DeviceActive "
+                "FROM Device INNER JOIN DeviceRecipient ON Device.DeviceKey = DeviceRecipient.DeviceKey "
+                "WHERE DeviceRecipient.RecipientKey = " +
+                    key,
+                CursorType::staticCursor);
+        });
+        frame_.step([&] { allDevices_ = openForWriting("SELECT * FROM Device", CursorType::staticCursor); });
+        return read;
+    }
+    void close() {
+        frame_.steps({[&] { devices_.close(); }, [&] { allDevices_.close(); }});
+    }
+
+    // The recipient's first stored device of a kind.
+    std::optional<StoredDevice> first(const DeviceKind& kind) {
+        return find([&] {
+            if (devices_.BOF_() && devices_.EOF_())
+                return;
+            devices_.moveFirst();
+            devices_.find(criterion(kind));
+        });
+    }
+    // The one after the present one.
+    std::optional<StoredDevice> next(const DeviceKind& kind) {
+        return find([&] { devices_.find(criterion(kind), 1, devices_.bookmark()); });
+    }
+
+    // "Creating voicemail device for NAME (ADDRESS)"
+    std::string line(const char* doing, const DeviceKind& kind, const std::string& address) const {
+        return opening(doing, kind) + " (" + address + ")";
+    }
+    void log(const std::string& text) const { core::gLog().log(text, core::logInfo, frame_.tag()); }
+    void logNoDevice(const DeviceKind& kind) const {
+        log(std::string("No ") + kind.name + " device was added for " + name_);
+    }
+    void logChange(const DeviceKind& kind, const std::string& from, const std::string& to) const {
+        log(opening("Modifying", kind) + " Prev: " + from + " New: " + to);
+    }
+
+    void create(const DeviceKind& kind, const std::string& address) {
+        const long key = createDevice(frame_, allDevices_, {kind.type, address, recipientKey_},
+                                      line("Creating", kind, address));
+        if (key != 0)
+            addToExistingEvents(recipientKey_, key);
+    }
+
+    // Makes a stored device the present row of all devices.
+    bool seek(long deviceKey) {
+        bool found = false;
+        frame_.step([&] {
+            allDevices_.moveFirst();
+            allDevices_.find("DeviceKey = " + std::to_string(deviceKey));
+            found = !allDevices_.EOF_();
+        });
+        return found;
+    }
+    // Switches the sought device on, with another address where one is given.
+    void activateSought(const std::optional<std::string>& address) {
+        if (address)
+            frame_.step([&] { allDevices_.set("DeviceAddress", *address); });
+        frame_.steps(
+            {[&] { allDevices_.set("DeviceActive", boolean(true)); }, [&] { allDevices_.update(); }});
+    }
+
+    // Deletions of lists and switches come last, after everything else is written.
+    void deleteLater(long deviceKey) { toDelete_.push_back(deviceKey); }
+    void deleteCollected() {
+        for (const long key : toDelete_)
+            deleteDevice(key);
+    }
+
+  private:
+    static std::string criterion(const DeviceKind& kind) {
+        return "DeviceType = " + std::to_string(static_cast<long>(kind.type));
+    }
+    std::string opening(const char* doing, const DeviceKind& kind) const {
+        return std::string(doing) + " " + kind.name + " device for " + name_;
+    }
+    template <class Move>
+    std::optional<StoredDevice> find(Move&& move) {
+        std::optional<StoredDevice> found;
+        frame_.step([&] {
+            move();
+            if (!devices_.EOF_())
+                found = {devices_.number("DeviceKey"), platform::valueText(devices_.value("DeviceAddress")),
+                         devices_.boolean("DeviceActive")};
+        });
+        return found;
+    }
+
+    Frame& frame_;
+    long recipientKey_;
+    std::string name_;
+    Recordset devices_;     // the recipient's
+    Recordset allDevices_;  // everybody's: rows are added and changed here
+    std::vector<long> toDelete_;
+};
+
+void saveSingleAddress(Save& save, const DeviceKind& kind, const std::string& wanted) {
+    const std::optional<StoredDevice> stored = save.first(kind);
+    if (!stored) {
+        if (wanted.empty())
+            save.logNoDevice(kind);
+        else
+            save.create(kind, wanted);
+    } else if (wanted.empty()) {
+        save.log(save.line("Deleting", kind, stored->address));
+        deleteDevice(stored->key);
+    } else if (stored->address != wanted) {
+        save.logChange(kind, stored->address, wanted);
+        if (save.seek(stored->key))
+            save.activateSought(wanted);
+    }
+}
+
+void saveList(Save& save, const DeviceKind& kind, const std::vector<AddressEntry>& entries) {
+    for (std::optional<StoredDevice> stored = save.first(kind); stored; stored = save.next(kind)) {
+        const std::string nodeKey = std::string(nodeKeyPrefix) + std::to_string(stored->key);
+        const auto entry = std::find_if(entries.begin(), entries.end(), [&](const AddressEntry& each) {
+            return sameNodeKey(each.nodeKey, nodeKey);
+        });
+        if (entry == entries.end()) {
+            save.log(save.line("Deleting", kind, stored->address));
+            save.deleteLater(stored->key);
+        } else if (stored->address != entry->address && save.seek(stored->key)) {
+            save.logChange(kind, stored->address, entry->address);
+            save.activateSought(entry->address);
+        }
+    }
+    for (const AddressEntry& entry : entries) {
+        if (entry.nodeKey.empty())
+            save.create(kind, entry.address);
+    }
+}
+
+// A device with a host of its own is rewritten at every save while it is on, and goes when it is off,
+// whatever its state. One without is left alone where it already is what the switch says, so that an
+// inactive one stays when it is off. The difference is wanted; it stays so.
+void saveSwitch(Save& save, const DeviceKind& kind, bool on, const std::string& address) {
+    const bool hasHost = kind.type == syslog;
+    const std::optional<StoredDevice> stored = save.first(kind);
+    if (!stored) {
+        if (on)
+            save.create(kind, address);
+        else
+            save.logNoDevice(kind);
+    } else if (on && hasHost) {
+        save.log(save.line("Activating", kind, stored->address));
+        if (save.seek(stored->key))
+            save.activateSought(address);
+    } else if (on && !stored->active) {
+        if (save.seek(stored->key))
+            save.activateSought(std::nullopt);
+    } else if (!on && (hasHost || stored->active)) {
+        save.log(save.line("Deleting", kind, stored->address));
+        save.deleteLater(stored->key);
+    }
+}
+
+}  // namespace
+
+void modifyRecipient(long recipientKey, const RecipientRecord& record) {
+    core::procedure("mdlDatabase", "modifyRecipient", [&](Frame& frame) {
+        Recordset recipient;
+        bool missing = false;
+        frame.steps({[&] {
+                         recipient = openForWriting(
+                             "SELECT RecipientName, RecipientActive FROM Recipients WHERE RecipientKey = " +
+                                 std::to_string(recipientKey),
+                             CursorType::staticCursor);
+                     },
+                     [&] { missing = recipient.EOF_(); }});
+        Save save(frame, recipientKey, record.name);
+        const bool devicesRead = save.open();
+        if (missing) {
+            core::gLog().log("Could not find a recipient with RecipientKey = " +
+                                 std::to_string(recipientKey) + " Name: " + record.name,
+                             core::logError, frame.tag());
+            return;
+        }
+        // The check box's number goes in as it is; the column reads 1 and 0 as true and false.
+        frame.steps({[&] { recipient.set("RecipientName", record.name); },
+                     [&] { recipient.set("RecipientActive", std::int64_t{record.active}); },
+                     [&] { recipient.update(); }});
+        // Whoever does not know what is stored would store it a second time.
+        if (!devicesRead)
+            return;
+        saveSingleAddress(save, voiceMailKind, record.voiceMailDirectoryId);
+        saveSingleAddress(save, emailKind, record.emailDirectoryId);
+        saveList(save, pagerKind, record.pagerNumbers);
+        saveList(save, smtpKind, record.smtpAddresses);
+        saveSwitch(save, snmpTrapKind, record.snmpTrapEnabled == 1, snmpTrapAddress);
+        saveSwitch(save, syslogKind, record.syslogEnabled == 1, record.syslogHostAddress);
+        saveSwitch(save, failoverKind, record.failoverEnabled == 1, failoverAddress);
+        save.deleteCollected();
+        frame.step([&] { recipient.close(); });
+        save.close();
+    });
+}
+
+}  // namespace mdlDatabase

@@ -1,0 +1,34 @@
+#include <QApplication>
+#include <QMessageBox>
+
+#include "host/textViewer/textWindow.h"
+#include "host/viewer/showViewer.h"
+#include "platform/failure.h"
+#include "ui/appearance.h"
+
+namespace {
+
+int refuse(const viewer::Texts& texts, const QString& reason) {
+    QMessageBox box(QMessageBox::Warning, texts.textViewer, reason, QMessageBox::Ok);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+    return 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    ui::applyAppearance();
+    const viewer::Language language = viewer::userLanguage();
+    const viewer::Texts& texts = viewer::texts(language);
+    if (argc != 2)
+        return refuse(texts, texts.noFile);
+    try {
+        viewer::TextWindow window(argv[1], language);
+        return viewer::showViewer(window);
+    } catch (const platform::Failure& failure) {
+        return refuse(texts,
+                      QString(texts.cannotOpen).arg(argv[1], QString::fromStdString(failure.description())));
+    }
+}

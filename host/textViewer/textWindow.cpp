@@ -1,0 +1,115 @@
+#include "host/textViewer/textWindow.h"
+
+#include <QCheckBox>
+#include <QFontDatabase>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QScrollBar>
+#include <QStatusBar>
+#include <QTextBlock>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "host/viewer/findBar.h"
+#include "platform/failure.h"
+
+namespace viewer {
+
+namespace {
+constexpr int lookEvery = 500;  // ms
+}
+
+TextWindow::TextWindow(const std::filesystem::path& file, Language language)
+    : texts_(texts(language)), file_(file) {
+    setObjectName("notepad");
+    setWindowTitle(QString::fromStdString(file.filename().string()) + " - " + texts_.textViewer);
+    auto* all = new QWidget(this);
+    auto* layout = new QVBoxLayout(all);
+    txtFile_ = new QPlainTextEdit(all);
+    txtFile_->setObjectName("txtFile");
+    txtFile_->setAccessibleName(QString::fromStdString(file.filename().string()));
+    txtFile_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    txtFile_->setReadOnly(true);
+    txtFile_->setUndoRedoEnabled(false);
+    txtFile_->setLineWrapMode(QPlainTextEdit::NoWrap);
+    txtFile_->setTabChangesFocus(true);
+    txtFile_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    auto* findBar = new FindBar(
+        texts_, [this](const QString& text, bool backwards) { return find(text, backwards); }, all);
+    chkFollow_ = new QCheckBox(texts_.follow, findBar);
+    chkFollow_->setObjectName("chkFollow");
+    findBar->append(chkFollow_);
+    layout->addWidget(txtFile_, 1);
+    layout->addWidget(findBar);
+    setCentralWidget(all);
+    resize(860, 620);
+
+    takeNews();
+    txtFile_->moveCursor(QTextCursor::Start);
+    txtFile_->setFocus();
+    if (file_.leftOut() > 0)
+        statusBar()->addPermanentWidget(
+            new QLabel(QString(texts_.beginningLeftOut).arg(file_.leftOut()), this));
+    connect(chkFollow_, &QCheckBox::toggled, this, [this] { followEnd(); });
+    auto* timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, [this] { lookAgain(); });
+    timer->start(lookEvery);
+}
+
+void TextWindow::lookAgain() {
+    try {
+        takeNews();
+        statusBar()->clearMessage();
+    } catch (const platform::Failure& failure) {
+        statusBar()->showMessage(QString::fromStdString(failure.description()));
+    }
+}
+
+void TextWindow::takeNews() {
+    for (;;) {
+        const GrowingFile::News news = file_.look();
+        append(news);
+        if (news.bytes.empty())
+            return;
+    }
+}
+
+void TextWindow::append(const GrowingFile::News& news) {
+    if (news.fromTheStart) {
+        txtFile_->clear();
+        decoder_.resetState();
+    }
+    if (news.bytes.empty())
+        return;
+    QScrollBar& bar = *txtFile_->verticalScrollBar();
+    const int top = bar.value();
+    QTextCursor end(txtFile_->document());
+    end.movePosition(QTextCursor::End);
+    end.insertText(QString(decoder_.decode(QByteArrayView(news.bytes))).remove('\r'));
+    bar.setValue(top);
+    followEnd();
+}
+
+void TextWindow::followEnd() {
+    if (!chkFollow_->isChecked())
+        return;
+    QScrollBar& bar = *txtFile_->verticalScrollBar();
+    bar.setValue(bar.maximum());
+}
+
+bool TextWindow::find(const QString& text, bool backwards) {
+    const QTextDocument::FindFlags flags =
+        backwards ? QTextDocument::FindBackward : QTextDocument::FindFlags();
+    if (txtFile_->find(text, flags))
+        return true;
+    const QTextCursor before = txtFile_->textCursor();
+    QTextCursor edge = before;
+    edge.movePosition(backwards ? QTextCursor::End : QTextCursor::Start);
+    txtFile_->setTextCursor(edge);
+    if (txtFile_->find(text, flags))
+        return true;
+    txtFile_->setTextCursor(before);
+    return false;
+}
+
+}  // namespace viewer

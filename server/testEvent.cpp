@@ -1,0 +1,61 @@
+#include "server/testEvent.h"
+
+#include <chrono>
+#include <string>
+
+#include "core/procedure.h"
+#include "core/state.h"
+#include "database/assignment.h"
+#include "database/events.h"
+#include "platform/clock.h"
+#include "platform/eventLog.h"
+
+namespace mdlUtility {
+
+namespace {
+
+// Time for the service to see the hidden event's new devices before the event comes.
+constexpr std::chrono::milliseconds untilTheServiceSees{500};
+
+void selectDevices(core::Frame& frame, long recipientKey, mdlDatabase::DeviceSelection& selection) {
+    platform::Recordset rows;
+    bool atEnd = true;
+    frame.step([&] {
+        rows.open(
+            "SELECT DeviceKey FROM DeviceRecipient WHERE RecipientKey = " + std::to_string(recipientKey),
+            core::gDatabase, platform::CursorType::staticCursor, platform::LockType::readOnly,
+            platform::CursorLocation::client);
+        atEnd = rows.EOF_();
+    });
+    while (!atEnd) {
+        frame.step([&] { selection.set(mdlDatabase::selectionKey(rows.number("DeviceKey")), true); });
+        frame.step([&] {
+            rows.moveNext();
+            atEnd = rows.EOF_();
+        });
+    }
+}
+
+void writeTestEvent() {
+    platform::EventRecord record;
+    record.log = "Application";
+    record.source = "QLNTest";
+    record.id = 10001;
+    record.type = 1;
+    platform::appendEvent(record);
+}
+
+}  // namespace
+
+void generateTestEventLogMessage(long recipientKey) {
+    core::procedure("mdlUtility", "generateTestEventLogMessage", [&](core::Frame& frame) {
+        mdlDatabase::DeviceSelection selection;
+        selectDevices(frame, recipientKey, selection);
+        frame.steps({[&] { mdlDatabase::addRecipientToEvent(core::gIgnoreEventKey, selection, true); },
+                     [] { mdlDatabase::setDefaultContentForEvent(core::gIgnoreEventKey); },
+                     [] { mdlDatabase::setEventActiveState(core::gIgnoreEventKey, true); },
+                     [] { platform::clock().sleep(untilTheServiceSees); }, [] { writeTestEvent(); }});
+    });
+}
+
+}  // namespace mdlUtility

@@ -1,0 +1,116 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTableView>
+#include <QtTest/QTest>
+
+#include "host/eventViewer/eventText.h"
+#include "host/eventViewer/eventWindow.h"
+#include "platform/host.h"
+#include "server/clipboardEvent.h"
+#include "support/temporaryHost.h"
+
+namespace {
+
+using viewer::Language;
+
+platform::EventRecord record(std::uint16_t type, const std::string& source, std::uint32_t id,
+                             const std::string& description = "text") {
+    return {"Application", "2026-11-24 14:05:09", source, id, type, 0, "", "CORVANE01", description};
+}
+
+class EventViewer : public ::testing::Test {
+  protected:
+    void open() {
+        window = std::make_unique<viewer::EventWindow>(Language::english);
+        window->show();
+        QApplication::setActiveWindow(window.get());
+        table = window->findChild<QTableView*>("tableEvents");
+    }
+    QString cell(int row, int column) const { return table->model()->index(row, column).data().toString(); }
+    QString sources() const {
+        QStringList all;
+        for (int row = 0; row < table->model()->rowCount(); ++row)
+            all << cell(row, 3);
+        return all.join(",");
+    }
+    template <class Control>
+    Control& find(const char* name) {
+        return *window->findChild<Control*>(name);
+    }
+
+    support::TemporaryHost host;
+    std::unique_ptr<viewer::EventWindow> window;
+    QTableView* table = nullptr;
+};
+
+TEST_F(EventViewer, CopiesInAFormThatTheConsoleReadsInEveryLanguage) {
+    EXPECT_EQ(
+        viewer::copiedText(record(2, "Disk", 51, "one\ntwo\r\nthree"), viewer::texts(Language::english)),
+        "Event Type:\tWarning\r\nEvent Source:\tDisk\r\nEvent Category:\tNone\r\nEvent ID:\t51\r\n"
+        "Date:\t\t11/24/2026\r\nTime:\t\t2:05:09 PM\r\nUser:\t\tN/A\r\nComputer:\tCORVANE01\r\n"
+        "Description:\r\none\r\ntwo\r\nthree\r\n");
+    const std::pair<std::uint16_t, int> types[] = {{1, 0}, {2, 1}, {4, 2}, {8, 0}, {16, 0}};
+    for (const Language language : {Language::english, Language::french, Language::german})
+        for (const auto& [type, expected] : types) {
+            std::string source, id;
+            std::int16_t parsed = -1;
+            EXPECT_TRUE(mdlUtility::checkEventFromClipboardText(
+                viewer::copiedText(record(type, "Two words", 4711, ""), viewer::texts(language)), source, id,
+                parsed));
+            EXPECT_EQ(source, "Two words");
+            EXPECT_EQ(id, "4711");
+            EXPECT_EQ(parsed, expected) << static_cast<int>(language) << " " << type;
+        }
+}
+
+TEST_F(EventViewer, ShowsTheNewestFirstAndWhatIsChosen) {
+    platform::appendEvent(record(1, "Old", 1, "the beginning"));
+    platform::appendEvent(record(2, "Middle", 2));
+    platform::appendEvent(record(1, "New", 3, "the end"));
+    open();
+    EXPECT_EQ(sources(), "New,Middle,Old");
+    EXPECT_EQ(cell(0, 0) + cell(0, 1) + cell(0, 2), "Error11/24/20262:05:09 PM");
+    EXPECT_TRUE(find<QPlainTextEdit>("txtDetails").toPlainText().endsWith("the end\n"));
+    EXPECT_TRUE(table->hasFocus());
+
+    // The chosen event stays chosen when newer ones come.
+    QTest::keyClick(table, Qt::Key_Down);
+    platform::appendEvent(record(4, "Newest", 4));
+    QTest::keyClick(window.get(), Qt::Key_F5);
+    EXPECT_EQ(sources(), "Newest,New,Middle,Old");
+    EXPECT_EQ(table->currentIndex().row(), 2);
+    QTest::keyClick(table, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_TRUE(QApplication::clipboard()->text().contains("Event Source:\tMiddle\r\n"));
+
+    find<QComboBox>("comboType").setCurrentIndex(1);
+    EXPECT_EQ(sources(), "New,Old");
+    EXPECT_EQ(find<QLabel>("lblCount").text(), "2 of 4 events");
+    QTest::keyClicks(&find<QLineEdit>("txtFind"), "BEGINNING");
+    QTest::keyClick(&find<QLineEdit>("txtFind"), Qt::Key_Return);
+    EXPECT_EQ(table->currentIndex().row(), 1);
+    QTest::mouseClick(&find<QPushButton>("cmdCopy"), Qt::LeftButton);
+    EXPECT_TRUE(QApplication::clipboard()->text().contains("the beginning"));
+    find<QComboBox>("comboType").setCurrentIndex(4);
+    EXPECT_FALSE(find<QPushButton>("cmdCopy").isEnabled());
+    EXPECT_EQ(find<QPlainTextEdit>("txtDetails").toPlainText(), "");
+}
+
+TEST_F(EventViewer, AnEmptyLogIsEmptyAndOneThatCannotBeReadSaysSo) {
+    open();
+    EXPECT_EQ(sources(), "");
+    find<QLineEdit>("txtFind").setText("x");
+    QTest::mouseClick(&find<QPushButton>("cmdPrevious"), Qt::LeftButton);
+    EXPECT_EQ(find<QLabel>("lblResult").text(), "Not found: x");
+    std::filesystem::create_directories(platform::host::eventLogsFolder() / "System.log");
+    find<QComboBox>("comboLog").setCurrentIndex(1);
+    EXPECT_FALSE(window->findChild<QWidget*>("cmdCopy")->isEnabled());
+}
+
+}  // namespace

@@ -1,0 +1,28 @@
+// A line for a password. The box itself holds only stand-ins; the characters go to one buffer that is wiped.
+#pragma once
+
+#include <QLineEdit>
+
+#include "platform/secret.h"
+
+namespace ui {
+
+class SecretEdit : public QLineEdit {
+    Q_OBJECT
+
+  public:
+    explicit SecretEdit(QWidget* parent = nullptr);
+
+    // The text as UTF-8; the box is empty afterwards.
+    platform::Secret take();
+    // Empties the box.
+    void wipe();
+
+  private:
+    void absorb();
+    void showStandIns(qsizetype count, int cursor);
+
+    platform::Secret units_;  // UTF-16, one unit per stand-in
+};
+
+}  // namespace ui
