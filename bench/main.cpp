@@ -2,17 +2,17 @@
 // and recordset; all by default. Needs an X display for the first.
 
 #include <QApplication>
-#include <QStyleFactory>
 #include <algorithm>
 
 #include "bench/rows.h"
 #include "bench/workplace.h"
+#include "ui/appearance.h"
 
 int main(int argc, char** argv) {
     // The windows of this process are not shown; those of the processes that it starts are.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    ui::applyAppearance();
     const std::vector<std::string> groups(argv + 1, argv + argc);
     const auto wanted = [&](const char* group) {
         return groups.empty() || std::find(groups.begin(), groups.end(), group) != groups.end();
