@@ -63,6 +63,7 @@ class classLog {
     platform::TextStream logStream_;
     long callDepth_ = 0;
     std::string indent_;
+    std::string line_;  // the line that is being written
     std::map<std::string, float, std::less<>> timers_;
     std::filesystem::path logDirectory_;
     bool debugOutput_ = false;

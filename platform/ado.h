@@ -20,10 +20,6 @@ struct sqlite3;
 
 namespace platform {
 
-namespace ado {
-class StatementCache;
-}
-
 enum class ObjectState { closed = 0, open = 1 };
 enum class CursorType { forwardOnly, keyset, dynamic, staticCursor };
 enum class LockType { readOnly, pessimistic, optimistic, batchOptimistic };
@@ -38,6 +34,7 @@ using Value = std::variant<Null, std::int64_t, double, std::string>;
 namespace ado {
 class OdbcServer;
 class RowSource;
+class StatementCache;
 }  // namespace ado
 
 // A value as text, as people read it: nothing for Null, integers and reals in decimal.

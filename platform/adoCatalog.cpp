@@ -46,7 +46,9 @@ long Catalog::columnCount(std::string_view table) const {
     ado::Statement query(connection_, text, text);
     query.bind(1, std::string(table));
     query.step();
-    const long count = ado::longOf(query.column(0));
+    Value counted;
+    query.column(0, counted);
+    const long count = ado::longOf(counted);
     if (count == 0)
         throw makeFailure(itemNotFound, table);
     return count;

@@ -181,7 +181,9 @@ Engine openEngine(const std::string& file, bool readOnly) {
     // Made absolute so that no name is taken for a URI or for a database in memory.
     std::error_code ignored;
     const std::string path = std::filesystem::absolute(file, ignored).string();
-    const int flags = readOnly || writeProtected(path) ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    // Without the engine's own locks: a connection stays in its thread.
+    const int flags = SQLITE_OPEN_NOMUTEX |
+                      (readOnly || writeProtected(path) ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE);
     sqlite3* opened = nullptr;
     const int code = sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
     Engine engine(opened);

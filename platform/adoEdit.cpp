@@ -112,22 +112,22 @@ void Recordset::Impl::refresh(Row& row) {
     query.bind(1, *row.id);
     if (query.step()) {
         for (std::size_t i = 0; i < fields.size(); ++i)
-            row.values[i] = query.column(static_cast<int>(i));
+            query.column(static_cast<int>(i), row.values[i]);
     }
     row.stale = false;
 }
 
 void Recordset::Impl::updateAdded() {
-    Row row;
-    for (const std::optional<Value>& edit : edits)
-        row.values.push_back(edit.value_or(Null{}));
+    Row row = newRow();
+    for (std::size_t i = 0; i < edits.size(); ++i)
+        row.values[i] = edits[i].value_or(Null{});
     if (batch) {
         operations.push_back({Operation::Kind::add, rows.size(), edits});
     } else {
         row.id = insertRow(edits);
         row.stale = true;
     }
-    rows.push_back(std::move(row));
+    rows.push_back(row);
     position = rows.size() - 1;
     sought.reset();
     unplaced = false;

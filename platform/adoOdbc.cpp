@@ -209,7 +209,7 @@ class ServerRows final : public RowSource {
     std::vector<std::string> fieldNames() const override { return names_; }
     bool step() override;
     void reset() noexcept override;
-    Value column(int index) const override { return row_[static_cast<std::size_t>(index)]; }
+    void column(int index, Value& value) const override { value = row_[static_cast<std::size_t>(index)]; }
 
   private:
     void execute();

@@ -22,6 +22,18 @@ constexpr std::size_t blockSize = 256;
 // A writable recordset with more rows than these is loaded only when a row is asked for: most are opened
 // just to add one.
 constexpr std::size_t rowsReadAtOnce = 64;
+// Rows that the blocks of values have room for: few at first, since most results are short.
+std::size_t roomOf(std::size_t block) {
+    return std::size_t{2} << std::min<std::size_t>(block, 8);
+}
+
+// Without regard to case. The columns of a table often begin alike, so the last letter is compared first.
+bool isNamed(std::string_view field, std::string_view name) noexcept {
+    constexpr int caseBit = 0x20;
+    if (field.size() != name.size() || name.empty() || ((field.back() ^ name.back()) & ~caseBit) != 0)
+        return field.empty() && name.empty();
+    return field == name || ado::equalsIgnoringCase(field, name);
+}
 
 template <typename ImplPointer>
 auto& opened(const ImplPointer& impl) {
@@ -91,14 +103,34 @@ void Recordset::Impl::readAtOpen() {
     readRows(writable ? rowsReadAtOnce : everything);
     if (!complete) {
         select->reset();
-        rows.clear();
+        dropRows();
         unplaced = true;
     }
+}
+
+// A row with room for its values, which may still hold those of a row that was dropped.
+Recordset::Impl::Row Recordset::Impl::newRow() {
+    if (blockRows == roomOf(block)) {
+        ++block;
+        blockRows = 0;
+    }
+    if (block == cells.size())
+        cells.push_back(std::make_unique<Value[]>(roomOf(block) * fields.size()));
+    Row row;
+    row.values = &cells[block][blockRows++ * fields.size()];
+    return row;
+}
+
+// The memory is kept: a stream fills it again and again.
+void Recordset::Impl::dropRows() noexcept {
+    rows.clear();
+    block = blockRows = 0;
 }
 
 // Appends up to `limit` rows of the statement.
 void Recordset::Impl::readRows(std::size_t limit) {
     const int idIndex = static_cast<int>(fields.size());
+    Value id;
     for (std::size_t count = 0; count < limit; ++count) {
         const bool found = select->step();
         if (columnsChanged())
@@ -107,13 +139,14 @@ void Recordset::Impl::readRows(std::size_t limit) {
             complete = true;
             return;
         }
-        Row row;
-        row.values.reserve(fields.size());
+        Row row = newRow();
         for (std::size_t i = 0; i < fields.size(); ++i)
-            row.values.push_back(select->column(static_cast<int>(i)));
-        if (writable)
-            row.id = std::get<std::int64_t>(select->column(idIndex));
-        rows.push_back(std::move(row));
+            select->column(static_cast<int>(i), row.values[i]);
+        if (writable) {
+            select->column(idIndex, id);
+            row.id = std::get<std::int64_t>(id);
+        }
+        rows.push_back(row);
     }
 }
 
@@ -129,7 +162,7 @@ bool Recordset::Impl::columnsChanged() const {
 
 void Recordset::Impl::nextBlock() {
     base += rows.size();
-    rows.clear();
+    dropRows();
     try {
         readRows(blockSize);
     } catch (const Failure&) {
@@ -141,7 +174,7 @@ void Recordset::Impl::nextBlock() {
 
 void Recordset::Impl::restart() {
     select->reset();
-    rows.clear();
+    dropRows();
     base = position = 0;
     complete = false;
     nextBlock();
@@ -200,11 +233,12 @@ bool Recordset::Impl::seek(const Criterion& criterion) {
     query.bind(1, id);
     if (!query.step() || query.preparedAnew())
         return false;
-    Row row;
+    soughtValues.resize(fields.size());
     for (std::size_t i = 0; i < fields.size(); ++i)
-        row.values.push_back(query.column(static_cast<int>(i)));
-    row.id = id;
-    sought = std::move(row);
+        query.column(static_cast<int>(i), soughtValues[i]);
+    sought.emplace();
+    sought->values = soughtValues.data();
+    sought->id = id;
     unplaced = false;
     return true;
 }
@@ -237,7 +271,7 @@ void Recordset::Impl::skipDeleted() noexcept {
 
 std::size_t Recordset::Impl::fieldIndex(std::string_view name) const {
     for (std::size_t i = 0; i < fields.size(); ++i) {
-        if (ado::equalsIgnoringCase(fields[i].name, name))
+        if (isNamed(fields[i].name, name))
             return i;
     }
     throw makeFailure(itemNotFound, name);

@@ -20,7 +20,7 @@ struct Recordset::Impl {
     Impl(std::string_view statement, Connection& owner, std::unique_ptr<ado::RowSource> opened);
 
     struct Row {
-        std::vector<Value> values;
+        Value* values = nullptr;         // as many as fields, in one of the blocks of `cells`
         std::optional<std::int64_t> id;  // of a writable recordset's row, once it is in the table
         bool deleted = false;
         bool stale = false;  // written here; the values are to be read back before they are shown
@@ -44,6 +44,8 @@ struct Recordset::Impl {
                                          LockType lock, CursorLocation location);
     bool columnsChanged() const;
     void makeWritable();
+    Row newRow();
+    void dropRows() noexcept;
     void readAtOpen();
     void readRows(std::size_t limit);
     void nextBlock();
@@ -95,11 +97,16 @@ struct Recordset::Impl {
     // Of a streaming recordset, the present block of rows; of a writable one that has not been loaded, the
     // rows added here.
     std::vector<Row> rows;
-    std::size_t base = 0;       // position of rows[0] in the result
-    std::size_t position = 0;   // of the present row in the result
-    bool complete = false;      // nothing is left to be read
-    bool unplaced = false;      // not loaded, and the present row is the first one, whichever that is
-    std::optional<Row> sought;  // not loaded, and this is the present row
+    // The rows' values, in blocks: they stay where they are while rows are added, erased and moved.
+    std::vector<std::unique_ptr<Value[]>> cells;
+    std::size_t block = 0;            // the one that is being filled
+    std::size_t blockRows = 0;        // that it holds
+    std::size_t base = 0;             // position of rows[0] in the result
+    std::size_t position = 0;         // of the present row in the result
+    bool complete = false;            // nothing is left to be read
+    bool unplaced = false;            // not loaded, and the present row is the first one, whichever that is
+    std::optional<Row> sought;        // not loaded, and this is the present row
+    std::vector<Value> soughtValues;  // of that row
     std::size_t deletedCount = 0;
 
     bool adding = false;

@@ -25,8 +25,8 @@ class RowSource {
     // True when the query had to be prepared anew, because the schema is not what it was; its fields may then
     // be others.
     virtual bool preparedAnew() const noexcept { return false; }
-    // A field of the present row, counted from 0.
-    virtual Value column(int index) const = 0;
+    // Puts a field of the present row, counted from 0, into the value.
+    virtual void column(int index, Value& value) const = 0;
 };
 
 // Runs a caller's statement on an open connection as far as its first row; nothing for a statement without

@@ -41,8 +41,12 @@ Handle StatementCache::take(const std::string& text) {
 void StatementCache::giveBack(const std::string& text, Handle statement) {
     sqlite3_reset(statement.get());
     sqlite3_clear_bindings(statement.get());
-    if (!closed_ && statements_.size() < keptStatements)
-        statements_.insert_or_assign(text, std::move(statement));
+    if (closed_)
+        return;
+    // Those that are asked for again are soon back.
+    if (statements_.size() == keptStatements)
+        statements_.clear();
+    statements_.insert_or_assign(text, std::move(statement));
 }
 
 void StatementCache::clear() noexcept {
@@ -93,8 +97,9 @@ Statement& Statement::operator=(Statement&& other) noexcept {
 void Statement::prepare(std::string_view text) {
     sqlite3_stmt* prepared = nullptr;
     const char* tail = nullptr;
-    const int code = sqlite3_prepare_v3(connection_->handle(), text.data(), static_cast<int>(text.size()), 0,
-                                        &prepared, &tail);
+    const unsigned flags = text_.empty() ? 0 : SQLITE_PREPARE_PERSISTENT;
+    const int code = sqlite3_prepare_v3(connection_->handle(), text.data(), static_cast<int>(text.size()),
+                                        flags, &prepared, &tail);
     statement_.reset(prepared);
     check(code);
     if (!prepared)
@@ -163,19 +168,27 @@ void Statement::reset() noexcept {
     sqlite3_reset(statement_.get());
 }
 
-Value Statement::column(int index) const {
-    sqlite3_stmt* statement = statement_.get();
-    switch (sqlite3_column_type(statement, index)) {
+void Statement::column(int index, Value& value) const {
+    // One call for the column and its parts from there; that is safe in a connection's one thread.
+    sqlite3_value* stored = sqlite3_column_value(statement_.get(), index);
+    switch (sqlite3_value_type(stored)) {
         case SQLITE_INTEGER:
-            return static_cast<std::int64_t>(sqlite3_column_int64(statement, index));
+            value.emplace<std::int64_t>(sqlite3_value_int64(stored));
+            break;
         case SQLITE_FLOAT:
-            return sqlite3_column_double(statement, index);
+            value.emplace<double>(sqlite3_value_double(stored));
+            break;
         case SQLITE_NULL:
-            return Null{};
+            value.emplace<Null>();
+            break;
         default: {
-            const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, index));
-            const int size = sqlite3_column_bytes(statement, index);
-            return bytes ? std::string(bytes, static_cast<std::size_t>(size)) : std::string();
+            const auto* bytes = static_cast<const char*>(sqlite3_value_blob(stored));
+            const int size = sqlite3_value_bytes(stored);
+            // A text that is there already lends its memory.
+            auto* text = std::get_if<std::string>(&value);
+            if (!text)
+                text = &value.emplace<std::string>();
+            text->assign(bytes ? bytes : "", bytes ? static_cast<std::size_t>(size) : 0);
         }
     }
 }

@@ -39,7 +39,7 @@ class StatementCache {
   public:
     // Nothing when there is none of that text.
     Handle take(const std::string& text);
-    // After the connection's end, or with enough statements kept, the statement just goes.
+    // After the connection's end the statement just goes; with enough kept, the others go.
     void giveBack(const std::string& text, Handle statement);
     void clear() noexcept;
     void close() noexcept;
@@ -70,7 +70,7 @@ class Statement : public RowSource {
     // A failure resets the statement, so that it keeps no lock.
     bool step() override;
     void reset() noexcept override;
-    Value column(int index) const override;
+    void column(int index, Value& value) const override;
     bool preparedAnew() const noexcept override;
     // Parameters of the text itself, for which values are to be given.
     int parameterCount() const noexcept;
@@ -88,7 +88,8 @@ class Statement : public RowSource {
     std::weak_ptr<StatementCache> cache_;
 };
 
-// Prepares a caller's statement: translated, and without parameters, since nobody gives them values.
+// Prepares a caller's statement: translated, and without parameters, since nobody gives them values. A SELECT
+// that names its columns is kept prepared when its owner is done with it.
 Statement prepareSource(const Connection& connection, std::string_view source);
 
 // Runs a statement of this layer's own to its end.

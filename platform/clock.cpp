@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 #include <ctime>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -135,9 +136,16 @@ void setClock(Clock* clock) {
 
 LocalTime localTime(std::chrono::system_clock::time_point moment) {
     const std::time_t seconds = std::chrono::system_clock::to_time_t(moment);
-    std::tm parts{};
-    localtime_r(&seconds, &parts);
-    return {parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec};
+    // Every log line asks, many times within one second.
+    thread_local std::optional<std::pair<std::time_t, LocalTime>> last;
+    if (!last || last->first != seconds) {
+        std::tm parts{};
+        localtime_r(&seconds, &parts);
+        last = {seconds,
+                {parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday, parts.tm_hour, parts.tm_min,
+                 parts.tm_sec}};
+    }
+    return last->second;
 }
 
 double secondsSinceMidnight() {

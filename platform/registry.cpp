@@ -103,6 +103,9 @@ bool Registry::createKey(std::string_view path) {
     if (key.empty() || key.front() == '-' || !isValidUtf8(key) ||
         key.find_first_of("\r\n") != std::string::npos)
         throw makeFailure(invalidProcedureCall, "a registry key's name is one line of UTF-8 text");
+    // Such a line deletes a key in the export format; the store could not be read any more.
+    if (key.front() == '-' || isTooDeep(key))
+        throw makeFailure(invalidProcedureCall, "a registry key begins with '-' or lies too deep");
     if (read().contains(key))
         return true;
     return change([&](RegistryTree& tree) {

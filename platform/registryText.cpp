@@ -1,5 +1,6 @@
 #include "platform/registryText.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
@@ -77,6 +78,8 @@ class Parser {
             fail("a key without a name");
         if (path.front() == '-')
             fail("deleting keys is not part of a store");
+        if (isTooDeep(path))
+            fail("a key too deep");
         return path;
     }
 
@@ -213,6 +216,11 @@ std::string registryPath(std::string_view path) {
     if (!result.empty() && result.back() == '\\')
         result.pop_back();
     return result;
+}
+
+bool isTooDeep(std::string_view registryPath) noexcept {
+    return std::count(registryPath.begin(), registryPath.end(), '\\') >=
+           static_cast<std::ptrdiff_t>(deepestKey);
 }
 
 RegistryKey& addRegistryKey(RegistryTree& tree, std::string_view path) {

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "adoFixture.h"
+#include "platform/adoDialect.h"
 #include "platform/host.h"
 
 using namespace adoTest;
@@ -154,6 +155,24 @@ TEST(Dialect, ChangesDigitNamesAndDatesOnly) {
     EXPECT_EQ(translateStatement("x = #2026-11-24 14:05:09#"), "x = '2026-11-24 14:05:09'");
     for (const char* text : {"x = #soon#", "x = #2/30/2026#", "x = ##", "x = #1' OR '1'='1#"})
         EXPECT_EQ(failureOf([&] { translateStatement(text); }), statementFailed) << text;
+}
+
+TEST(Dialect, TakesComparedWholeNumbersOut) {
+    const auto form = [](const char* text) {
+        std::vector<std::int64_t> numbers;
+        std::string shown = platform::ado::withNumbersTaken(text, numbers);
+        for (const std::int64_t number : numbers)
+            shown += " " + std::to_string(number);
+        return shown;
+    };
+    EXPECT_EQ(form("SELECT a FROM T WHERE b = 12 AND c >=7 AND d = 'x=5' GROUP BY 1 LIMIT 3"),
+              "SELECT a FROM T WHERE b = ? AND c >=? AND d = 'x=5' GROUP BY 1 LIMIT 3 12 7");
+    EXPECT_EQ(form("DELETE FROM T WHERE b = -1 OR b = 1.5 OR b = 0x1F OR b = 9 -- = 8"),
+              "DELETE FROM T WHERE b = -1 OR b = 1.5 OR b = 0x1F OR b = ? -- = 8 9");
+    for (const char* text :
+         {"SELECT a FROM T WHERE b = ? AND c = 1", "SELECT a FROM T WHERE c = 1 AND b = $x",
+          "SELECT a FROM T WHERE b = 1234567890123456789"})
+        EXPECT_EQ(form(text), text);
 }
 
 TEST_F(ConnectionTest, RunsTheStatementsOfTheStoresAsTheyStand) {

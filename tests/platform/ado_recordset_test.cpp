@@ -282,6 +282,44 @@ TEST_F(RecordsetTest, CollectsABatchForALargeTable) {
     EXPECT_EQ(other.read("SELECT count(*), min(DeviceKey), sum(DeviceKey = 400) FROM Device"), "500|-1|0");
 }
 
+TEST_F(RecordsetTest, KeepsAStatementForTheNextNumberAndNothingElseOfIt) {
+    fillDevices(300);
+    const auto open = [&](Recordset& rows, int key) {
+        rows.open("SELECT Address, DeviceKey FROM Device WHERE DeviceKey = " + std::to_string(key),
+                  connection);
+        return rows.EOF_() ? "" : rows.text("Address");
+    };
+    Recordset first;
+    Recordset second;
+    EXPECT_EQ(open(first, 7), "a7");
+    EXPECT_EQ(open(second, 8), "a8") << "while the first is open";
+    EXPECT_EQ(first.text("Address"), "a7");
+    first.close();
+    second.close();
+    EXPECT_EQ(open(first, 900), "");
+    first.close();
+    // Columns asked for by name are those whatever becomes of the table meanwhile.
+    other.run(
+        "BEGIN EXCLUSIVE; CREATE TABLE D2 (New TEXT, DeviceKey LONG, Address TEXT); INSERT INTO D2 SELECT "
+        "'n', DeviceKey, Address || '!' FROM Device; DROP TABLE Device; ALTER TABLE D2 RENAME TO Device; "
+        "COMMIT");
+    EXPECT_EQ(open(first, 7), "a7!");
+    EXPECT_EQ(first.fieldName(0), "Address");
+    first.close();
+    other.run("ALTER TABLE Device DROP COLUMN Address");
+    EXPECT_EQ(failureOf([&] { open(first, 7); }), columnMissing);
+    // More texts than are kept, and a recordset that outlives its connection.
+    for (int i = 0; i < 100; ++i) {
+        Recordset rows;
+        rows.open("SELECT " + std::to_string(i) + " AS N FROM Device WHERE DeviceKey = 1", connection);
+        EXPECT_EQ(rows.number("N"), i);
+    }
+    second.open("SELECT DeviceKey FROM Device WHERE DeviceKey = 5", connection);
+    connection.close();
+    EXPECT_EQ(second.number("DeviceKey"), 5);
+    second.close();
+}
+
 TEST_F(RecordsetTest, FindsARowByItsKeyWithoutTheOthersAndGoesOnFromThere) {
     other.run(
         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 500) "

@@ -12,6 +12,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <optional>
 
 #include "platform/host.h"
@@ -128,9 +129,12 @@ TEST(WindowStation, AKilledInstanceLeavesTheWayFree) {
         ::execlp("sleep", "sleep", "60", nullptr);
         ::_exit(1);
     }
-    while (fs::read_symlink("/proc/" + std::to_string(child) + "/exe").filename() ==
-           fs::read_symlink("/proc/self/exe").filename())
+    // Its name changes only after the files that it may not inherit were closed.
+    std::string name;
+    while (name != "sleep") {
         ::usleep(1000);
+        std::getline(std::ifstream("/proc/" + std::to_string(child) + "/comm"), name);
+    }
     station.reset();
     EXPECT_FALSE(fs::exists(platform::host::runFolder() / "Program.sock"));
     EXPECT_FALSE(WindowStation("Program").earlierInstance());
