@@ -83,6 +83,19 @@ void deleteDevice(long deviceKey) {
     });
 }
 
+Recordset openDevicesForRecipient(long recipientKey) {
+    return openForReading(
+        "SELECT Recipients.RecipientKey, Device.DeviceType, Device.DeviceAddress, Device.DeviceKey, "
+        "AddressDetails.DisplayName "
+        "FROM (Device INNER JOIN (Recipients INNER JOIN DeviceRecipient ON Recipients.RecipientKey = "
+        "DeviceRecipient.RecipientKey) ON Device.DeviceKey = DeviceRecipient.DeviceKey) "
+        "INNER JOIN AddressDetails ON Device.DeviceKey = AddressDetails.DeviceKey "
+        "WHERE Recipients.RecipientKey = " +
+        std::to_string(recipientKey) +
+        " "
+        "ORDER BY Device.DeviceType");
+}
+
 long countDevices(long deviceType, std::optional<long> recipientKey) {
     return core::procedure(module, "countDevices", 0L, [&](Frame& frame, long& count) {
         const std::string type = std::to_string(deviceType);

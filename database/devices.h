@@ -29,6 +29,9 @@ void addToExistingEvents(long recipientKey, long deviceKey);
 // Its rows in AddressDetails stay until the next rebuild.
 void deleteDevice(long deviceKey);
 
+// The devices of a recipient with their names in the directory, by type; without those that have none. A
+// statement of the caller's procedure, who reads and closes it: raises the engine's failures.
+platform::Recordset openDevicesForRecipient(long recipientKey);
 // Number of devices of a type, or of all types (0); of one recipient when a key is given. 0 on failure.
 long countDevices(long deviceType, std::optional<long> recipientKey = std::nullopt);
 // False, with a failure in the log, when there is no such device.

@@ -1,6 +1,7 @@
 #include "ui/controls.h"
 
 #include <QComboBox>
+#include <QEvent>
 #include <QLabel>
 #include <QSignalBlocker>
 
@@ -8,6 +9,26 @@
 #include "ui/text.h"
 
 namespace ui {
+
+namespace {
+
+class WheelGuard : public QObject {
+  public:
+    explicit WheelGuard(QWidget& control) : QObject(&control), control_(control) {}
+
+  protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() != QEvent::Wheel || control_.hasFocus())
+            return false;
+        event->ignore();  // the area around takes it
+        return true;
+    }
+
+  private:
+    QWidget& control_;
+};
+
+}  // namespace
 
 void fillCombo(QComboBox& combo, std::initializer_list<long> texts) {
     const int row = combo.currentIndex();
@@ -38,6 +59,11 @@ void nameByBuddy(QWidget& window) {
     for (const QLabel* label : window.findChildren<QLabel*>())
         if (label->buddy())
             label->buddy()->setAccessibleName(plainCaption(label->text()));
+}
+
+void ignoreWheelWithoutFocus(QComboBox& combo) {
+    combo.setFocusPolicy(Qt::StrongFocus);
+    combo.installEventFilter(new WheelGuard(combo));
 }
 
 void setTabOrder(std::initializer_list<QWidget*> controls) {

@@ -34,6 +34,9 @@ QString plainCaption(QString caption);
 // Gives every control that has a buddy label the label's caption as accessible name.
 void nameByBuddy(QWidget& window);
 
+// The wheel over a list changes it only while the list has the focus; else it scrolls what is around.
+void ignoreWheelWithoutFocus(QComboBox& combo);
+
 // Tab order along the list.
 void setTabOrder(std::initializer_list<QWidget*> controls);
 

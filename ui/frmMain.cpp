@@ -4,7 +4,7 @@
 #include <QCloseEvent>
 #include <QFrame>
 #include <QLabel>
-#include <QMenuBar>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QStatusBar>
 #include <QVBoxLayout>
@@ -17,6 +17,7 @@
 #include "ui/formFonts.h"
 #include "ui/paneEventDetails.h"
 #include "ui/paneMonitoredEvents.h"
+#include "ui/saveQuestion.h"
 #include "ui/text.h"
 #include "ui/twips.h"
 #include "ui/widgets/keyedTree.h"
@@ -89,42 +90,10 @@ void frmMain::createControls() {
     sbStatusBar_->setObjectName("sbStatusBar");
 }
 
-void frmMain::createMenus() {
-    const auto entry = [this](QMenu* menu, const std::string& name, void (frmMain::*handler)()) {
-        auto* action = new QAction(this);
-        action->setObjectName(QString::fromStdString(name));
-        menu->addAction(action);
-        if (handler)
-            connect(action, &QAction::triggered, this, handler);
-        actions_[name] = action;
-    };
-    mnuFile_ = menuBar()->addMenu(QString());
-    mnuFile_->setObjectName("mnuFile");
-    mnuFileNew_ = mnuFile_->addMenu(QString());
-    mnuFileNew_->setObjectName("mnuFileNew");
-    entry(mnuFileNew_, "mnuFileNewEvent", &frmMain::mnuFileNewEvent_Click);
-    entry(mnuFile_, "mnuFileDelete", &frmMain::mnuFileDelete_Click);
-    mnuFile_->addSeparator()->setObjectName("mnuFileSep1");
-    entry(mnuFile_, "mnuRemoveService", &frmMain::mnuRemoveService_Click);
-    mnuFile_->addSeparator()->setObjectName("mnuFileBar2");
-    entry(mnuFile_, "mnuExit", &frmMain::mnuExit_Click);
-    mnuHelp_ = menuBar()->addMenu(QString());
-    mnuHelp_->setObjectName("mnuHelp");
-    entry(mnuHelp_, "mnuHelpContents", &frmMain::mnuHelpContents_Click);
-    actions_.at("mnuHelpContents")->setShortcut(Qt::Key_F1);
-    mnuHelp_->addSeparator()->setObjectName("mnuHelpBar0");
-    entry(mnuHelp_, "mnuHelpAbout", &frmMain::mnuHelpAbout_Click);
-    mnuPopup_ = new QMenu(this);
-    mnuPopup_->setObjectName("mnuPopup");
-    entry(mnuPopup_, "mnuPopupAddEvent", &frmMain::mnuPopupAddEvent_Click);
-    entry(mnuPopup_, "mnuPopupDeleteEvent", &frmMain::mnuPopupDeleteEvent_Click);
-    entry(mnuPopup_, "mnuDummyLastItem", nullptr);
-}
-
 void frmMain::createPanes() {
     QWidget* client = centralWidget();
     paneMonitoredEvents_ = new paneMonitoredEvents(client);
-    paneEventDetails_ = new paneEventDetails(client);
+    paneEventDetails_ = new paneEventDetails(client, *tvNavigation);
     vsviewportDetails_ = {paneMonitoredEvents_,
                           paneEventDetails_,
                           makeHeadingPane(client, "lblAllRecipients"),
@@ -136,6 +105,9 @@ void frmMain::createPanes() {
     for (int i = 0; i < paneCount; ++i)
         vsviewportDetails_[static_cast<std::size_t>(i)]->setObjectName("vsviewportDetails_" +
                                                                        QString::number(i));
+    editingPanes_ = {{paneEventDetails_, ui::eventSettingsChanged, true}};
+    connect(paneEventDetails_, &paneEventDetails::eventSaved, this,
+            [this](long key) { loadNavigationTree(key); });
     connect(paneMonitoredEvents_, &paneMonitoredEvents::newEventWanted, this,
             &frmMain::mnuFileNewEvent_Click);
     connect(paneMonitoredEvents_, &paneMonitoredEvents::eventsChanged, this, &frmMain::showEventsRoot);
@@ -183,18 +155,7 @@ void frmMain::Form_Unload() {
 void frmMain::frmMain_ControlInit() {
     core::procedure(module, "frmMain_ControlInit", [&](core::Frame&) {
         setWindowTitle(ui::text(1205));
-        mnuFile_->setTitle(ui::text(1010));
-        mnuFileNew_->setTitle(ui::text(1114));
-        mnuHelp_->setTitle(ui::text(1013));
-        actions_.at("mnuHelpContents")->setText(ui::text(1014));
-        actions_.at("mnuHelpAbout")->setText(ui::text(1015));
-        actions_.at("mnuRemoveService")->setText(ui::text(1257));
-        actions_.at("mnuFileNewEvent")->setText(ui::text(1115));
-        actions_.at("mnuFileDelete")->setText(ui::text(1117));
-        actions_.at("mnuExit")->setText(ui::text(1016));
-        actions_.at("mnuPopupAddEvent")->setText(ui::text(1129));
-        actions_.at("mnuPopupDeleteEvent")->setText(ui::text(1130));
-        actions_.at("mnuDummyLastItem")->setText("DummyLastItem");
+        captionMenus();
         tvNavigation->setAccessibleName(ui::text(1205));
         const auto heading = [this](const char* label, const QString& caption) {
             centralWidget()->findChild<QLabel*>(label)->setText(caption);

@@ -5,25 +5,29 @@
 #include <QIcon>
 #include <QMainWindow>
 #include <array>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "core/procedure.h"
 #include "ui/classNodeInfo.h"
+#include "ui/widgets/keyedTree.h"
 
 class QAction;
 class QFrame;
 class QMenu;
 class QStatusBar;
+class EditingPane;
 class cTooltip;
 class dlgEvent;
 class paneEventDetails;
 class paneMonitoredEvents;
 
-namespace ui {
-class KeyedTree;
+namespace platform {
+class Recordset;
 }
 
 class frmMain : public QMainWindow {
@@ -69,6 +73,16 @@ class frmMain : public QMainWindow {
     void Form_Load();
     void Form_Unload();
 
+    // A root of the tree and what its children have in common.
+    struct Category {
+        std::string rootKey;
+        std::string childPrefix;  // of a child's tree key, before its database key
+        long type;                // the root's node type, 0 to 3
+        std::optional<long> wanted;
+    };
+    void addChildren(core::Frame& frame, const Category& category, platform::Recordset& rows,
+                     const std::function<ui::KeyedTree::NewNode()>& makeNode);
+    QIcon stateIcon(long state) const;
     void initEvents(const std::string& root, std::optional<long> eventKey);
     void initRecipients(const std::string& root, std::optional<long> recipientKey);
     void initExclusions(const std::string& root, std::optional<long> exclusionKey);
@@ -81,11 +95,23 @@ class frmMain : public QMainWindow {
     void tvNavigation_Collapse(const std::string& nodeKey);
     void tvNavigation_MouseDown(const QPoint& position);
     void tvNavigation_MouseMove(const QPoint& position);
-    void displayPane(const classNodeInfo& info, const std::string& nodeText);
+    void displayPane(const classNodeInfo& info);
     void showEventsRoot();
 
+    // A pane that can hold unsaved edits when another node is chosen.
+    struct ChangedPane {
+        EditingPane* pane;
+        long question;      // string-table text that tells what has changed
+        bool rebuildsTree;  // its nodes show what a save changes
+    };
+    // Asks about unsaved edits and does what is answered; false for Cancel, which takes the choice back.
+    bool settleChanges(core::Frame& frame, const ChangedPane& changed, const std::string& chosenNode);
+
+    QAction* addEntry(QMenu& menu, const char* name);
+    void captionMenus();
     void mnuFileNewEvent_Click();
     void mnuFileDelete_Click();
+    void mnuViewCurrentLogFile_Click();
     void mnuPopupAddEvent_Click();
     void mnuPopupDeleteEvent_Click();
     void mnuRemoveService_Click();
@@ -104,17 +130,20 @@ class frmMain : public QMainWindow {
     QFrame* imgSplitter_;
     QFrame* picSplitter_;
     QStatusBar* sbStatusBar_;
-    QMenu* mnuFile_;
-    QMenu* mnuFileNew_;
-    QMenu* mnuHelp_;
-    QMenu* mnuPopup_;
+    std::vector<ChangedPane> editingPanes_;    // in the order in which they are asked
+    std::map<std::string, QMenu*> menus_;      // by name
     std::map<std::string, QAction*> actions_;  // menu entries by name
     std::array<QIcon, 5> imagelistTreeNodes_;  // by index 1 to 4
     std::unique_ptr<cTooltip> tooltip_;
     dlgEvent* dlgEvent_ = nullptr;  // one shared instance, made on first use
 
     std::array<bool, 4> expanded_{true, true, true, true};  // by node type 0 to 3
-    std::string previousNode_;
+    struct PreviousNode {
+        std::string key;
+        classNodeInfo info;
+    };
+    PreviousNode previousNode_;
+    long rebuilds_ = 0;  // of the tree so far
     std::string hoveredText_;
     bool hovered_ = false;
     int addEventPending_ = 0;

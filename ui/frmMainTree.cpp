@@ -1,7 +1,6 @@
 // The shell's navigation tree: building it, choosing a node in it, and its hover tip.
 
 #include <QMenu>
-#include <functional>
 
 #include "core/modLocalize.h"
 #include "core/procedure.h"
@@ -12,10 +11,13 @@
 #include "ui/frmMain.h"
 #include "ui/paneEventDetails.h"
 #include "ui/paneMonitoredEvents.h"
+#include "ui/rowText.h"
+#include "ui/saveQuestion.h"
 #include "ui/widgets/keyedTree.h"
 
 using modLocalize::myLoadResString;
 using platform::Recordset;
+using ui::textOrEmpty;
 
 namespace {
 
@@ -25,10 +27,6 @@ constexpr char recipientsRoot[] = "keyRecipients";
 constexpr char exclusionsRoot[] = "keyExclusions";
 
 enum TreeImage { imageCategory = 1, imageComplete = 2 };
-
-std::string textOrEmpty(const Recordset& row, std::string_view field) {
-    return row.isNull(field) ? std::string() : row.text(field);
-}
 
 // "Source (All)" or "Source (4711)"; a row that lacks one of them still has its node.
 std::string sourceAndId(const Recordset& row) {
@@ -74,94 +72,82 @@ void frmMain::loadNavigationTree(std::optional<long> eventKey, std::optional<lon
                          [&] { root(exclusionsRoot, 1311, nodeTypeCategoryExclusions, "Exclusions"); }});
             hovered_ = false;
         }
-        initEvents(eventsRoot, eventKey);
-        initRecipients(recipientsRoot, recipientKey);
-        initExclusions(exclusionsRoot, exclusionKey);
+        const long rebuild = ++rebuilds_;
+        const std::array<std::function<void()>, 3> branches{
+            [&] { initEvents(eventsRoot, eventKey); }, [&] { initRecipients(recipientsRoot, recipientKey); },
+            [&] { initExclusions(exclusionsRoot, exclusionKey); }};
+        for (const auto& addBranch : branches) {
+            // Selecting a node may save a changed pane, and that rebuilds the tree: it is whole then.
+            if (rebuild != rebuilds_)
+                return;
+            addBranch();
+        }
     });
+}
+
+// Adds a child of a root for each row and selects the one of the key that is wanted, if it is among them.
+void frmMain::addChildren(core::Frame& frame, const Category& category, Recordset& rows,
+                          const std::function<ui::KeyedTree::NewNode()>& makeNode) {
+    std::string selection;
+    {
+        const ui::KeyedTree::Fill fill(*tvNavigation);
+        forEachRow(frame, rows, [&] {
+            ui::KeyedTree::NewNode node = makeNode();
+            node.parent = category.rootKey;
+            node.key = category.childPrefix + std::to_string(node.info.key);
+            tvNavigation->addNode(node);
+            if (expanded_[static_cast<std::size_t>(category.type)])
+                tvNavigation->ensureVisible(node.key);
+            if (category.wanted == node.info.key)
+                selection = node.key;
+        });
+    }
+    selectAfterRebuild(selection);
 }
 
 void frmMain::initEvents(const std::string& root, std::optional<long> eventKey) {
     core::procedure(module, "initEvents", [&](core::Frame& frame) {
-        std::string selection;
-        {
-            const ui::KeyedTree::Fill fill(*tvNavigation);
-            Recordset events = mdlDatabase::getEvents();
-            forEachRow(frame, events, [&] {
-                const long key = events.number("EventKey");
-                const bool active = events.boolean("EventActive");
-                ui::KeyedTree::NewNode node;
-                node.parent = root;
-                node.key = "EventKey-" + std::to_string(key);
-                node.text = sourceAndId(events);
-                node.icon = imagelistTreeNodes_[static_cast<std::size_t>(imageComplete +
-                                                                         mdlDatabase::getEventState(key))];
-                node.info.nodeType = nodeTypeEvent;
-                node.info.ToolTip = textOrEmpty(events, "EventTitle");
-                node.info.key = key;
-                node.bold = active;
-                node.greyed = !active;
-                tvNavigation->addNode(node);
-                if (expanded_[nodeTypeCategoryEvents])
-                    tvNavigation->ensureVisible(node.key);
-                if (eventKey == key)
-                    selection = node.key;
-            });
-        }
-        selectAfterRebuild(selection);
+        Recordset events = mdlDatabase::getEvents();
+        addChildren(frame, {root, "EventKey-", nodeTypeCategoryEvents, eventKey}, events, [&] {
+            const long key = events.number("EventKey");
+            ui::KeyedTree::NewNode node;
+            node.text = sourceAndId(events);
+            node.icon = stateIcon(mdlDatabase::getEventState(key));
+            node.info = {false, nodeTypeEvent, textOrEmpty(events, "EventTitle"), key};
+            node.bold = events.boolean("EventActive");
+            node.greyed = !node.bold;
+            return node;
+        });
     });
 }
 
 void frmMain::initRecipients(const std::string& root, std::optional<long> recipientKey) {
     core::procedure(module, "initRecipients", [&](core::Frame& frame) {
-        std::string selection;
-        {
-            const ui::KeyedTree::Fill fill(*tvNavigation);
-            Recordset recipients = mdlDatabase::getRecipients();
-            forEachRow(frame, recipients, [&] {
-                const long key = recipients.number("RecipientKey");
-                ui::KeyedTree::NewNode node;
-                node.parent = root;
-                node.key = "RecipientKey:" + std::to_string(key);
-                node.text = textOrEmpty(recipients, "RecipientName");
-                node.icon = imagelistTreeNodes_[static_cast<std::size_t>(
-                    imageComplete + mdlDatabase::getRecipientState(key))];
-                node.info.nodeType = nodeTypeRecipient;
-                node.info.key = key;
-                tvNavigation->addNode(node);
-                if (expanded_[nodeTypeCategoryRecipients])
-                    tvNavigation->ensureVisible(node.key);
-                if (recipientKey == key)
-                    selection = node.key;
-            });
-        }
-        selectAfterRebuild(selection);
+        Recordset recipients = mdlDatabase::getRecipients();
+        addChildren(frame, {root, "RecipientKey:", nodeTypeCategoryRecipients, recipientKey}, recipients,
+                    [&] {
+                        const long key = recipients.number("RecipientKey");
+                        ui::KeyedTree::NewNode node;
+                        node.text = textOrEmpty(recipients, "RecipientName");
+                        node.icon = stateIcon(mdlDatabase::getRecipientState(key));
+                        node.info = {false, nodeTypeRecipient, "", key};
+                        return node;
+                    });
     });
 }
 
 void frmMain::initExclusions(const std::string& root, std::optional<long> exclusionKey) {
     core::procedure(module, "initExclusions", [&](core::Frame& frame) {
-        std::string selection;
-        {
-            const ui::KeyedTree::Fill fill(*tvNavigation);
-            Recordset exclusions = mdlDatabase::getExclusions();
-            forEachRow(frame, exclusions, [&] {
-                const long key = exclusions.number("ExclusionKey");
-                ui::KeyedTree::NewNode node;
-                node.parent = root;
-                node.key = "ExclusionKey-" + std::to_string(key);
-                node.text = sourceAndId(exclusions);
-                node.icon = imagelistTreeNodes_[imageCategory];
-                node.info.nodeType = nodeTypeExclusion;
-                node.info.ToolTip = textOrEmpty(exclusions, "EventSource");
-                node.info.key = key;
-                tvNavigation->addNode(node);
-                if (expanded_[nodeTypeCategoryExclusions])
-                    tvNavigation->ensureVisible(node.key);
-                if (exclusionKey == key)
-                    selection = node.key;
-            });
-        }
-        selectAfterRebuild(selection);
+        Recordset exclusions = mdlDatabase::getExclusions();
+        addChildren(frame, {root, "ExclusionKey-", nodeTypeCategoryExclusions, exclusionKey}, exclusions,
+                    [&] {
+                        ui::KeyedTree::NewNode node;
+                        node.text = sourceAndId(exclusions);
+                        node.icon = imagelistTreeNodes_[imageCategory];
+                        node.info = {false, nodeTypeExclusion, textOrEmpty(exclusions, "EventSource"),
+                                     exclusions.number("ExclusionKey")};
+                        return node;
+                    });
     });
 }
 
@@ -221,6 +207,10 @@ std::string frmMain::findNode(long nodeType, long key) const {
     });
 }
 
+QIcon frmMain::stateIcon(long state) const {
+    return imagelistTreeNodes_[static_cast<std::size_t>(imageComplete + state)];
+}
+
 std::string frmMain::nodeAt(long index) const {
     return tvNavigation->keyAt(index);
 }
@@ -229,15 +219,44 @@ void frmMain::tvNavigation_NodeClick(const std::string& nodeKey) {
     core::procedure(module, "tvNavigation_NodeClick", [&](core::Frame& frame) {
         if (!tvNavigation->contains(nodeKey))
             return;
+        // Copies: a save rebuilds the tree.
         const std::string key = nodeKey;
         const classNodeInfo info = tvNavigation->info(key);
-        const std::string text = tvNavigation->nodeText(key);
-        frame.steps({[&] { checkMenus(info.nodeType); }, [&] { displayPane(info, text); },
-                     [&] { previousNode_ = key; }});
+        checkMenus(info.nodeType);
+        for (const ChangedPane& changed : editingPanes_)
+            if (!settleChanges(frame, changed, key))
+                return;
+        frame.step([&] { displayPane(info); });
+        previousNode_ = {key, info};
     });
 }
 
-void frmMain::displayPane(const classNodeInfo& info, const std::string& nodeText) {
+bool frmMain::settleChanges(core::Frame& frame, const ChangedPane& changed, const std::string& chosenNode) {
+    if (!changed.pane->isChanged())
+        return true;
+    const platform::BoxAnswer answer = ui::askToSave(changed.question);
+    if (answer == platform::BoxAnswer::cancel) {
+        // The menus stay those of the node that was clicked; it stays so.
+        if (tvNavigation->contains(previousNode_.key))
+            tvNavigation->select(previousNode_.key);
+        return false;
+    }
+    frame.step([&] {
+        if (answer == platform::BoxAnswer::yes) {
+            changed.pane->save(previousNode_.info.key);
+            if (changed.rebuildsTree) {
+                loadNavigationTree();
+                tvNavigation->scrollFullyLeft();
+                if (tvNavigation->contains(chosenNode))
+                    tvNavigation->select(chosenNode);
+            }
+        }
+        changed.pane->discard();
+    });
+    return true;
+}
+
+void frmMain::displayPane(const classNodeInfo& info) {
     switch (info.nodeType) {
         case nodeTypeCategoryEvents:
             showViewPort(0);
@@ -245,7 +264,7 @@ void frmMain::displayPane(const classNodeInfo& info, const std::string& nodeText
             break;
         case nodeTypeEvent:
             showViewPort(1);
-            paneEventDetails_->displayEventDetails(info.key, nodeText);
+            paneEventDetails_->displayEventDetails(info.key);
             break;
         case nodeTypeCategoryRecipients:
             showViewPort(2);
@@ -293,7 +312,7 @@ void frmMain::tvNavigation_Collapse(const std::string& nodeKey) {
 void frmMain::tvNavigation_MouseDown(const QPoint& position) {
     core::procedure(module, "tvNavigation_MouseDown", [&](core::Frame& frame) {
         frame.steps({[&] { selectNode(tvNavigation->hitTest(position)); },
-                     [&] { mnuPopup_->exec(tvNavigation->viewport()->mapToGlobal(position)); }});
+                     [&] { menus_.at("mnuPopup")->exec(tvNavigation->viewport()->mapToGlobal(position)); }});
         if (addEventPending_ == 1) {
             addEventPending_ = 0;
             mnuFileNewEvent_Click();

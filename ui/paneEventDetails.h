@@ -1,35 +1,128 @@
-// Pane 1: one monitored event.
+// Pane 1: one monitored event for editing: what it matches, the content of its notification, and whom it goes
+// to. Its sources besides this one: filling, saving, recipients.
 #pragma once
 
 #include <QWidget>
 #include <string>
 
-class QFormLayout;
-class QLabel;
+#include "core/procedure.h"
+#include "database/assignment.h"
+#include "database/events.h"
+#include "ui/editingPane.h"
 
-class paneEventDetails : public QWidget {
+class QCheckBox;
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QLayout;
+class QLineEdit;
+class QPushButton;
+class dlgEditRecipients;
+class dlgExclusions;
+
+namespace ui {
+class EventIdBox;
+class InsertionVariables;
+class KeyedTree;
+class VariableTextBox;
+}  // namespace ui
+
+class paneEventDetails : public QWidget, public EditingPane {
     Q_OBJECT
 
   public:
-    explicit paneEventDetails(QWidget* parent);
+    // `tvNavigation` holds the event's node as the selected one while the pane is worked with.
+    paneEventDetails(QWidget* parent, const ui::KeyedTree& tvNavigation);
 
-    // Shows the event and its notification content. `nodeText` heads the pane.
-    void displayEventDetails(long eventKey, const std::string& nodeText);
+    // Fills the pane for an event; it holds no unsaved edits then.
+    void displayEventDetails(long eventKey);
+    // Writes what the controls show. With `silent` no question is asked and no warning given, but for those
+    // of the operations themselves.
+    void saveEventDataChanges(long eventKey, bool silent);
     void controlInit();
 
+    bool isChanged() const override { return eventDataChanged_; }
+    void save(long key) override { saveEventDataChanges(key, true); }
+    void discard() override { eventDataChanged_ = false; }
+
+  signals:
+    // The event was written: the tree, and with it this pane, are out of date.
+    void eventSaved(long eventKey);
+
   private:
-    void fillEvent(long eventKey);
-    void fillContent(long eventKey);
-    QLabel* addLine(const char* captionName, const char* valueName);
+    void createControls();
+    void createContentControls();
+    void buildLayout();
+    QLayout* matchLayout();
+    void layOutRecipients();
+    void layOutContent();
+    void connectControls();
+    void connectList(QComboBox& list, const char* handler);
 
-    long eventKey_ = 0;  // of the event that is shown; 0 before the first one
+    // Change tracking. `handler` is the name in the log of what noticed the change.
+    void noteChange(const char* handler);
+    void updateEventApply();
 
-    QFormLayout* lines;
-    QLabel* lblEventHeading;
-    QLabel* lblActiveValue;
-    QLabel* lblEventTypeValue;
-    QLabel* lblEventNotesValue;
-    QLabel* lblVoiceMailFilenameValue;
-    QLabel* lblEmailSubjectValue;
-    QLabel* lblEmailBodyValue;
+    void fillEvent(core::Frame& frame, long eventKey);
+    void fillSources(core::Frame& frame, bool catchAll);
+    void fillContent(core::Frame& frame, long eventKey);
+    void fillDefaultContent(core::Frame& frame);
+    void fillStoredContent(core::Frame& frame, platform::Recordset& contents);
+    void colorContent();
+
+    mdlDatabase::ModifiedEvent shownEvent(long eventKey) const;
+    void cmdEventApply_Click();
+    void cmdExclusions_Click();
+    void cmdVoiceMailBrowse_Click();
+
+    // The key of the event whose node is selected in the navigation tree. Raises 35601 when none is.
+    long selectedEventKey() const;
+    // Asks about unsaved edits and does what is answered; false for Cancel.
+    bool settleChanges(long eventKey);
+    // Whom the event goes to, chosen anew; nothing on Cancel. True when it was written.
+    bool editRecipients(long eventKey);
+    void assignFirstRecipients(core::Frame& frame, long eventKey);
+    void cmdAddRecipient_Click();
+    void cmdRemoveRecipient_Click();
+    void tvRecipients_NodeClick(const std::string& nodeKey);
+    void tvRecipients_NodeCheck(const std::string& nodeKey);
+
+    const ui::KeyedTree& tvNavigation;
+    QLabel* lblEventSource;
+    QComboBox* comboEventSource;
+    QLabel* lblEventId;
+    ui::EventIdBox* comboEventId;
+    QLabel* lblEventType;
+    QComboBox* comboEventType;
+    QCheckBox* chkActive;
+    QLabel* lblEventNotes;
+    QLineEdit* txtEventTitle;
+    QGroupBox* frameRecipients;
+    ui::KeyedTree* tvRecipients;
+    QPushButton* cmdAddRecipient;
+    QPushButton* cmdRemoveRecipient;
+    QGroupBox* frameContent;
+    QLabel* lblVoiceMailFilename;
+    QLineEdit* txtVoiceMailFileName;
+    QPushButton* cmdVoiceMailBrowse;
+    QLabel* lblVoiceMailPriority;
+    QComboBox* comboVoiceMailPriority;
+    QLabel* lblEmailSubject;
+    ui::VariableTextBox* rtbEmailSubject;
+    QLabel* lblEmailBody;
+    ui::VariableTextBox* rtbEmailBody;
+    QLabel* Label2;
+    QLabel* lblEmailPriority;
+    QComboBox* comboEmailPriority;
+    QPushButton* cmdExclusions;
+    QPushButton* cmdEventApply;
+    ui::InsertionVariables* variables;
+    dlgEditRecipients* dlgEditRecipients_ = nullptr;  // shared instances, made on first use
+    dlgExclusions* dlgExclusions_ = nullptr;
+
+    bool eventDataChanged_ = false;
+    bool eventRecipientsChanged_ = false;
+    long voiceMailPriority_ = 0;  // stored values: 2 Urgent, 1 Normal, 0 Low
+    long emailPriority_ = 0;
+    mdlDatabase::DeviceSelection selectedDevices_;  // the devices ticked in tvRecipients
 };

@@ -11,11 +11,13 @@
 #include "database/events.h"
 #include "platform/clock.h"
 #include "ui/controls.h"
+#include "ui/rowText.h"
 #include "ui/text.h"
 #include "ui/widgets/keyedGrid.h"
 
 using modLocalize::myLoadResString;
 using ui::KeyedGrid;
+using ui::textOrEmpty;
 
 namespace {
 
@@ -51,10 +53,6 @@ std::string typeText(long type) {
 std::string momentText(const std::string& stored) {
     platform::LocalTime moment{};
     return platform::parseMoment(stored, moment) ? platform::defaultForm(moment) : stored;
-}
-
-std::string textOrEmpty(const platform::Recordset& row, std::string_view field) {
-    return row.isNull(field) ? std::string() : row.text(field);
 }
 
 // A number's cell; one without a value is empty, and its row still shows.

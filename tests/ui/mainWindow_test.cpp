@@ -7,23 +7,17 @@
 #include <QFrame>
 #include <QGuiApplication>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QtTest/QTest>
+#include <filesystem>
+#include <fstream>
 
 #include "core/modLocalize.h"
-#include "core/state.h"
-#include "database/events.h"
-#include "database/settings.h"
-#include "support/scriptedPrompts.h"
-#include "support/temporaryHost.h"
-#include "support/windowScript.h"
-#include "ui/frmMain.h"
-#include "ui/text.h"
+#include "mainWindowFixture.h"
 #include "ui/twips.h"
-#include "ui/widgets/keyedGrid.h"
-#include "ui/widgets/keyedTree.h"
 
 namespace {
 
@@ -31,58 +25,8 @@ using platform::BoxAnswer;
 using platform::BoxButtons;
 using platform::BoxIcon;
 
-constexpr char sourcesKey[] = "System\\CurrentControlSet\\Services\\EventLog\\Application\\";
-
-class MainWindow : public ::testing::Test {
-  protected:
-    MainWindow() : script([](const QString& message) { ADD_FAILURE() << qPrintable(message); }) {
-        core::gCorvaneFourOrLater = true;
-        core::gProductName = "Quillon Service";
-        for (const char* source : {"Alarm", "Backup", "Cluster"})
-            host.setRegistry(sourcesKey + std::string(source), "EventMessageFile", source);
-        host.openConfiguration();
-        mdlDatabase::makeInitialDatabaseChanges();
-    }
-
-    void open() {
-        window = std::make_unique<frmMain>();
-        window->loadNavigationTree();
-        window->selectNode(window->nodeAt(1));
-        window->show();
-        tree = window->tvNavigation;
-        grid = window->findChild<ui::KeyedGrid*>("vsflexgridMonitoredEvents");
-    }
-
-    long add(const std::string& source, const std::string& id, const std::string& title = "") {
-        return mdlDatabase::addNewEvent({source, id, title, 2, {"a.wav", 1, "subject", "body", 1}});
-    }
-
-    template <class Control>
-    Control* find(const char* name) {
-        return window->findChild<Control*>(name);
-    }
-
-    QPoint placeOf(const std::string& key) {
-        tree->ensureVisible(key);
-        const QString text = ui::fromUtf8(tree->nodeText(key));
-        return tree->visualItemRect(tree->findItems(text, Qt::MatchExactly | Qt::MatchRecursive).at(0))
-            .center();
-    }
-
-    int visiblePane() {
-        for (int i = 0; i < 8; ++i)
-            if (find<QWidget>(qPrintable("vsviewportDetails_" + QString::number(i)))->isVisible())
-                return i;
-        return -1;
-    }
-
-    support::TemporaryHost host;
-    support::ScriptedPrompts prompts;
-    support::WindowScript script;
-    std::unique_ptr<frmMain> window;
-    ui::KeyedTree* tree = nullptr;
-    ui::KeyedGrid* grid = nullptr;
-};
+using uiTest::MainWindow;
+using uiTest::sourcesKey;
 
 TEST_F(MainWindow, BuildsItsTreeWithStatesAndKeepsItsShapeOverARebuild) {
     const long plain = add("Backup", "17", "nightly");
@@ -395,6 +339,50 @@ TEST_F(MainWindow, HoverTipTellsAnEventsHealth) {
             std::to_string(key) + ", 1, -1);");
     mdlDatabase::setEventActiveState(key, true);
     EXPECT_EQ(window->constructNavigationToolTip(node), "nightly\n" + dashes + "\nEvent: Active");
+}
+
+TEST_F(MainWindow, PopupsAndDeleteFollowTheNodesType) {
+    open();
+    const std::pair<long, const char*> rows[] = {
+        {nodeTypeCategoryEvents, "mnuPopupAddEvent"},
+        {nodeTypeCategoryRecipients, "mnuPopupNewRecipient"},
+        {nodeTypeCategoryReports, "mnuPopupViewReport"},
+        {nodeTypeCategoryExclusions, "mnuPopupExclusion_Create"},
+        {nodeTypeEvent, "mnuPopupDeleteEvent"},
+        {nodeTypeEventRecipient, "mnuPopupRemoveRecipient"},
+        {nodeTypeRecipient, "mnuPopupDeleteRecipient"},
+        {nodeTypeReport, "mnuPopupExportReport"},
+        {nodeTypeReportItem, "mnuPopupExportReport"},
+        {nodeTypeEventRecipientDevice, ""},
+        {nodeTypeRecipientEvent, ""},
+        {nodeTypeExclusion, "mnuPopupExclusion_Delete"},
+    };
+    for (const auto& [type, expected] : rows) {
+        window->checkMenus(type);
+        QString shown;
+        for (const QAction* entry : find<QMenu>("mnuPopup")->actions())
+            if (entry->isVisible())
+                shown += entry->objectName();
+        EXPECT_EQ(shown, expected) << type;
+        EXPECT_EQ(find<QAction>("mnuFileDelete")->isEnabled(),
+                  type == nodeTypeEvent || type == nodeTypeRecipient || type == nodeTypeExclusion)
+            << type;
+        EXPECT_TRUE(find<QAction>("mnuFileNewEvent")->isEnabled());
+    }
+}
+
+TEST_F(MainWindow, ShowsTheCurrentLogFileInAnotherProgram) {
+    const auto program = host.programFolder() / "notepad";
+    const auto seen = host.root() / "seen";
+    std::ofstream(program) << "#!/bin/sh\nprintf '%s\\n' \"$#\" \"$1\" > '" << seen.string() << ".new'\nmv '"
+                           << seen.string() << ".new' '" << seen.string() << "'\n";
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    mdlDatabase::setConfigurationSetting("OutputFilePath", "/a folder/the log.txt");
+    open();
+    find<QAction>("mnuViewCurrentLogFile")->trigger();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(seen); }));
+    std::ifstream file(seen);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "1\n/a folder/the log.txt\n");
 }
 
 }  // namespace

@@ -3,7 +3,9 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QScopedValueRollback>
 #include <QScrollBar>
+#include <utility>
 
 #include "platform/failure.h"
 #include "ui/text.h"
@@ -16,6 +18,10 @@ constexpr int nodeIndexRole = Qt::UserRole;
 
 std::string folded(std::string_view key) {
     return toUtf8(fromUtf8(key).toCaseFolded());
+}
+
+QBrush greyedText(const QWidget& tree) {
+    return tree.palette().brush(QPalette::Disabled, QPalette::Text);
 }
 
 }  // namespace
@@ -36,6 +42,7 @@ KeyedTree::KeyedTree(QWidget* parent) : QTreeWidget(parent) {
             [this](QTreeWidgetItem* item) { emit nodeExpanded(keyOf(item)); });
     connect(this, &QTreeWidget::itemCollapsed, this,
             [this](QTreeWidgetItem* item) { emit nodeCollapsed(keyOf(item)); });
+    connect(this, &QTreeWidget::itemChanged, this, &KeyedTree::noteCheck);
 }
 
 void KeyedTree::addNode(const NewNode& node) {
@@ -52,7 +59,9 @@ void KeyedTree::addNode(const NewNode& node) {
         item->setFont(0, bold);
     }
     if (node.greyed)
-        item->setForeground(0, palette().brush(QPalette::Disabled, QPalette::Text));
+        item->setForeground(0, greyedText(*this));
+    if (node.checkBox)
+        item->setCheckState(0, Qt::Unchecked);
     index_.emplace(folded(node.key), order_.size());
     order_.push_back({node.key, node.info, item.get()});
     parent->addChild(item.release());
@@ -99,7 +108,38 @@ std::string KeyedTree::nodeText(std::string_view key) const {
 }
 
 void KeyedTree::setNodeText(std::string_view key, const std::string& text) {
+    const QScopedValueRollback ours(settingState_, true);
     get(key).setText(0, fromUtf8(text));
+}
+
+void KeyedTree::setGreyed(std::string_view key, bool greyed) {
+    const QScopedValueRollback ours(settingState_, true);
+    get(key).setData(0, Qt::ForegroundRole, greyed ? QVariant(greyedText(*this)) : QVariant());
+}
+
+bool KeyedTree::isGreyed(std::string_view key) const {
+    return get(key).data(0, Qt::ForegroundRole).isValid();
+}
+
+bool KeyedTree::isChecked(std::string_view key) const {
+    return get(key).checkState(0) == Qt::Checked;
+}
+
+void KeyedTree::setChecked(std::string_view key, bool checked) {
+    const QScopedValueRollback ours(settingState_, true);
+    get(key).setCheckState(0, checked ? Qt::Checked : Qt::Unchecked);
+}
+
+std::string KeyedTree::parentKey(std::string_view key) const {
+    return keyOf(get(key).parent());
+}
+
+std::vector<std::string> KeyedTree::childKeys(std::string_view key) const {
+    const QTreeWidgetItem& item = key.empty() ? *invisibleRootItem() : get(key);
+    std::vector<std::string> keys;
+    for (int i = 0; i < item.childCount(); ++i)
+        keys.push_back(keyOf(item.child(i)));
+    return keys;
 }
 
 std::string KeyedTree::selectedKey() const {
@@ -146,8 +186,27 @@ void KeyedTree::mousePressEvent(QMouseEvent* event) {
     QTreeWidget::mousePressEvent(event);
 }
 
+// A box that a program for disabled people switches comes outside of any event of the tree.
+void KeyedTree::noteCheck(const QTreeWidgetItem* item) {
+    if (settingState_ || !item->data(0, Qt::CheckStateRole).isValid())
+        return;
+    checkedKey_ = keyOf(item);
+    if (!inEvent_)
+        tellOfCheck();
+}
+
+void KeyedTree::tellOfCheck() {
+    const std::string key = std::exchange(checkedKey_, {});
+    if (!key.empty())
+        emit nodeChecked(key);
+}
+
 void KeyedTree::mouseReleaseEvent(QMouseEvent* event) {
-    QTreeWidget::mouseReleaseEvent(event);
+    {
+        const QScopedValueRollback during(inEvent_, true);
+        QTreeWidget::mouseReleaseEvent(event);
+    }
+    tellOfCheck();
     const QPoint position = event->position().toPoint();
     QTreeWidgetItem* item = itemAt(position);
     const std::string key = keyOf(item);
@@ -155,8 +214,8 @@ void KeyedTree::mouseReleaseEvent(QMouseEvent* event) {
     const bool onItem = item && position.x() >= visualItemRect(item).left();
     if (event->button() == Qt::LeftButton && onItem && key == pressedKey_)
         emit nodeClicked(key);
-    // A press alone moves the selection. Whoever lets go elsewhere has still chosen that node, and its pane must
-    // not be another one's.
+    // A press alone moves the selection. Whoever lets go elsewhere has still chosen that node, and its pane
+    // must not be another one's.
     else if (event->button() == Qt::LeftButton && currentItem() && selectedKey() != chosenKey_)
         emit nodeClicked(selectedKey());
 }
@@ -170,10 +229,27 @@ void KeyedTree::mouseMoveEvent(QMouseEvent* event) {
 
 void KeyedTree::keyPressEvent(QKeyEvent* event) {
     const std::string before = selectedKey();
-    QTreeWidget::keyPressEvent(event);
+    {
+        const QScopedValueRollback during(inEvent_, true);
+        QTreeWidget::keyPressEvent(event);
+    }
+    tellOfCheck();
     const std::string after = selectedKey();
     if (!after.empty() && after != before)
         emit nodeClicked(after);
+}
+
+void KeyedTree::focusInEvent(QFocusEvent* event) {
+    const bool nothingSelected = selectedItems().isEmpty();
+    QTreeWidget::focusInEvent(event);
+    // The base class makes the first node current without selecting it, and no key could then choose it.
+    const bool byKeyboard =
+        event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    if (nothingSelected && byKeyboard && count() > 0) {
+        const std::string first = keyAt(1);
+        select(first);
+        emit nodeClicked(first);
+    }
 }
 
 void KeyedTree::contextMenuEvent(QContextMenuEvent* event) {

@@ -1,5 +1,6 @@
 // A tree whose nodes are known by key (unique without regard to case) and by their 1-based order of
-// creation. Callers keep keys, never nodes: a rebuild may run inside the tree's own event.
+// creation. Callers keep keys, never nodes: a rebuild may run inside the tree's own event. Nodes may have
+// check boxes, which are on or off; no box follows another one by itself.
 #pragma once
 
 #include <QTreeWidget>
@@ -25,7 +26,8 @@ class KeyedTree : public QTreeWidget {
         QIcon icon;
         classNodeInfo info;
         bool bold = false;
-        bool greyed = false;  // in the palette's colour for disabled text
+        bool greyed = false;    // in the palette's colour for disabled text
+        bool checkBox = false;  // off at first
     };
     // Adds a node as the last child of its parent. Raises 35602 for a key in use, 35601 for an unknown
     // parent.
@@ -41,6 +43,15 @@ class KeyedTree : public QTreeWidget {
     const classNodeInfo& info(std::string_view key) const;
     std::string nodeText(std::string_view key) const;
     void setNodeText(std::string_view key, const std::string& text);
+    void setGreyed(std::string_view key, bool greyed);
+    bool isGreyed(std::string_view key) const;
+    bool isChecked(std::string_view key) const;
+    // Raises no nodeChecked.
+    void setChecked(std::string_view key, bool checked);
+    // Key of the node's parent; empty for a root.
+    std::string parentKey(std::string_view key) const;
+    // Keys of the node's children from the first; of the roots for an empty key.
+    std::vector<std::string> childKeys(std::string_view key) const;
 
     // Key of the selected node; empty when none is. Selecting raises no nodeClicked.
     std::string selectedKey() const;
@@ -66,6 +77,8 @@ class KeyedTree : public QTreeWidget {
   signals:
     // A person chose a node, by mouse or keyboard; also one that was selected already.
     void nodeClicked(const std::string& key);
+    // A person switched the node's check box, by mouse or keyboard; comes before nodeClicked.
+    void nodeChecked(const std::string& key);
     void nodeExpanded(const std::string& key);
     void nodeCollapsed(const std::string& key);
     // Positions are points of the viewport.
@@ -77,6 +90,7 @@ class KeyedTree : public QTreeWidget {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
@@ -84,6 +98,8 @@ class KeyedTree : public QTreeWidget {
     QTreeWidgetItem* find(std::string_view key) const;
     QTreeWidgetItem& get(std::string_view key) const;
     std::string keyOf(const QTreeWidgetItem* item) const;
+    void noteCheck(const QTreeWidgetItem* item);
+    void tellOfCheck();
 
     struct Node {
         std::string key;
@@ -93,8 +109,11 @@ class KeyedTree : public QTreeWidget {
     std::vector<Node> order_;
     std::unordered_map<std::string, std::size_t> index_;  // folded key to place in order_
     std::string pressedKey_;
-    std::string chosenKey_;  // what was selected before the press
+    std::string chosenKey_;   // what was selected before the press
+    std::string checkedKey_;  // whose box was switched by the present event
     int fills_ = 0;
+    bool inEvent_ = false;
+    bool settingState_ = false;  // the change is ours, not a person's
 };
 
 }  // namespace ui

@@ -1,0 +1,160 @@
+// Pane 1 is filled in a fixed order: filling a control raises the same handlers as a person's change, and the
+// flag that they set is cleared last.
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include "core/state.h"
+#include "database/events.h"
+#include "database/settings.h"
+#include "server/eventSources.h"
+#include "ui/RTBHelpers.h"
+#include "ui/controls.h"
+#include "ui/insertionVariables.h"
+#include "ui/mdlRecDevices.h"
+#include "ui/paneEventDetails.h"
+#include "ui/rowText.h"
+#include "ui/text.h"
+#include "ui/widgets/eventIdBox.h"
+#include "ui/widgets/keyedTree.h"
+#include "ui/widgets/variableTextBox.h"
+
+using platform::Recordset;
+
+namespace {
+
+constexpr char module[] = "frmMain";
+
+// The list has no row for a stored 0: nothing is selected then, so that a save keeps the 0, and the log
+// tells.
+void showPriority(QComboBox& list, int row) {
+    list.setCurrentIndex(row < list.count() ? row : -1);
+    if (row >= list.count())
+        throw platform::makeFailure(platform::invalidProcedureCall, ui::toUtf8(list.objectName()));
+}
+
+void showStoredPriority(QComboBox& list, const Recordset& contents) {
+    showPriority(list, static_cast<int>(mdlDatabase::mapPriority(contents.number("ContentPriority"))));
+}
+
+bool findContent(Recordset& contents, int type) {
+    contents.moveFirst();
+    contents.find("ContentType = " + std::to_string(type));
+    return !contents.EOF_();
+}
+
+}  // namespace
+
+void paneEventDetails::displayEventDetails(long eventKey) {
+    core::procedure(module, "displayEventDetails", [&](core::Frame& frame) {
+        fillEvent(frame, eventKey);
+        fillContent(frame, eventKey);
+        if (variables->mnuInsert.size() == 1)
+            frame.step([&] { variables->controlInit(); });
+        selectedDevices_.clear();
+        frame.step(
+            [&] { mdlRecDevices::populateRecipientsList(*tvRecipients, eventKey, selectedDevices_, true); });
+        eventDataChanged_ = false;
+        cmdRemoveRecipient->setEnabled(false);
+        updateEventApply();
+    });
+}
+
+void paneEventDetails::fillEvent(core::Frame& frame, long eventKey) {
+    Recordset event = mdlDatabase::getEvent(eventKey);
+    frame.steps(
+        {[&] { txtEventTitle->setText(ui::fromUtf8(ui::textOrEmpty(event, "EventTitle"))); },
+         [&] { chkActive->setChecked(event.boolean("EventActive")); },
+         [&] { fillSources(frame, event.boolean("EventCollection")); },
+         [&] { ui::setComboText(ui::fromUtf8(ui::textOrEmpty(event, "EventSource")), *comboEventSource); },
+         [&] {
+             const std::string id = ui::textOrEmpty(event, "EventID");
+             if (id == std::to_string(mdlDatabase::nodeAllEventIds))
+                 comboEventId->showAll();
+             else
+                 comboEventId->showId(ui::fromUtf8(id));
+         }});
+    cmdEventApply->setEnabled(false);
+    frame.steps({[&] {
+                     comboEventType->setCurrentIndex(
+                         static_cast<int>(mdlDatabase::mapEventType(event.number("EventType"), true)));
+                 },
+                 [&] { event.close(); }});
+}
+
+void paneEventDetails::fillSources(core::Frame& frame, bool catchAll) {
+    comboEventSource->clear();
+    if (catchAll) {
+        comboEventSource->addItem(ui::text(1049));
+        comboEventSource->setCurrentIndex(-1);
+        comboEventSource->setEnabled(false);
+        return;
+    }
+    frame.step([&] {
+        QStringList sources;
+        for (const std::string& source : mdlUtility::getEventSources(core::gCorvaneFourOrLater, false, false))
+            sources.append(ui::fromUtf8(source));
+        comboEventSource->addItems(sources);
+        comboEventSource->setCurrentIndex(-1);
+    });
+    comboEventSource->setEnabled(true);
+    // Nothing shows the button again in this run: the tree's branch of exclusions is the standing way. It
+    // stays so.
+    cmdExclusions->hide();
+}
+
+void paneEventDetails::fillContent(core::Frame& frame, long eventKey) {
+    Recordset contents = mdlDatabase::getContentsForEvent(eventKey);
+    bool stored = false;
+    frame.step([&] { stored = contents.recordCount() > 0; });
+    if (stored)
+        fillStoredContent(frame, contents);
+    else
+        fillDefaultContent(frame);
+    frame.step([&] { contents.close(); });
+}
+
+void paneEventDetails::fillDefaultContent(core::Frame& frame) {
+    using mdlDatabase::getConfigurationSetting;
+    frame.steps({[&] { txtVoiceMailFileName->setText(ui::fromUtf8(mdlDatabase::getDefaultContent(1).text)); },
+                 [&] {
+                     showPriority(*comboVoiceMailPriority,
+                                  ui::priorityRow(getConfigurationSetting("DefaultVoiceMailPriority")));
+                 },
+                 [&] {
+                     const auto parts = mdlDatabase::getDefaultContent(3).parts;
+                     rtbEmailSubject->setStoredText(parts.at("Subject"));
+                     rtbEmailBody->setStoredText(parts.at("Body"));
+                 },
+                 [&] {
+                     showPriority(*comboEmailPriority,
+                                  ui::priorityRow(getConfigurationSetting("DefaultEmailPriority")));
+                 }});
+    colorContent();
+}
+
+// A type of content that the event lacks leaves its controls with what the event before had there.
+void paneEventDetails::fillStoredContent(core::Frame& frame, Recordset& contents) {
+    frame.step([&] {
+        if (findContent(contents, 1))
+            frame.steps({[&] {
+                             txtVoiceMailFileName->setText(
+                                 ui::fromUtf8(ui::textOrEmpty(contents, "ContentAttachment")));
+                         },
+                         [&] { showStoredPriority(*comboVoiceMailPriority, contents); }});
+    });
+    frame.step([&] {
+        if (!findContent(contents, 3))
+            return;
+        frame.steps({[&] { rtbEmailSubject->setStoredText(ui::textOrEmpty(contents, "ContentSubject")); },
+                     [&] { rtbEmailBody->setStoredText(ui::textOrEmpty(contents, "ContentNote")); },
+                     [&] { showStoredPriority(*comboEmailPriority, contents); }, [&] { colorContent(); }});
+    });
+}
+
+void paneEventDetails::colorContent() {
+    for (ui::VariableTextBox* box : {rtbEmailSubject, rtbEmailBody})
+        RTBHelpers::colorInsertionTokens(*box, RTBHelpers::insertionTokens);
+}
