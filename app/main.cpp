@@ -2,6 +2,7 @@
 
 #include "app/mdlMain.h"
 #include "platform/host.h"
+#include "platform/language.h"
 #include "platform/prompts.h"
 #include "platform/windowStation.h"
 #include "ui/appearance.h"
@@ -11,6 +12,7 @@
 
 int main(int argc, char** argv) {
     platform::program::setCommandLine(argc, argv);
+    platform::setDateOrder(platform::userDateOrder());
     QApplication application(argc, argv);
     ui::applyAppearance();
     QApplication::setQuitOnLastWindowClosed(false);

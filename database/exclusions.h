@@ -10,12 +10,15 @@
 
 namespace mdlDatabase {
 
+// The id that excludes every id of its source.
+inline constexpr long allExclusionIds = -1;
+
 // Recordsets are left open for the caller, who reads and closes them; one that failed to open is closed.
 platform::Recordset getExclusion(long exclusionKey);
 // All exclusions by source and id.
 platform::Recordset getExclusions();
 
-// Ids are 32 bits, or -1 for all ids of the source. The new key; no pair is refused for being there already.
+// Ids are 32 bits, or allExclusionIds. The new key; no pair is refused for being there already.
 // 0 when the row could not be written; the first exclusion's key is 0, too.
 long addNewExclusion(std::string_view eventSource, long eventId);
 // The source stays. Without such an exclusion nothing is written.

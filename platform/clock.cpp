@@ -18,6 +18,7 @@ class SystemClock : public Clock {
 
 Clock* clockInUse = nullptr;
 Waiter waiterInUse;
+DateOrder orderInUse = DateOrder::monthFirst;
 
 // A date that stands for "time alone": day 0 of the date type.
 constexpr LocalTime dayZero{1899, 12, 30, 0, 0, 0};
@@ -59,11 +60,20 @@ class Scanner {
 };
 
 bool scanMachineDate(Scanner& in, LocalTime& time) {
-    return in.number(1, 2, time.month) && in.literal("/") && in.number(1, 2, time.day) && in.literal("/") &&
+    const bool dayFirst = orderInUse == DateOrder::dayFirst;
+    return in.number(1, 2, dayFirst ? time.day : time.month) && in.literal("/") &&
+           in.number(1, 2, dayFirst ? time.month : time.day) && in.literal("/") &&
            in.number(4, 4, time.year) && isRealDate(time.year, time.month, time.day);
 }
 
+bool scanStoredTime(Scanner& in, LocalTime& time) {
+    return in.number(2, 2, time.hour) && in.literal(":") && in.number(2, 2, time.minute) && in.literal(":") &&
+           in.number(2, 2, time.second) && time.hour < 24 && time.minute < 60 && time.second < 60;
+}
+
 bool scanMachineTime(Scanner& in, LocalTime& time) {
+    if (orderInUse == DateOrder::dayFirst)
+        return scanStoredTime(in, time);
     if (!in.number(1, 2, time.hour) || !in.literal(":") || !in.number(2, 2, time.minute) ||
         !in.literal(":") || !in.number(2, 2, time.second) || time.hour < 1 || time.hour > 12 ||
         time.minute > 59 || time.second > 59)
@@ -78,11 +88,6 @@ bool scanMachineTime(Scanner& in, LocalTime& time) {
 bool scanStoredDate(Scanner& in, LocalTime& time) {
     return in.number(4, 4, time.year) && in.literal("-") && in.number(2, 2, time.month) && in.literal("-") &&
            in.number(2, 2, time.day) && isRealDate(time.year, time.month, time.day);
-}
-
-bool scanStoredTime(Scanner& in, LocalTime& time) {
-    return in.number(2, 2, time.hour) && in.literal(":") && in.number(2, 2, time.minute) && in.literal(":") &&
-           in.number(2, 2, time.second) && time.hour < 24 && time.minute < 60 && time.second < 60;
 }
 
 using Scan = bool (*)(Scanner&, LocalTime&);
@@ -143,11 +148,23 @@ double secondsSinceMidnight() {
     return time.hour * 3600 + time.minute * 60 + time.second + fraction;
 }
 
+DateOrder dateOrder() {
+    return orderInUse;
+}
+
+void setDateOrder(DateOrder order) {
+    orderInUse = order;
+}
+
 std::string shortDate(const LocalTime& time) {
+    if (orderInUse == DateOrder::dayFirst)
+        return formatted("%02d/%02d/%04d", time.day, time.month, time.year);
     return formatted("%d/%d/%04d", time.month, time.day, time.year);
 }
 
 std::string longTime(const LocalTime& time) {
+    if (orderInUse == DateOrder::dayFirst)
+        return formatted("%02d:%02d:%02d", time.hour, time.minute, time.second);
     const int hour = time.hour % 12 == 0 ? 12 : time.hour % 12;
     return formatted("%d:%02d:%02d %s", hour, time.minute, time.second, time.hour < 12 ? "AM" : "PM");
 }

@@ -37,8 +37,13 @@ LocalTime localTime(std::chrono::system_clock::time_point moment);
 // Seconds since local midnight, with fractions.
 double secondsSinceMidnight();
 
-// "11/24/2026" and "2:05:09 PM": the machine's short date and long time; together, joined by a blank,
-// its default form of a moment.
+// Which part of a date this machine writes first; the month until it is set.
+enum class DateOrder { monthFirst, dayFirst };
+DateOrder dateOrder();
+void setDateOrder(DateOrder order);
+
+// "11/24/2026" and "2:05:09 PM", or with the day first "24/11/2026" and "14:05:09": the machine's short date
+// and long time; together, joined by a blank, its default form of a moment.
 std::string shortDate(const LocalTime& time);
 std::string longTime(const LocalTime& time);
 std::string defaultForm(const LocalTime& time);

@@ -61,17 +61,32 @@ constexpr Language languages[] = {
     {2052, "zh_CN", "Chinese (Simplified, China)"},
 };
 
+// The user's locale for one purpose; empty when the environment says nothing.
+std::string_view localeOf(const char* purpose) {
+    for (const char* variable : {"LC_ALL", purpose, "LANG"}) {
+        const char* value = std::getenv(variable);
+        if (value && *value)
+            return value;
+    }
+    return {};
+}
+
 }  // namespace
 
+DateOrder userDateOrder() {
+    // Languages that write the year first go on with the month.
+    constexpr std::string_view monthFirst[] = {"",      "C",     "POSIX", "en_US", "en_PH",
+                                               "es_PA", "es_PR", "ja",    "ko",    "zh"};
+    const std::string_view locale = localeOf("LC_TIME");
+    const std::string_view place = locale.substr(0, locale.find_first_of(".@"));
+    for (const std::string_view candidate : monthFirst)
+        if (place == candidate || place.substr(0, place.find('_')) == candidate)
+            return DateOrder::monthFirst;
+    return DateOrder::dayFirst;
+}
+
 long userDefaultLanguageId() {
-    std::string_view locale;
-    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const char* value = std::getenv(variable);
-        if (value && *value) {
-            locale = value;
-            break;
-        }
-    }
+    const std::string_view locale = localeOf("LC_MESSAGES");
     for (const Language& language : languages)
         if (locale == language.locale)
             return language.id;

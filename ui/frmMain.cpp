@@ -16,7 +16,10 @@
 #include "ui/dlgEvent.h"
 #include "ui/formFonts.h"
 #include "ui/paneEventDetails.h"
+#include "ui/paneExclusionDetails.h"
+#include "ui/paneExclusions.h"
 #include "ui/paneMonitoredEvents.h"
+#include "ui/paneReports.h"
 #include "ui/saveQuestion.h"
 #include "ui/text.h"
 #include "ui/twips.h"
@@ -94,14 +97,17 @@ void frmMain::createPanes() {
     QWidget* client = centralWidget();
     paneMonitoredEvents_ = new paneMonitoredEvents(client);
     paneEventDetails_ = new paneEventDetails(client, *tvNavigation);
+    paneReport_ = new paneReport(client);
+    paneExclusions_ = new paneExclusions(client);
+    paneExclusionDetails_ = new paneExclusionDetails(client);
     vsviewportDetails_ = {paneMonitoredEvents_,
                           paneEventDetails_,
                           makeHeadingPane(client, "lblAllRecipients"),
                           makeHeadingPane(client, "lblRecipientName"),
-                          makeHeadingPane(client, "lblReports"),
-                          makeHeadingPane(client, "lblReport"),
-                          makeHeadingPane(client, "lblAllExclusions"),
-                          makeHeadingPane(client, "lblExclusionSource")};
+                          new paneReportCategory(client),
+                          paneReport_,
+                          paneExclusions_,
+                          paneExclusionDetails_};
     for (int i = 0; i < paneCount; ++i)
         vsviewportDetails_[static_cast<std::size_t>(i)]->setObjectName("vsviewportDetails_" +
                                                                        QString::number(i));
@@ -111,6 +117,11 @@ void frmMain::createPanes() {
     connect(paneMonitoredEvents_, &paneMonitoredEvents::newEventWanted, this,
             &frmMain::mnuFileNewEvent_Click);
     connect(paneMonitoredEvents_, &paneMonitoredEvents::eventsChanged, this, &frmMain::showEventsRoot);
+    connect(paneExclusions_, &paneExclusions::newExclusionWanted, this,
+            &frmMain::mnuPopupExclusion_Create_Click);
+    connect(paneExclusions_, &paneExclusions::exclusionDeleted, this, &frmMain::showEventsRoot);
+    connect(paneExclusionDetails_, &paneExclusionDetails::exclusionSaved, this,
+            [this](long key) { loadNavigationTree({}, {}, key); });
     connect(paneMonitoredEvents_, &paneMonitoredEvents::eventOpened, this,
             [this](long key) { selectNode(findNode(nodeTypeEvent, key)); });
 }
@@ -162,13 +173,11 @@ void frmMain::frmMain_ControlInit() {
         };
         heading("lblAllRecipients", ui::text(1104));
         heading("lblRecipientName", ui::text(1103));
-        // These two panes have no node; their captions are the names of their node types.
-        heading("lblReports", "nodeTypeCategoryReports");
-        heading("lblReport", "nodeTypeReport");
-        heading("lblAllExclusions", ui::text(1314));
-        heading("lblExclusionSource", ui::text(1311));
         paneMonitoredEvents_->controlInit();
         paneEventDetails_->controlInit();
+        paneReport_->controlInit();
+        paneExclusions_->controlInit();
+        paneExclusionDetails_->controlInit();
         relabelNavigationTree();
     });
 }

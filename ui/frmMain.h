@@ -22,9 +22,13 @@ class QMenu;
 class QStatusBar;
 class EditingPane;
 class cTooltip;
+class dlgAddExclusion;
 class dlgEvent;
 class paneEventDetails;
+class paneExclusionDetails;
+class paneExclusions;
 class paneMonitoredEvents;
+class paneReport;
 
 namespace platform {
 class Recordset;
@@ -114,6 +118,10 @@ class frmMain : public QMainWindow {
     void mnuViewCurrentLogFile_Click();
     void mnuPopupAddEvent_Click();
     void mnuPopupDeleteEvent_Click();
+    void mnuPopupExclusion_Create_Click();
+    void mnuPopupExclusion_Delete_Click();
+    void mnuOptions_Click();
+    void mnuImportEvents_Click();
     void mnuRemoveService_Click();
     void mnuExit_Click();
     void mnuHelpContents_Click();
@@ -127,6 +135,9 @@ class frmMain : public QMainWindow {
     std::vector<QWidget*> vsviewportDetails_;
     paneMonitoredEvents* paneMonitoredEvents_;
     paneEventDetails* paneEventDetails_;
+    paneReport* paneReport_;
+    paneExclusions* paneExclusions_;
+    paneExclusionDetails* paneExclusionDetails_;
     QFrame* imgSplitter_;
     QFrame* picSplitter_;
     QStatusBar* sbStatusBar_;
@@ -135,7 +146,8 @@ class frmMain : public QMainWindow {
     std::map<std::string, QAction*> actions_;  // menu entries by name
     std::array<QIcon, 5> imagelistTreeNodes_;  // by index 1 to 4
     std::unique_ptr<cTooltip> tooltip_;
-    dlgEvent* dlgEvent_ = nullptr;  // one shared instance, made on first use
+    dlgEvent* dlgEvent_ = nullptr;                // one shared instance, made on first use
+    dlgAddExclusion* dlgAddExclusion_ = nullptr;  // likewise
 
     std::array<bool, 4> expanded_{true, true, true, true};  // by node type 0 to 3
     struct PreviousNode {

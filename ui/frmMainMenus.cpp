@@ -136,7 +136,10 @@ void frmMain::createMenus() {
     addEntry(*menus_.at("mnuPopup"), dummyEntry);
     const std::pair<const char*, void (frmMain::*)()> handlers[] = {
         {"mnuFileNewEvent", &frmMain::mnuFileNewEvent_Click},
+        {"mnuFileNewExclusion", &frmMain::mnuPopupExclusion_Create_Click},
         {"mnuFileDelete", &frmMain::mnuFileDelete_Click},
+        {"mnuOptions", &frmMain::mnuOptions_Click},
+        {"mnuImportEvents", &frmMain::mnuImportEvents_Click},
         {"mnuViewCurrentLogFile", &frmMain::mnuViewCurrentLogFile_Click},
         {"mnuRemoveService", &frmMain::mnuRemoveService_Click},
         {"mnuExit", &frmMain::mnuExit_Click},
@@ -144,6 +147,8 @@ void frmMain::createMenus() {
         {"mnuHelpAbout", &frmMain::mnuHelpAbout_Click},
         {"mnuPopupAddEvent", &frmMain::mnuPopupAddEvent_Click},
         {"mnuPopupDeleteEvent", &frmMain::mnuPopupDeleteEvent_Click},
+        {"mnuPopupExclusion_Create", &frmMain::mnuPopupExclusion_Create_Click},
+        {"mnuPopupExclusion_Delete", &frmMain::mnuPopupExclusion_Delete_Click},
     };
     for (const auto& [name, action] : actions_)
         action->setEnabled(false);  // what has no handler cannot be chosen

@@ -10,7 +10,10 @@
 #include "ui/cTooltip.h"
 #include "ui/frmMain.h"
 #include "ui/paneEventDetails.h"
+#include "ui/paneExclusionDetails.h"
+#include "ui/paneExclusions.h"
 #include "ui/paneMonitoredEvents.h"
+#include "ui/paneReports.h"
 #include "ui/rowText.h"
 #include "ui/saveQuestion.h"
 #include "ui/widgets/keyedTree.h"
@@ -277,12 +280,15 @@ void frmMain::displayPane(const classNodeInfo& info) {
             break;
         case nodeTypeReport:
             showViewPort(5);
+            paneReport_->openReport(tvNavigation->nodeText(tvNavigation->selectedKey()));
             break;
         case nodeTypeCategoryExclusions:
             showViewPort(6);
+            paneExclusions_->displayAllExclusions();
             break;
         case nodeTypeExclusion:
             showViewPort(7);
+            paneExclusionDetails_->displayExclusion(info.key);
             break;
         default:
             break;

@@ -3,10 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QPushButton>
 #include <QtTest/QTest>
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "core/state.h"
 #include "database/events.h"
@@ -30,9 +32,10 @@ inline QPoint placeOf(ui::KeyedTree& tree, const std::string& key) {
     return tree.visualItemRect(tree.findItems(text, Qt::MatchExactly | Qt::MatchRecursive).at(0)).center();
 }
 
-class MainWindow : public ::testing::Test {
+template <class Host>
+class MainWindowOn : public ::testing::Test {
   protected:
-    MainWindow() : script([](const QString& message) { ADD_FAILURE() << qPrintable(message); }) {
+    MainWindowOn() : script([](const QString& message) { ADD_FAILURE() << qPrintable(message); }) {
         core::gCorvaneFourOrLater = true;
         core::gProductName = "Quillon Service";
         for (const char* source : {"Alarm", "Backup", "Cluster"})
@@ -60,12 +63,17 @@ class MainWindow : public ::testing::Test {
     }
 
     QPoint placeOf(const std::string& key) { return uiTest::placeOf(*tree, key); }
-    void clickNode(const std::string& key) {
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, placeOf(key));
+    void clickNode(const std::string& key, Qt::MouseButton button = Qt::LeftButton) {
+        QTest::mouseClick(tree->viewport(), button, {}, placeOf(key));
     }
+    void press(const char* button) { QTest::mouseClick(find<QPushButton>(button), Qt::LeftButton); }
+    std::vector<std::string> rows(const std::string& statement) {
+        return support::query(host.databaseFile(), statement);
+    }
+    void run(const std::string& statements) { support::run(host.databaseFile(), statements); }
     std::string value(const std::string& statement) {
-        const std::vector<std::string> rows = support::query(host.databaseFile(), statement);
-        return rows.size() == 1 ? rows[0] : "rows: " + std::to_string(rows.size());
+        const std::vector<std::string> found = rows(statement);
+        return found.size() == 1 ? found[0] : "rows: " + std::to_string(found.size());
     }
 
     int visiblePane() {
@@ -75,12 +83,14 @@ class MainWindow : public ::testing::Test {
         return -1;
     }
 
-    support::TemporaryHost host;
+    Host host;
     support::ScriptedPrompts prompts;
     support::WindowScript script;
     std::unique_ptr<frmMain> window;
     ui::KeyedTree* tree = nullptr;
     ui::KeyedGrid* grid = nullptr;
 };
+
+using MainWindow = MainWindowOn<support::TemporaryHost>;
 
 }  // namespace uiTest

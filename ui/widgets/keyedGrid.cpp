@@ -107,6 +107,14 @@ void KeyedGrid::reset(const std::vector<Column>& columns) {
     }
 }
 
+void KeyedGrid::setHeaders(const std::vector<Column>& columns) {
+    if (columns.size() != columns_.size())
+        return;
+    for (int i = 0; i < columnCount(); ++i)
+        horizontalHeaderItem(i)->setText(fromUtf8(columns[static_cast<std::size_t>(i)].header));
+    fitColumns();
+}
+
 void KeyedGrid::addRow(const std::vector<Cell>& cells) {
     const int row = rowCount();
     insertRow(row);
@@ -139,6 +147,14 @@ void KeyedGrid::fitColumns() {
             widths_[static_cast<std::size_t>(i)] = {columnWidth(i) + breathing,
                                                     horizontalHeader()->sectionSizeHint(i)};
     shareWidth();
+}
+
+void KeyedGrid::stretchColumn(std::string_view column, int extra) {
+    const int wide = columnIndex(column);
+    int others = 0;
+    for (int i = 0; i < columnCount(); ++i)
+        others += i == wide ? 0 : columnWidth(i);
+    setColumnWidth(wide, width() - others + extra);
 }
 
 // Columns get what their content wants as long as that fits. Where it does not, the widest give way first,

@@ -26,6 +26,9 @@ class KeyedGrid : public QTableWidget {
     // Drops all rows and sets the columns.
     void reset(const std::vector<Column>& columns);
 
+    // Gives the columns other header texts; the rows stay. Does nothing before the columns are set.
+    void setHeaders(const std::vector<Column>& columns);
+
     struct Cell {
         std::string text;  // what is shown
         QVariant value;    // what is read back and sorted by; the text when invalid
@@ -46,6 +49,9 @@ class KeyedGrid : public QTableWidget {
     // Makes the columns as wide as their content, as far as the grid's own width allows, now and whenever
     // that changes.
     void fitColumns();
+    // Gives a column what the others leave of the grid's width, and `extra` pixels. Raises 3265 for an
+    // unknown column.
+    void stretchColumn(std::string_view column, int extra);
 
     // 1-based; 0 when no row is current.
     int currentGridRow() const { return currentRow() + 1; }

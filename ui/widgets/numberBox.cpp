@@ -2,6 +2,9 @@
 
 #include <QValidator>
 
+#include "platform/failure.h"
+#include "ui/text.h"
+
 namespace ui {
 
 namespace {
@@ -35,6 +38,15 @@ class WholeNumberValidator : public QValidator {
 
 NumberBox::NumberBox(long long lowest, long long highest, QWidget* parent) : QLineEdit(parent) {
     setValidator(new WholeNumberValidator(lowest, highest, this));
+}
+
+long long NumberBox::numberWithin(long long lowest, long long highest) const {
+    if (!hasNumber())
+        throw platform::makeFailure(platform::typeMismatch, toUtf8(text()));
+    const long long number = text().toLongLong();
+    if (number < lowest || number > highest)
+        throw platform::makeFailure(platform::overflow, toUtf8(text()));
+    return number;
 }
 
 std::optional<QString> NumberBox::numberFrom(const QString& text) const {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <QLineEdit>
+#include <cstdint>
+#include <limits>
 #include <optional>
 
 namespace ui {
@@ -16,8 +18,18 @@ class NumberBox : public QLineEdit {
     bool isEmpty() const { return text().isEmpty(); }
     // True when the text is a whole number within the limits.
     bool hasNumber() const { return !isEmpty() && hasAcceptableInput(); }
+    // The number as a narrower type holds it. Raises 13 when there is no number, 6 when it is out of that
+    // type's range.
+    template <class Integer>
+    Integer numberAs() const {
+        return static_cast<Integer>(
+            numberWithin(std::numeric_limits<Integer>::min(), std::numeric_limits<Integer>::max()));
+    }
     // A text from elsewhere as the box would show its number; nothing when it is no number within the limits.
     std::optional<QString> numberFrom(const QString& text) const;
+
+  private:
+    long long numberWithin(long long lowest, long long highest) const;
 };
 
 }  // namespace ui

@@ -1,0 +1,80 @@
+#include "ui/widgets/rowGrid.h"
+
+#include <QAbstractTableModel>
+#include <QHeaderView>
+#include <utility>
+
+#include "platform/failure.h"
+#include "ui/text.h"
+
+namespace ui {
+
+// Texts stay as they came; only those in sight are turned into the toolkit's.
+class RowModel : public QAbstractTableModel {
+  public:
+    explicit RowModel(int columns) : columns_(columns) {}
+
+    void replace(std::vector<RowGrid::Row> rows) {
+        beginResetModel();
+        rows_ = std::move(rows);
+        endResetModel();
+    }
+    int rowCount(const QModelIndex& parent = {}) const override {
+        return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+    }
+    int columnCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : columns_; }
+    QVariant data(const QModelIndex& index, int role) const override {
+        return index.isValid() && role == Qt::DisplayRole ? fromUtf8(text(index.row(), index.column()))
+                                                          : QVariant();
+    }
+    // The header row is blank.
+    QVariant headerData(int, Qt::Orientation, int role) const override {
+        return role == Qt::DisplayRole ? QVariant(QString()) : QVariant();
+    }
+    const std::string& text(int row, int column) const {
+        return rows_.at(static_cast<std::size_t>(row)).at(static_cast<std::size_t>(column));
+    }
+
+  private:
+    int columns_;
+    std::vector<RowGrid::Row> rows_;
+};
+
+RowGrid::RowGrid(int columns, QWidget* parent)
+    : QTableView(parent), rows_(std::make_unique<RowModel>(columns)) {
+    setModel(rows_.get());
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setAlternatingRowColors(true);
+    setShowGrid(false);
+    setWordWrap(false);
+    setTabKeyNavigation(false);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    verticalHeader()->hide();
+    // Rows of one height need not be measured.
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 10);
+    horizontalHeader()->setStretchLastSection(true);
+    horizontalHeader()->setFixedHeight(fontMetrics().height() + 10);
+}
+
+RowGrid::~RowGrid() {
+    setModel(nullptr);
+}
+
+void RowGrid::setRows(std::vector<Row> rows) {
+    rows_->replace(std::move(rows));
+    resizeColumnsToContents();
+}
+
+int RowGrid::gridRowCount() const {
+    return rows_->rowCount();
+}
+
+std::string RowGrid::cellText(int gridRow, int column) const {
+    if (gridRow < 1 || gridRow > rows_->rowCount() || column < 0 || column >= rows_->columnCount())
+        throw platform::makeFailure(platform::invalidProcedureCall, std::to_string(gridRow));
+    return rows_->text(gridRow - 1, column);
+}
+
+}  // namespace ui
