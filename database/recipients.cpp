@@ -65,6 +65,31 @@ Recordset getRecipients() {
     return queryProcedure("getRecipients", "SELECT * FROM Recipients ORDER BY RecipientName");
 }
 
+Recordset openRecipientWithDevices(long recipientKey) {
+    return openForReading(
+        "SELECT Recipients.RecipientKey, Recipients.RecipientName, Recipients.RecipientActive, "
+        "Device.DeviceKey, Device.DeviceType, Device.DeviceAddress, Device.DeviceActive, "
+        "AddressDetails.DisplayName, AddressDetails.AddressType "
+        "FROM (Recipients INNER JOIN (Device INNER JOIN DeviceRecipient ON Device.DeviceKey = "
+        "DeviceRecipient.DeviceKey) ON Recipients.RecipientKey = DeviceRecipient.RecipientKey) "
+        "INNER JOIN AddressDetails ON Device.DeviceKey = AddressDetails.DeviceKey "
+        "Where Recipients.RecipientKey = " +
+        std::to_string(recipientKey));
+}
+
+Recordset openEventsForRecipient(long recipientKey) {
+    return openForReading(
+        "SELECT DISTINCT Recipients.RecipientKey, Events.EventSource, Events.EventID, Events.EventTitle, "
+        "Events.EventKey "
+        "FROM Events INNER JOIN ((Device INNER JOIN (Recipients INNER JOIN DeviceRecipient ON "
+        "Recipients.RecipientKey = DeviceRecipient.RecipientKey) ON Device.DeviceKey = "
+        "DeviceRecipient.DeviceKey) "
+        "INNER JOIN EventDevice ON Device.DeviceKey = EventDevice.DeviceKey) ON Events.EventKey = "
+        "EventDevice.EventKey "
+        "WHERE Recipients.RecipientKey = " +
+        std::to_string(recipientKey));
+}
+
 long countRecipients() {
     return core::procedure(module, "countRecipients", 0L, [&](Frame& frame, long& count) {
         Recordset rows;

@@ -11,6 +11,12 @@ namespace mdlDatabase {
 platform::Recordset getRecipient(long recipientKey);
 // All recipients by name.
 platform::Recordset getRecipients();
+// A row for each of a recipient's devices that has address details, with these and his name and state: none
+// for a recipient without any. These two are statements of the caller's procedure, who closes what they
+// open: they raise the engine's failures.
+platform::Recordset openRecipientWithDevices(long recipientKey);
+// The events that any of his devices is on, silent or not, the hidden one included.
+platform::Recordset openEventsForRecipient(long recipientKey);
 // 0 on failure.
 long countRecipients();
 

@@ -24,10 +24,13 @@ class EditingPane;
 class cTooltip;
 class dlgAddExclusion;
 class dlgEvent;
+class dlgRecipient;
 class paneEventDetails;
 class paneExclusionDetails;
 class paneExclusions;
 class paneMonitoredEvents;
+class paneRecipientDetails;
+class paneRecipients;
 class paneReport;
 
 namespace platform {
@@ -74,6 +77,7 @@ class frmMain : public QMainWindow {
     void createMenus();
     void createPanes();
     void connectTree();
+    void connectRecipientPanes();
     void Form_Load();
     void Form_Unload();
 
@@ -118,6 +122,11 @@ class frmMain : public QMainWindow {
     void mnuViewCurrentLogFile_Click();
     void mnuPopupAddEvent_Click();
     void mnuPopupDeleteEvent_Click();
+    void mnuFileNewRecipient_Click();
+    void mnuPopupDeleteRecipient_Click();
+    void showRecipientsRoot();
+    // Tree key of the node of a recipient who was just created; empty when there is none.
+    std::string findNewRecipient(long recipientKey) const;
     void mnuPopupExclusion_Create_Click();
     void mnuPopupExclusion_Delete_Click();
     void mnuOptions_Click();
@@ -135,6 +144,8 @@ class frmMain : public QMainWindow {
     std::vector<QWidget*> vsviewportDetails_;
     paneMonitoredEvents* paneMonitoredEvents_;
     paneEventDetails* paneEventDetails_;
+    paneRecipients* paneRecipients_;
+    paneRecipientDetails* paneRecipientDetails_;
     paneReport* paneReport_;
     paneExclusions* paneExclusions_;
     paneExclusionDetails* paneExclusionDetails_;
@@ -147,6 +158,7 @@ class frmMain : public QMainWindow {
     std::array<QIcon, 5> imagelistTreeNodes_;  // by index 1 to 4
     std::unique_ptr<cTooltip> tooltip_;
     dlgEvent* dlgEvent_ = nullptr;                // one shared instance, made on first use
+    dlgRecipient* dlgRecipient_ = nullptr;        // likewise
     dlgAddExclusion* dlgAddExclusion_ = nullptr;  // likewise
 
     std::array<bool, 4> expanded_{true, true, true, true};  // by node type 0 to 3

@@ -13,6 +13,8 @@
 #include "ui/paneExclusionDetails.h"
 #include "ui/paneExclusions.h"
 #include "ui/paneMonitoredEvents.h"
+#include "ui/paneRecipientDetails.h"
+#include "ui/paneRecipients.h"
 #include "ui/paneReports.h"
 #include "ui/rowText.h"
 #include "ui/saveQuestion.h"
@@ -271,9 +273,11 @@ void frmMain::displayPane(const classNodeInfo& info) {
             break;
         case nodeTypeCategoryRecipients:
             showViewPort(2);
+            paneRecipients_->displayAllRecipients();
             break;
         case nodeTypeRecipient:
             showViewPort(3);
+            paneRecipientDetails_->displayRecipient(info.key);
             break;
         case nodeTypeCategoryReports:
             showViewPort(4);
