@@ -87,8 +87,7 @@ void paneEventDetails::fillEvent(core::Frame& frame, long eventKey) {
 void paneEventDetails::fillSources(core::Frame& frame, bool catchAll) {
     comboEventSource->clear();
     if (catchAll) {
-        comboEventSource->addItem(ui::text(1049));
-        comboEventSource->setCurrentIndex(-1);
+        comboEventSource->addItem(ui::text(1049));  // selected, whatever language the stored one is in
         comboEventSource->setEnabled(false);
         return;
     }

@@ -1,11 +1,13 @@
 // Plays a person's first round with the console on a host of its own: start, look, add events, find one in
-// tree and grid, switch it on, delete another, exit. Every stop leaves a picture.
+// tree and grid, switch it on, delete another, watch for a third one with a recipient, exit. Every stop
+// leaves a picture.
 //
 // Usage: tour HOSTROOT PICTUREDIR, where HOSTROOT holds the host and the installation tree.
 
 #include <unistd.h>
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QFileInfo>
 #include <QLineEdit>
@@ -17,6 +19,10 @@
 
 #include "app/mdlMain.h"
 #include "core/classLog.h"
+#include "database/addressDetails.h"
+#include "database/events.h"
+#include "database/exclusions.h"
+#include "database/recipients.h"
 #include "platform/host.h"
 #include "platform/prompts.h"
 #include "support/windowScript.h"
@@ -105,6 +111,71 @@ void chooseLanguage(QWidget& about, const QString& language) {
     insist(false, "no language " + language);
 }
 
+// The demonstration knows nobody who could be notified.
+void createRecipient() {
+    mdlDatabase::RecipientRecord record;
+    record.name = "Night shift";
+    record.smtpAddresses = {{"", "night@example.org"}};
+    record.syslogEnabled = 1;
+    record.syslogHostAddress = "loghost";
+    insist(mdlDatabase::addNewRecipient(record) != 0, "no recipient could be created");
+    mdlDatabase::rebuildAddressDetailsTable();
+}
+
+// Ticks the first recipient's second device in "Edit Recipients For Event", by keyboard, and confirms.
+void chooseDevice(QWidget& dialog) {
+    auto& recipients = control<ui::KeyedTree>(dialog, "tvRecipients");
+    insist(recipients.count() == 3, "the recipient or his devices are missing");
+    for (const auto key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Space})
+        QTest::keyClick(&recipients, key);
+    insist(recipients.isChecked(recipients.keyAt(1)) && !recipients.isChecked(recipients.keyAt(2)),
+           "the recipient does not follow his device");
+    tour::takePicture("edit-recipients");
+    QTest::mouseClick(&control<QPushButton>(dialog, "cmdOk"), Qt::LeftButton);
+}
+
+// A new event until the service may watch for it.
+void playEventRoad(frmMain& window, support::WindowScript& script) {
+    ui::KeyedTree& tree = *window.tvNavigation;
+    const auto icon = [&](const std::string& node) {
+        const QString text = ui::fromUtf8(tree.nodeText(node));
+        return tree.findItems(text, Qt::MatchExactly | Qt::MatchRecursive).first()->icon(0).cacheKey();
+    };
+    createRecipient();
+    script.expect("dlgEvent", [](QWidget& dialog) {
+        fillNewEvent(dialog, "MeridaneCorvane_", "4712", "Watched", false);
+    });
+    tour::chooseMenu(window, {"mnuFile", "mnuFileNew", "mnuFileNewEvent"});
+    const std::string node = tree.selectedKey();
+    const long key = tree.info(node).key;
+    const qint64 inactive = icon(node);
+    auto& pane = control<QWidget>(window, "vsviewportDetails_1");
+    auto& apply = control<QPushButton>(pane, "cmdEventApply");
+    insist(!mdlDatabase::isEventActive(key) && !apply.isEnabled(), "a new event is active or changed");
+
+    script.expect("dlgEditRecipients", chooseDevice);
+    QTest::mouseClick(&control<QPushButton>(pane, "cmdAddRecipient"), Qt::LeftButton);
+    auto& recipients = control<ui::KeyedTree>(pane, "tvRecipients");
+    insist(tree.selectedKey() == node && recipients.count() == 3, "the pane does not show its recipient");
+    tour::takePicture("recipient-assigned");
+
+    // Leaving the changed event asks; Cancel stays.
+    auto& active = control<QCheckBox>(pane, "chkActive");
+    active.setFocus();
+    QTest::keyClick(&active, Qt::Key_Space);
+    insist(active.isChecked() && apply.isEnabled(), "the tick is no change");
+    script.expectBox("Save Changes Confirmation", "Cancel",
+                     [](QWidget&) { tour::takePicture("save-question"); });
+    clickNode(tree, tree.keyAt(1));
+    insist(tree.selectedKey() == node && apply.isEnabled(), "Cancel did not stay");
+    QTest::mouseClick(&apply, Qt::LeftButton);
+    insist(mdlDatabase::isEventActive(key) && mdlDatabase::getEventState(key) == 0,
+           "the event is not complete");
+    insist(tree.selectedKey() == node && icon(node) != inactive, "the tree does not show the event's state");
+    insist(!apply.isEnabled(), "the applied pane counts as changed");
+    tour::takePicture("event-active");
+}
+
 void play(support::WindowScript& script) {
     frmMain& window = *gMainWindow;
     ui::KeyedTree& tree = *window.tvNavigation;
@@ -156,6 +227,7 @@ void play(support::WindowScript& script) {
            "Yes deleted nothing");
     tour::takePicture("deleted");
 
+    playEventRoad(window, script);
     clickNode(tree, window.findNode(nodeTypeEvent, std::stol(added.substr(added.find('-') + 1))));
     tour::takePicture("event");
     // The language changes in every window at once, and back.

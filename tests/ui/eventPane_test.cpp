@@ -5,6 +5,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTextBlock>
+#include <QTextLayout>
 #include <QWheelEvent>
 #include <QtTest/QTest>
 #include <set>
@@ -102,7 +104,8 @@ TEST_F(EventPane, ShowsAnEventAndIsCleanThen) {
     EXPECT_EQ(find<QComboBox>("comboVoiceMailPriority")->currentIndex(), -1) << "the list lacks Low";
     EXPECT_GE(host.countInLog("ERROR", "displayEventDetails", "Err.Number"), 1);
     EXPECT_EQ(find<QComboBox>("comboEmailPriority")->currentText(), "Urgent");
-    EXPECT_TRUE(find<ui::VariableTextBox>("rtbEmailBody")->isColored(3));
+    const QTextBlock body = find<ui::VariableTextBox>("rtbEmailBody")->document()->firstBlock();
+    EXPECT_FALSE(body.layout()->formats().isEmpty()) << "its token is coloured";
     EXPECT_TRUE(recipients->isChecked("DeviceKey:11"));
     EXPECT_FALSE(applyEnabled());
     EXPECT_FALSE(find<QPushButton>("cmdRemoveRecipient")->isEnabled());
