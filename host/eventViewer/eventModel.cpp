@@ -50,7 +50,7 @@ void EventModel::chooseRows() {
             shown_.push_back(place);
 }
 
-const platform::EventRecord& EventModel::event(int row) const {
+const platform::EventRecord& EventModel::eventAt(int row) const {
     return events_[place(row)];
 }
 
@@ -63,7 +63,7 @@ bool EventModel::contains(int row, const QString& text) const {
     const auto holds = [&](const std::string& field) {
         return QString::fromStdString(field).contains(text, Qt::CaseInsensitive);
     };
-    return std::ranges::any_of(columnTexts(event(row), texts_), holds) || holds(event(row).description);
+    return std::ranges::any_of(columnTexts(eventAt(row), texts_), holds) || holds(eventAt(row).description);
 }
 
 int EventModel::rowCount(const QModelIndex& parent) const {
@@ -78,10 +78,10 @@ QVariant EventModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid())
         return {};
     if (role == Qt::DecorationRole && index.column() == 0)
-        return iconOf(typeIndex(event(index.row()).type));
+        return iconOf(typeIndex(eventAt(index.row()).type));
     if (role == Qt::DisplayRole)
         return QString::fromStdString(
-            columnTexts(event(index.row()), texts_)[static_cast<std::size_t>(index.column())]);
+            columnTexts(eventAt(index.row()), texts_)[static_cast<std::size_t>(index.column())]);
     return {};
 }
 

@@ -20,7 +20,7 @@ class EventModel : public QAbstractTableModel {
     void setEvents(std::vector<platform::EventRecord> events);
     void setTypeShown(std::optional<std::size_t> typeIndex);
 
-    const platform::EventRecord& event(int row) const;
+    const platform::EventRecord& eventAt(int row) const;
     // Number of the row's record in its log, from the oldest on; it stays while the log grows.
     std::size_t place(int row) const { return shown_[static_cast<std::size_t>(row)]; }
     // Row of a record by its number; -1 when it is not shown.

@@ -51,7 +51,7 @@ EventWindow::EventWindow(Language language) : texts_(texts(language)), model_(ne
     lblCount_ = named<QLabel>("lblCount", this);
     statusBar()->addPermanentWidget(lblCount_);
     connectControls();
-    resize(960, 640);
+    resize(1080, 680);
     showLog();
     tableEvents_->setFocus();
 }
@@ -192,7 +192,7 @@ void EventWindow::showDetails() {
     // The copied form, its values in one column.
     txtDetails_->setPlainText(
         row < 0 ? QString()
-                : QString::fromStdString(copiedText(model_->event(row), texts_)).replace("\t\t", "\t"));
+                : QString::fromStdString(copiedText(model_->eventAt(row), texts_)).replace("\t\t", "\t"));
     lblCount_->setText(QString(texts_.count).arg(model_->rowCount()).arg(model_->eventCount()));
 }
 
@@ -200,7 +200,7 @@ void EventWindow::copyEvent() {
     if (currentRow() < 0)
         return;
     QApplication::clipboard()->setText(
-        QString::fromStdString(copiedText(model_->event(currentRow()), texts_)));
+        QString::fromStdString(copiedText(model_->eventAt(currentRow()), texts_)));
     statusBar()->showMessage(texts_.copied, 4000);
 }
 

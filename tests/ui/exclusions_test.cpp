@@ -23,10 +23,10 @@ class ExclusionPanes : public uiTest::MainWindow {
         open();
         clickNode(node);
         apply = find<QPushButton>("cmdExclusionApply");
-        id = *find<QWidget>("vsviewportDetails_7")->findChild<QLineEdit*>("tdbnlSpecificEventId");
+        id = find<QWidget>("vsviewportDetails_7")->findChild<QLineEdit*>("tdbnlSpecificEventId");
         for (int i : {0, 1})
-            option[i] = *find<QWidget>("vsviewportDetails_7")
-                            .findChild<QRadioButton*>("optionEventId_" + QString::number(i));
+            option[i] = find<QWidget>("vsviewportDetails_7")
+                            ->findChild<QRadioButton*>("optionEventId_" + QString::number(i));
     }
     Lines exclusions() { return rows("SELECT EventSource, EventId FROM Exclusions ORDER BY ExclusionKey"); }
     // Chooses a source and types an id in the dialog.
@@ -56,20 +56,20 @@ TEST_F(ExclusionPanes, GridListsAllAndDeletesTheCurrentRow) {
     run("INSERT INTO Exclusions VALUES(0, 'Zoned', 70000), (1, 'Alarm', -1), (2, NULL, NULL)");
     openOn("keyExclusions");
     EXPECT_EQ(visiblePane(), 6);
-    auto& grid = *find<ui::KeyedGrid>("vsflexgridAllExclusions");
+    grid = find<ui::KeyedGrid>("vsflexgridAllExclusions");
     const auto cells = [&] {
         Lines lines;
-        for (int row = 1; row <= grid.gridRowCount(); ++row)
-            lines.push_back(grid.cellText(row, "EventSource") + "|" + grid.cellText(row, "EventId"));
+        for (int row = 1; row <= grid->gridRowCount(); ++row)
+            lines.push_back(grid->cellText(row, "EventSource") + "|" + grid->cellText(row, "EventId"));
         return lines;
     };
     EXPECT_EQ(cells(), (Lines{"|", "Alarm|All", "Zoned|70000"}));
     auto& remove = *find<QPushButton>("cmdDeleteSelectedExclusion");
     EXPECT_FALSE(remove.isEnabled());
     const auto clickRow = [&](int row) {
-        const QPoint cell = grid.cellRectangle(row, "EventSource").center();
-        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, cell);
-        QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {}, cell);
+        const QPoint cell = grid->cellRectangle(row, "EventSource").center();
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cell);
+        QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, cell);
     };
     clickRow(3);
     EXPECT_TRUE(remove.isEnabled());

@@ -9,8 +9,9 @@
 #include <functional>
 #include <set>
 
-#include "platform/files.h"
+#include "colorsOf.h"
 #include "mainWindowFixture.h"
+#include "platform/files.h"
 #include "ui/widgets/limitedNumberBox.h"
 #include "ui/widgets/variableTextBox.h"
 
@@ -84,7 +85,7 @@ TEST_F(Options, ShowsWhatIsStoredAndSavesAllTenInTheirOrder) {
         in<QCheckBox>("chkWarnOnDuplicateMonitoredEvents").click();
         in<QCheckBox>("chkMaxDiagnostics").click();
         showTab(1);
-        EXPECT_TRUE(in<ui::VariableTextBox>("rtbEmailSubject").isColored(25));
+        EXPECT_EQ(colorsOf(in<ui::VariableTextBox>("rtbEmailSubject")).at(25), 'b') << "the tokens stand out";
         in<QLineEdit>("txtVoiceMailFileName").setText("it's.wav");
         in<QComboBox>("comboVoiceMailPriority").setCurrentIndex(0);
         type("rtbEmailSubject", "<Type> now");

@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "server/serviceControl.h"
 #include "mainWindowFixture.h"
+#include "server/serviceControl.h"
 #include "support/serviceHost.h"
 
 namespace {

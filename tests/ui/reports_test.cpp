@@ -6,8 +6,8 @@
 #include <chrono>
 #include <iostream>
 
-#include "platform/language.h"
 #include "mainWindowFixture.h"
+#include "platform/language.h"
 #include "ui/widgets/rowGrid.h"
 
 namespace {
