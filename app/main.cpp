@@ -21,6 +21,7 @@ int main(int argc, char** argv) {
     const ui::WindowServices services;
     const ui::HelpViewer helpViewer;
     platform::WindowStation station(platform::program::name());
+    const mdlMain::InstanceServer server(station);
 
     mdlMain::Main(station);
 

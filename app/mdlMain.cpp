@@ -61,8 +61,15 @@ void checkEnvironment() {
                mdlVerInfo::productName() + myLoadResString(1256));
 }
 
-// Brings the main window back to the front when a second start asks for it.
-void answerOtherInstances(platform::WindowStation& station) {
+void createMainWindow() {
+    auto* window = new frmMain;
+    window->setAttribute(Qt::WA_DeleteOnClose, false);
+    QObject::connect(window, &frmMain::finalExitRequested, window, &myFinalExit);
+}
+
+}  // namespace
+
+InstanceServer::InstanceServer(platform::WindowStation& station) {
     if (station.descriptor() < 0)
         return;
     station.setActions({[] {
@@ -75,18 +82,12 @@ void answerOtherInstances(platform::WindowStation& station) {
                             gMainWindow->raise();
                             gMainWindow->activateWindow();
                         }});
-    auto* requests = new QSocketNotifier(station.descriptor(), QSocketNotifier::Read, gMainWindow);
-    QObject::connect(requests, &QSocketNotifier::activated, gMainWindow, [&station] { station.serve(); });
+    requests_ = std::make_unique<QSocketNotifier>(station.descriptor(), QSocketNotifier::Read);
+    QObject::connect(requests_.get(), &QSocketNotifier::activated, requests_.get(),
+                     [&station] { station.serve(); });
 }
 
-void createMainWindow(platform::WindowStation& station) {
-    auto* window = new frmMain;
-    window->setAttribute(Qt::WA_DeleteOnClose, false);
-    QObject::connect(window, &frmMain::finalExitRequested, window, &myFinalExit);
-    answerOtherInstances(station);
-}
-
-}  // namespace
+InstanceServer::~InstanceServer() = default;
 
 void Main(platform::WindowStation& station) {
     procedure(module, "Main", [&](Frame& frame) {
@@ -107,7 +108,7 @@ void Main(platform::WindowStation& station) {
                      [&] { gIgnoreEventKey = mdlDatabase::getIgnoreEventKey(); },
                      [&] { gViewsSupported = mdlCorvaneDatabase::determineViewsSupport(gCorvaneDb); },
                      [&] { mdlDatabase::rebuildAddressDetailsTable(); },
-                     [&] { mdlDatabase::makeInitialDatabaseChanges(); }, [&] { createMainWindow(station); },
+                     [&] { mdlDatabase::makeInitialDatabaseChanges(); }, [&] { createMainWindow(); },
                      [&] { gMainWindow->loadNavigationTree(); },
                      [&] { gMainWindow->selectNode(gMainWindow->nodeAt(1)); },
                      [&] { gMainWindow->tvNavigation->scrollFullyLeft(); }, [&] { gMainWindow->show(); }});

@@ -2,9 +2,26 @@
 // order, and the one orderly way out.
 #pragma once
 
+#include <memory>
+
 #include "platform/windowStation.h"
 
+class QSocketNotifier;
+
 namespace mdlMain {
+
+// Answers later instances whenever events are processed, so also while a box of the start waits; brings the
+// main window, once it is there, back to the front for them. The station outlives it.
+class InstanceServer {
+  public:
+    explicit InstanceServer(platform::WindowStation& station);
+    ~InstanceServer();
+    InstanceServer(const InstanceServer&) = delete;
+    InstanceServer& operator=(const InstanceServer&) = delete;
+
+  private:
+    std::unique_ptr<QSocketNotifier> requests_;
+};
 
 // Brings the console up. Ends the process when it may not run here, or when an earlier instance took over.
 void Main(platform::WindowStation& station);

@@ -202,19 +202,24 @@ std::string WindowStation::answer(std::string_view request) {
 std::string WindowStation::ask(std::string_view request) const {
     std::string none = "0";
     // Whoever is the first instance has nobody to ask, and would wait for itself.
-    if (!earlier_ || request.find('\n') != std::string_view::npos || request.size() >= longestLine)
+    if (!earlier_ || unanswered_ || request.find('\n') != std::string_view::npos ||
+        request.size() >= longestLine)
         return none;
     const Moment deadline = after(askTime);
     Descriptor connection;
     // The first instance may hold its lock already and listen only a moment later.
     while (!(connection = connectTo(socketPath_))) {
-        if (std::chrono::steady_clock::now() >= deadline)
+        if (std::chrono::steady_clock::now() >= deadline) {
+            unanswered_ = true;
             return none;
+        }
         std::this_thread::sleep_for(milliseconds(20));
     }
     if (!writeLine(connection.get(), request))
         return none;
-    return readLine(connection.get(), deadline).value_or(std::move(none));
+    std::optional<std::string> answer = readLine(connection.get(), deadline);
+    unanswered_ = !answer;
+    return std::move(answer).value_or(std::move(none));
 }
 
 WindowHandle findWindow(const WindowStation& station, std::string_view className, std::string_view title) {

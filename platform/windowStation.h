@@ -37,7 +37,8 @@ class WindowStation {
     void setActions(Actions actions) { actions_ = std::move(actions); }
 
     // Sends one request to the first instance's socket and gives its answer; "0" when nobody answers
-    // within three seconds. Requests: FIND class title, BEFORE handle, ICON handle, FRONT handle.
+    // within three seconds; nobody is asked a second time then. Requests: FIND class title, BEFORE handle,
+    // ICON handle, FRONT handle.
     std::string ask(std::string_view request) const;
 
   private:
@@ -48,6 +49,7 @@ class WindowStation {
     int lock_ = -1;
     int listener_ = -1;
     bool earlier_ = false;
+    mutable bool unanswered_ = false;
 };
 
 // The window system's calls, answered by the first instance. The hidden owner window of the program has

@@ -8,6 +8,7 @@
 #include "ui/loadedWindows.h"
 #include "ui/paintingWait.h"
 #include "ui/text.h"
+#include "ui/toolkitWords.h"
 
 namespace ui {
 
@@ -15,7 +16,10 @@ WindowServices::WindowServices() {
     platform::setPasswordPrompt(this);
     platform::setSplash(this);
     platform::setWaiter(waitPainting);
-    modLocalize::setWindowFontsHook([] { forEachLoadedWindow(setFormFonts); });
+    modLocalize::setWindowFontsHook([] {
+        translateToolkit();
+        forEachLoadedWindow(setFormFonts);
+    });
 }
 
 WindowServices::~WindowServices() {

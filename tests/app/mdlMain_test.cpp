@@ -234,6 +234,7 @@ TEST_F(Start, ASecondStartBringsTheFirstWindowToTheFrontAndEnds) {
     makeReady();
     expectServiceWarning();
     platform::WindowStation first("QLNAdmin");
+    const mdlMain::InstanceServer server(first);
     mdlMain::Main(first);
     gMainWindow->showMinimized();
     // The real console program, as a second process on the same host.

@@ -25,7 +25,7 @@ namespace {
 
 constexpr int firstWidth = 940;  // pixels
 constexpr int firstHeight = 680;
-constexpr int sidebarWidth = 290;
+constexpr int sidebarWidth = 320;
 constexpr int pageRole = Qt::UserRole;
 
 QStringList wordsOf(const QString& text) {
@@ -75,7 +75,7 @@ void HelpWindow::createSidebar() {
     connect(contents_, &QTreeWidget::itemActivated, this, openEntry);
 
     indexFilter_ = makeControl<QLineEdit>(this, "helpIndexFilter");
-    indexFilter_->setPlaceholderText("Type the beginning of a word");
+    indexFilter_->setPlaceholderText("A part of the entry");
     indexFilter_->setClearButtonEnabled(true);
     index_ = makeControl<QListWidget>(this, "helpIndex");
     connect(indexFilter_, &QLineEdit::textChanged, this, [this](const QString& text) {
