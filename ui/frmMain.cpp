@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QFrame>
+#include <QLayout>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QStatusBar>

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QTextDocument>
 #include <QVBoxLayout>
 
 #include "core/modLocalize.h"
@@ -49,6 +50,7 @@ void paneRecipientDetails::createControls() {
     for (ui::KeyedTree* tree : {tvRecipientDevices, tvEventsMonitored})
         tree->setMinimumHeight(lowestTree);
     tvEventsMonitored->setRootIsDecorated(false);
+    tvEventsMonitored->chooseByEnterOnly();
     cmdTestNotification = ui::makeControl<QPushButton>(this, "cmdTestNotification");
     cmdRecipientApply = ui::makeControl<QPushButton>(this, "cmdRecipientApply");
     cmdRecipientApply->setEnabled(false);
@@ -106,6 +108,11 @@ void paneRecipientDetails::controlInit() {
     tvEventsMonitored->setAccessibleName(ui::text(1101));
     sstabRecipientDevices->controlInit();
     ui::nameByBuddy(*this);
+    // Both trees hold words.
+    if (recipientKey_ != 0) {
+        displayMonitoredEventsForRecipient(recipientKey_);
+        displayDevicesForRecipient(recipientKey_);
+    }
 }
 
 void paneRecipientDetails::connectControls() {
@@ -200,11 +207,14 @@ void paneRecipientDetails::tvRecipientDevices_NodeClick(const std::string& nodeK
 
 void paneRecipientDetails::tvEventsMonitored_MouseMove(const QPoint& position) {
     core::procedure(module, "tvEventsMonitored_MouseMove", [&](core::Frame& frame) {
-        frame.on(platform::objectRequired, [](const platform::Failure&) {});
         const std::string hit = tvEventsMonitored->hitTest(position);
-        if (!hit.empty())
-            frame.step(
-                [&] { tvEventsMonitored->setToolTip(ui::fromUtf8(tvEventsMonitored->info(hit).ToolTip)); });
+        if (hit.empty())
+            return;
+        frame.step([&] {
+            const QString tip = ui::fromUtf8(tvEventsMonitored->info(hit).ToolTip);
+            // A title that looks like markup shows as it is.
+            tvEventsMonitored->setToolTip(Qt::mightBeRichText(tip) ? tip.toHtmlEscaped() : tip);
+        });
     });
 }
 

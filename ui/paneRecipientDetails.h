@@ -81,4 +81,5 @@ class paneRecipientDetails : public QWidget, public EditingPane {
     QPushButton* cmdRecipientApply;
 
     bool recipientChanged_ = false;
+    long recipientKey_ = 0;  // of the recipient that is shown; 0 before the first one
 };

@@ -84,6 +84,7 @@ void closeIfOpen(core::Frame& frame, Recordset& rows) {
 void paneRecipientDetails::displayRecipient(long recipientKey) {
     core::procedure(module, "displayRecipient", [&](core::Frame& frame) {
         ui::DeviceTabs& tabs = *sstabRecipientDevices;
+        recipientKey_ = recipientKey;
         tabs.voiceMail->blank();
         tabs.pagers->txtNew->clear();
         tabs.email->blank();

@@ -49,9 +49,7 @@ class RecipientPanes : public uiTest::MainWindow {
     RecipientPanes() {
         core::gSnmpSupported = true;
         core::gIgnoreEventKey = mdlDatabase::getIgnoreEventKey();
-        support::run(
-            host.databaseFile(),
-            "INSERT INTO Recipients VALUES(1, 'Ana', -1), (2, 'Ben', -1), (3, 'Cy', 0);"
+        run("INSERT INTO Recipients VALUES(1, 'Ana', -1), (2, 'Ben', -1), (3, 'Cy', 0);"
             "INSERT INTO Device VALUES(11, 1, 'id1', -1), (12, 3, 'id2', -1), (13, 4, 'a@b', -1),"
             "(14, 4, 'c@d', -1), (15, 5, 'SNMP TRAP', -1), (16, 6, 'host', -1), (17, 7, 'Failover', -1),"
             "(31, 2, '555', -1), (32, 2, '556', -1), (33, 3, 'id3', -1);"
@@ -85,7 +83,7 @@ class RecipientPanes : public uiTest::MainWindow {
     bool enabled(const char* name) { return in<QWidget>(name)->isEnabled(); }
     std::string textOf(const char* name) { return ui::toUtf8(in<QLineEdit>(name)->text()); }
     void type(const char* name, const char* text) { in<QLineEdit>(name)->setText(text); }
-    void press(const char* name) { in<QAbstractButton>(name)->click(); }
+    void push(const char* name) { in<QAbstractButton>(name)->click(); }
     void clickEntry(const char* name, int index) {
         auto* list = in<ui::EntryList>(name);
         tabs->setCurrentIndex(std::string(name) == "tvPagerNumbers" ? 1 : 3);
@@ -143,7 +141,7 @@ TEST_F(RecipientPanes, ListShowsTheCountsOfTheKindsThatAreOffered) {
     window->resize(1200, 700);
     EXPECT_EQ(grid->columnWidth(2), grid->width() - others - grid->columnWidth(0) + ui::pixels(200));
 
-    support::run(host.databaseFile(), "DELETE FROM Recipients");
+    run("DELETE FROM Recipients");
     clickNode("keyRecipients");
     EXPECT_EQ(grid->gridRowCount(), 0);
     EXPECT_FALSE(find<QPushButton>("cmdDeleteSelectedRecipient")->isEnabled());
@@ -229,7 +227,7 @@ TEST_F(RecipientPanes, KindsThatAreNotOfferedAreLeftOutOfTheDevices) {
         EXPECT_EQ(tabs->isTabVisible(tab), tab != 1 && tab != 4 && tab != 6) << tab;
     EXPECT_EQ(host.countInLog("ERROR"), 0);
 
-    support::run(host.databaseFile(), "DELETE FROM AddressDetails WHERE DeviceKey < 15");
+    run("DELETE FROM AddressDetails WHERE DeviceKey < 15");
     show(1);
     EXPECT_EQ(linesOf("tvRecipientDevices"), (Lines{"Syslog", " host"}));
     EXPECT_EQ(host.countInLog("ERROR", "displayDevicesForRecipient", "Err.Number = 424"), 1);
@@ -240,16 +238,16 @@ TEST_F(RecipientPanes, EveryEditCountsAsAChange) {
     show(3);
     const std::pair<const char*, std::function<void()>> edits[] = {
         {"name", [&] { type("txtRecipientName", "Cyr"); }},
-        {"active", [&] { press("chkRecipientActive"); }},
+        {"active", [&] { push("chkRecipientActive"); }},
         {"pager", [&] { type("txtPagerNumber", "1"); }},
-        {"pager added", [&] { press("cmdAddToPagerList"); }},
+        {"pager added", [&] { push("cmdAddToPagerList"); }},
         {"smtp", [&] { type("txtSMTPAddress", "x"); }},
-        {"snmp", [&] { press("chkSNMPTrapEnabled"); }},
-        {"syslog", [&] { press("chkSyslogEnabled"); }},
+        {"snmp", [&] { push("chkSNMPTrapEnabled"); }},
+        {"syslog", [&] { push("chkSyslogEnabled"); }},
         {"syslog host", [&] { type("txtSyslogHostAddress", "h"); }},
-        {"failover", [&] { press("chkFailoverEnabled"); }},
-        {"cleared", [&] { press("cmdClearEmail"); }},
-        {"kind", [&] { press("optionVoiceMailType_1"); }},
+        {"failover", [&] { push("chkFailoverEnabled"); }},
+        {"cleared", [&] { push("cmdClearEmail"); }},
+        {"kind", [&] { push("optionVoiceMailType_1"); }},
     };
     for (const auto& [what, edit] : edits) {
         pane->discard();
@@ -264,7 +262,7 @@ TEST_F(RecipientPanes, EveryEditCountsAsAChange) {
 
     type("txtRecipientName", "");
     EXPECT_FALSE(enabled("cmdRecipientApply"));
-    press("chkRecipientActive");
+    push("chkRecipientActive");
     EXPECT_TRUE(enabled("cmdRecipientApply")) << "nobody else looks at the name";
     for (const auto& [address, may] : {std::pair("a@b", true),
                                        {"@b", false},
@@ -284,16 +282,16 @@ TEST_F(RecipientPanes, ApplyStoresTheEditsAndKeepsTheDevicesThatStay) {
     clickEntry("tvPagerNumbers", 0);
     EXPECT_EQ(textOf("txtPagerNumber"), "555");
     type("txtPagerNumber", "777");
-    press("cmdAddToPagerList");
+    push("cmdAddToPagerList");
     clickEntry("tvPagerNumbers", 1);
-    press("cmdDeletePager");
+    push("cmdDeletePager");
     EXPECT_FALSE(enabled("cmdDeletePager"));
     EXPECT_EQ(textOf("txtPagerNumber"), "556") << "the box keeps its text";
-    press("cmdAddToPagerList");
+    push("cmdAddToPagerList");
     type("txtRecipientName", "Cyrus");
-    press("chkRecipientActive");
-    press("chkSyslogEnabled");
-    press("cmdRecipientApply");
+    push("chkRecipientActive");
+    push("chkSyslogEnabled");
+    push("cmdRecipientApply");
     EXPECT_FALSE(pane->isChanged());
     EXPECT_FALSE(enabled("cmdRecipientApply"));
     EXPECT_EQ(tree->selectedKey(), "RecipientKey:3");
@@ -301,8 +299,7 @@ TEST_F(RecipientPanes, ApplyStoresTheEditsAndKeepsTheDevicesThatStay) {
     EXPECT_EQ(active(3), "-1");
     const std::string devices = "SELECT DeviceType, DeviceAddress FROM Device WHERE DeviceKey";
     EXPECT_EQ(value(devices + " = 31"), "2|777");
-    EXPECT_EQ(support::query(host.databaseFile(), devices + " > 31 ORDER BY 1, 2"),
-              (Lines{"2|556", "3|id3", "6|"}))
+    EXPECT_EQ(rows(devices + " > 31 ORDER BY 1, 2"), (Lines{"2|556", "3|id3", "6|"}))
         << "a syslog device without a host may be stored";
     EXPECT_EQ(value("SELECT Count(*) FROM AddressDetails WHERE DisplayName LIKE '777%'"), "1");
     EXPECT_EQ(linesOf("tvRecipientDevices").at(1), " 777") << "the pane shows what is stored";
@@ -337,12 +334,12 @@ TEST_F(RecipientPanes, LeavingAsksWhatBecomesOfTheEdits) {
 TEST_F(RecipientPanes, CancelledSearchIsAChangeAndSearchAfterClearIsForLists) {
     openDirectory();
     show(3);
-    press("optionEmailType_0");
-    press("optionEmailType_1");
+    push("optionEmailType_0");
+    push("optionEmailType_1");
     pane->discard();
     in<QWidget>("cmdRecipientApply")->setEnabled(false);
     script.expect("dlgSelect", [](QWidget& search) { search.close(); });
-    press("cmdSelectEmail");
+    push("cmdSelectEmail");
     EXPECT_TRUE(pane->isChanged());
     EXPECT_TRUE(enabled("cmdRecipientApply"));
     EXPECT_EQ(textOf("txtEmail"), "") << "the other kind took the entry";
@@ -352,14 +349,19 @@ TEST_F(RecipientPanes, CancelledSearchIsAChangeAndSearchAfterClearIsForLists) {
 TEST_F(RecipientPanes, EventsOfARecipientLeadToTheEvent) {
     const std::string all = std::to_string(add("Backup", "-1", "nightly"));
     const std::string one = std::to_string(add("Alarm", "17", "other"));
-    support::run(host.databaseFile(), "INSERT INTO EventDevice VALUES(" + all + ", 11, -1), (" + all +
-                                          ", 12, -1), (" + one + ", 13, 0), (" +
-                                          std::to_string(core::gIgnoreEventKey) + ", 11, -1)");
+    run("INSERT INTO EventDevice VALUES(" + all + ", 11, -1), (" + all + ", 12, -1), (" + one +
+        ", 13, 0), (" + std::to_string(core::gIgnoreEventKey) + ", 11, -1)");
     show(1);
     Lines events = linesOf("tvEventsMonitored");
     std::sort(events.begin(), events.end());
     EXPECT_EQ(events, (Lines{"Alarm (17)", "Backup (All)"}));
     auto* monitored = in<ui::KeyedTree>("tvEventsMonitored");
+    monitored->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(monitored, Qt::Key_Down);
+    EXPECT_EQ(visiblePane(), 3) << "keys only move";
+    QTest::keyClick(monitored, Qt::Key_Return);
+    EXPECT_EQ(tree->selectedKey(), "EventKey-" + std::string(monitored->keyAt(2)).substr(9));
+    show(1);
     const QPoint place = uiTest::placeOf(*monitored, "EventKey:" + all);
     QTest::mouseMove(monitored->viewport(), place);
     EXPECT_EQ(monitored->toolTip(), "nightly");
@@ -375,10 +377,10 @@ TEST_F(RecipientPanes, TestUsesWhatIsStoredAfterItsQuestion) {
     show(1);
     type("txtRecipientName", "");
     prompts.expect(testQuestion, BoxAnswer::no);
-    press("cmdTestNotification");
+    push("cmdTestNotification");
     EXPECT_EQ(value(hidden), "0");
     prompts.expect(testQuestion, BoxAnswer::yes);
-    press("cmdTestNotification");
+    push("cmdTestNotification");
     EXPECT_EQ(value(hidden), "7");
     EXPECT_EQ(platform::readEvents("Application").size(), 1U);
     EXPECT_TRUE(pane->isChanged());
@@ -433,17 +435,18 @@ TEST_F(RecipientPanes, RecipientsAreCreatedAndDeletedFromEveryPlace) {
 }
 
 TEST_F(RecipientPanes, FiveThousandRecipientsFillTheList) {
-    std::string rows = "BEGIN;";
+    std::string inserts = "BEGIN;";
     for (int i = 1000; i < 6000; ++i) {
         const std::string key = std::to_string(i);
-        rows += "INSERT INTO Recipients VALUES(" + key + ", 'Recipient " + key + "', -1);";
+        inserts += "INSERT INTO Recipients VALUES(" + key + ", 'Recipient " + key + "', -1);";
         for (int j = 0; j < 3; ++j) {
             const std::string device = std::to_string(i * 3 + j);
-            rows += "INSERT INTO Device VALUES(" + device + ", " + std::to_string(j * 2 + 2) + ", 'x', -1);";
-            rows += "INSERT INTO DeviceRecipient VALUES(" + device + ", " + key + ");";
+            inserts +=
+                "INSERT INTO Device VALUES(" + device + ", " + std::to_string(j * 2 + 2) + ", 'x', -1);";
+            inserts += "INSERT INTO DeviceRecipient VALUES(" + device + ", " + key + ");";
         }
     }
-    support::run(host.databaseFile(), rows + "COMMIT;");
+    run(inserts + "COMMIT;");
     open();
     using Clock = std::chrono::steady_clock;
     const auto milliseconds = [](Clock::duration time) {
