@@ -25,8 +25,9 @@ using modLocalize::myLoadResString;
 namespace {
 
 constexpr char module[] = "frmMain";
-constexpr int lowestTabs = 200;  // pixels; what is lower than its content scrolls
-constexpr int lowestTree = 90;
+constexpr int lowestTabs = 180;  // pixels; what is lower than its content scrolls
+constexpr int highestTabs = 260;
+constexpr int lowestTree = 70;
 
 }  // namespace
 
@@ -44,11 +45,15 @@ void paneRecipientDetails::createControls() {
     frameDevices = ui::makeControl<QGroupBox>(this, "frameDevices");
     sstabRecipientDevices = new ui::DeviceTabs(ui::DeviceTabs::Place::pane, frameDevices);
     sstabRecipientDevices->setMinimumHeight(lowestTabs);
+    sstabRecipientDevices->setMaximumHeight(highestTabs);
     tvRecipientDevices = ui::makeControl<ui::KeyedTree>(frameDevices, "tvRecipientDevices");
     frameEvents = ui::makeControl<QGroupBox>(this, "frameEvents");
     tvEventsMonitored = ui::makeControl<ui::KeyedTree>(frameEvents, "tvEventsMonitored");
-    for (ui::KeyedTree* tree : {tvRecipientDevices, tvEventsMonitored})
+    for (ui::KeyedTree* tree : {tvRecipientDevices, tvEventsMonitored}) {
         tree->setMinimumHeight(lowestTree);
+        // What a tree would like to have must not make the pane scroll.
+        tree->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
+    }
     tvEventsMonitored->setRootIsDecorated(false);
     tvEventsMonitored->chooseByEnterOnly();
     cmdTestNotification = ui::makeControl<QPushButton>(this, "cmdTestNotification");

@@ -180,6 +180,9 @@ void KeyedGrid::fitColumns() {
 
 void KeyedGrid::stretchColumn(std::string_view column, int extra) {
     const int wide = columnIndex(column);
+    // The last column would take what this one is to get.
+    horizontalHeader()->setStretchLastSection(false);
+    shareWidth();
     int others = 0;
     for (int i = 0; i < columnCount(); ++i)
         others += i == wide ? 0 : columnWidth(i);
