@@ -2,12 +2,12 @@
 #pragma once
 
 #include <QString>
+#include <QWidget>
 #include <initializer_list>
 #include <limits>
 #include <string>
 
 class QComboBox;
-class QWidget;
 
 namespace ui {
 
@@ -20,6 +20,13 @@ Control* makeControl(QWidget* parent, const std::string& name) {
     if constexpr (requires { control->setMaxLength(0); })
         control->setMaxLength(std::numeric_limits<int>::max());
     return control;
+}
+
+// The window's one dialog of that class, made on its first use; the window owns it.
+template <class Dialog>
+Dialog& sharedDialog(QWidget& window) {
+    auto* dialog = window.findChild<Dialog*>(QString(), Qt::FindDirectChildrenOnly);
+    return dialog ? *dialog : *new Dialog(&window);
 }
 
 // Refills a list with string-table texts and keeps its selected row.

@@ -121,6 +121,7 @@ void paneEventDetails::layOutContent() {
     content->addWidget(lblVoiceMailFilename, 0, 0);
     content->addWidget(txtVoiceMailFileName, 0, 1);
     content->addWidget(cmdVoiceMailBrowse, 0, 2);
+    cmdVoiceMailBrowse->setMaximumWidth(48);
     content->addWidget(lblVoiceMailPriority, 1, 0);
     content->addWidget(comboVoiceMailPriority, 1, 1, 1, 2, Qt::AlignLeft);
     content->addWidget(lblEmailSubject, 2, 0);
@@ -258,9 +259,7 @@ void paneEventDetails::updateEventApply() {
 
 void paneEventDetails::cmdExclusions_Click() {
     core::procedure(module, "cmdExclusions_Click", [&](core::Frame& frame) {
-        if (!dlgExclusions_)
-            dlgExclusions_ = new dlgExclusions(window());
-        frame.step([&] { dlgExclusions_->displayForm(); });
+        frame.step([&] { ui::sharedDialog<dlgExclusions>(*window()).displayForm(); });
     });
 }
 

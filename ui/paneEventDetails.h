@@ -17,8 +17,6 @@ class QLabel;
 class QLayout;
 class QLineEdit;
 class QPushButton;
-class dlgEditRecipients;
-class dlgExclusions;
 
 namespace ui {
 class EventIdBox;
@@ -81,6 +79,7 @@ class paneEventDetails : public QWidget, public EditingPane {
     bool settleChanges(long eventKey);
     // Whom the event goes to, chosen anew; nothing on Cancel. True when it was written.
     bool editRecipients(long eventKey);
+    // The same for an event that nobody is on; a first recipient is created when there is none.
     void assignFirstRecipients(core::Frame& frame, long eventKey);
     void cmdAddRecipient_Click();
     void cmdRemoveRecipient_Click();
@@ -117,8 +116,6 @@ class paneEventDetails : public QWidget, public EditingPane {
     QPushButton* cmdExclusions;
     QPushButton* cmdEventApply;
     ui::InsertionVariables* variables;
-    dlgEditRecipients* dlgEditRecipients_ = nullptr;  // shared instances, made on first use
-    dlgExclusions* dlgExclusions_ = nullptr;
 
     bool eventDataChanged_ = false;
     bool eventRecipientsChanged_ = false;

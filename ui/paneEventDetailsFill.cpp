@@ -39,6 +39,15 @@ void showStoredPriority(QComboBox& list, const Recordset& contents) {
     showPriority(list, static_cast<int>(mdlDatabase::mapPriority(contents.number("ContentPriority"))));
 }
 
+// Nothing can be chosen, but what is shown stays as easy to read as before.
+void lockList(QComboBox& list) {
+    QPalette look = list.palette();
+    for (const auto role : {QPalette::Text, QPalette::ButtonText})
+        look.setColor(QPalette::Disabled, role, look.color(QPalette::Active, role));
+    list.setPalette(look);
+    list.setEnabled(false);
+}
+
 bool findContent(Recordset& contents, int type) {
     contents.moveFirst();
     contents.find("ContentType = " + std::to_string(type));
@@ -88,7 +97,7 @@ void paneEventDetails::fillSources(core::Frame& frame, bool catchAll) {
     comboEventSource->clear();
     if (catchAll) {
         comboEventSource->addItem(ui::text(1049));  // selected, whatever language the stored one is in
-        comboEventSource->setEnabled(false);
+        lockList(*comboEventSource);
         return;
     }
     frame.step([&] {

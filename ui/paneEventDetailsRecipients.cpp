@@ -3,8 +3,11 @@
 #include <QPushButton>
 
 #include "core/modLocalize.h"
+#include "database/addressDetails.h"
 #include "database/recipients.h"
+#include "ui/controls.h"
 #include "ui/dlgEditRecipients.h"
+#include "ui/dlgRecipient.h"
 #include "ui/mdlRecDevices.h"
 #include "ui/paneEventDetails.h"
 #include "ui/saveQuestion.h"
@@ -40,16 +43,23 @@ bool paneEventDetails::settleChanges(long eventKey) {
 }
 
 bool paneEventDetails::editRecipients(long eventKey) {
-    if (!dlgEditRecipients_)
-        dlgEditRecipients_ = new dlgEditRecipients(window());
-    dlgEditRecipients_->displayForm(eventKey, tvNavigation.nodeText(tvNavigation.selectedKey()));
-    if (dlgEditRecipients_->cancelled)
+    auto& dialog = ui::sharedDialog<dlgEditRecipients>(*window());
+    dialog.displayForm(eventKey, tvNavigation.nodeText(tvNavigation.selectedKey()));
+    if (dialog.cancelled)
         return false;
-    mdlDatabase::addRecipientToEvent(eventKey, dlgEditRecipients_->selectedDevices, true);
+    mdlDatabase::addRecipientToEvent(eventKey, dialog.selectedDevices, true);
     return true;
 }
 
 void paneEventDetails::assignFirstRecipients(core::Frame& frame, long eventKey) {
+    if (mdlDatabase::countRecipients() < 1) {
+        auto& dialog = ui::sharedDialog<dlgRecipient>(*window());
+        frame.step([&] { dialog.displayForm(); });
+        if (dialog.cancelled)
+            return;
+        frame.steps({[&] { mdlDatabase::addNewRecipient(dialog.newRecipient()); },
+                     [] { mdlDatabase::rebuildAddressDetailsTable(); }});
+    }
     frame.step([&] { editRecipients(eventKey); });
 }
 

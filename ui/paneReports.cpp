@@ -53,6 +53,7 @@ std::string fieldText(const platform::Recordset& row, const char* field) {
 
 ui::RowGrid::Row reportRow(const platform::Recordset& row) {
     ui::RowGrid::Row cells;
+    cells.reserve(std::size(reportFields));
     for (const char* field : reportFields)
         cells.push_back(fieldText(row, field));
     return cells;
@@ -177,6 +178,7 @@ void paneReport::loadReport(const std::string& nodeText, const std::string& quer
                      platform::CursorLocation::client);
         });
         if (log.state() == platform::ObjectState::open) {
+            rows.reserve(static_cast<std::size_t>(log.recordCount()));
             while (!log.EOF_()) {
                 frame.step([&] { rows.push_back(reportRow(log)); });
                 frame.step([&] { log.moveNext(); });

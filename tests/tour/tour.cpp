@@ -14,6 +14,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTabWidget>
 #include <QtTest/QTest>
 #include <cstdio>
 
@@ -126,7 +127,7 @@ void createRecipient() {
 void chooseDevice(QWidget& dialog) {
     auto& recipients = control<ui::KeyedTree>(dialog, "tvRecipients");
     insist(recipients.count() == 3, "the recipient or his devices are missing");
-    for (const auto key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Space})
+    for (const auto key : {Qt::Key_Right, Qt::Key_Down, Qt::Key_Down, Qt::Key_Space})
         QTest::keyClick(&recipients, key);
     insist(recipients.isChecked(recipients.keyAt(1)) && !recipients.isChecked(recipients.keyAt(2)),
            "the recipient does not follow his device");
@@ -174,6 +175,39 @@ void playEventRoad(frmMain& window, support::WindowScript& script) {
     insist(tree.selectedKey() == node && icon(node) != inactive, "the tree does not show the event's state");
     insist(!apply.isEnabled(), "the applied pane counts as changed");
     tour::takePicture("event-active");
+}
+
+// A source that the catch-all event shall leave alone, and a look at the options.
+void playExclusionsAndOptions(frmMain& window, support::WindowScript& script) {
+    ui::KeyedTree& tree = *window.tvNavigation;
+    script.expect("dlgAddExclusion", [](QWidget& dialog) {
+        auto& sources = control<QComboBox>(dialog, "comboEventSource");
+        sources.setFocus();
+        QTest::keyClicks(&sources, "MeridaneCorvane_");
+        tour::type(control<QLineEdit>(dialog, "tdbnlSpecificEventId"), "4713");
+        insist(control<QRadioButton>(dialog, "optionEventId_1").isChecked(),
+               "typing an id does not choose it");
+        tour::takePicture("new-exclusion");
+        QTest::mouseClick(&control<QPushButton>(dialog, "cmdOk"), Qt::LeftButton);
+    });
+    tour::chooseMenu(window, {"mnuFile", "mnuFileNew", "mnuFileNewExclusion"});
+    insist(tree.info(tree.selectedKey()).nodeType == nodeTypeExclusion, "the new exclusion is not selected");
+    tour::takePicture("exclusion");
+    clickNode(tree, "keyExclusions");
+    auto& grid = control<ui::KeyedGrid>(window, "vsflexgridAllExclusions");
+    insist(grid.gridRowCount() > 0, "the new exclusion is not in the grid");
+    tour::takePicture("exclusions");
+
+    script.expect("frmOptions", [](QWidget& options) {
+        auto& days = control<QWidget>(options, "tdbnumliteReportDataAging");
+        QTest::keyClick(&days, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(&days, "99");
+        tour::takePicture("options-refusal");
+        control<QTabWidget>(options, "sstabOptions").setCurrentIndex(1);
+        tour::takePicture("options-content");
+        QTest::mouseClick(&control<QPushButton>(options, "cmdCancel"), Qt::LeftButton);
+    });
+    tour::chooseMenu(window, {"mnuFile", "mnuOptions"});
 }
 
 void play(support::WindowScript& script) {
@@ -228,6 +262,7 @@ void play(support::WindowScript& script) {
     tour::takePicture("deleted");
 
     playEventRoad(window, script);
+    playExclusionsAndOptions(window, script);
     clickNode(tree, window.findNode(nodeTypeEvent, std::stol(added.substr(added.find('-') + 1))));
     tour::takePicture("event");
     // The language changes in every window at once, and back.

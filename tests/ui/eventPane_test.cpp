@@ -262,6 +262,31 @@ TEST_F(EventPane, ApplyAsksWhatMayHaveBeenForgotten) {
     EXPECT_EQ(recipients->count(), 3);
 }
 
+TEST_F(EventPane, TheFirstRecipientIsCreatedOnTheWay) {
+    show(event);
+    find<QCheckBox>("chkActive")->setChecked(true);
+    prompts.expect(noRecipients, BoxAnswer::yes);
+    script.expect("dlgRecipient", [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    apply();
+    EXPECT_EQ(value("SELECT Count(*) FROM Recipients"), "0");
+
+    rename("again");
+    prompts.expect(noRecipients, BoxAnswer::yes);
+    script.expect("dlgRecipient", [](QWidget& dialog) {
+        dialog.findChild<QLineEdit*>("txtRecipientName")->setText("Ana");
+        dialog.findChild<QCheckBox*>("chkSyslogEnabled")->setChecked(true);
+        QTest::mouseClick(dialog.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
+    });
+    script.expect("dlgEditRecipients", [](QWidget& dialog) {
+        QTest::keyClick(dialog.findChild<ui::KeyedTree*>("tvRecipients"), Qt::Key_Space);
+        QTest::mouseClick(dialog.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
+    });
+    apply();
+    EXPECT_EQ(value("SELECT RecipientName FROM Recipients"), "Ana");
+    EXPECT_EQ(assignments(), "1|-1 ");
+    EXPECT_EQ(recipients->count(), 2);
+}
+
 TEST_F(EventPane, LeavingAChangedEventAsks) {
     makeAna(true);
     show(event);

@@ -89,7 +89,9 @@ TEST_F(Options, ShowsWhatIsStoredAndSavesAllTenInTheirOrder) {
         in<QLineEdit>("txtVoiceMailFileName").setText("it's.wav");
         in<QComboBox>("comboVoiceMailPriority").setCurrentIndex(0);
         type("rtbEmailSubject", "<Type> now");
-        type("rtbEmailBody", "one\n<Notes>");
+        type("rtbEmailBody", "one");
+        QTest::keyClick(&in<QWidget>("rtbEmailBody"), Qt::Key_Return);
+        QTest::keyClicks(&in<QWidget>("rtbEmailBody"), "<Notes>");
         click("cmdOk");
         EXPECT_FALSE(options->isVisible());
     });

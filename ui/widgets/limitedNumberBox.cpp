@@ -29,6 +29,7 @@ LimitedNumberBox::LimitedNumberBox(int lowest, int highest, QWidget* parent)
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(sign_);
     row->addWidget(text_);
+    row->addStretch();
     sign_->hide();
     setAccessibleDescription(text_->text());
 

@@ -2,6 +2,7 @@
 
 #include <QAbstractTableModel>
 #include <QHeaderView>
+#include <algorithm>
 #include <utility>
 
 #include "platform/failure.h"
@@ -24,8 +25,9 @@ class RowModel : public QAbstractTableModel {
     }
     int columnCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : columns_; }
     QVariant data(const QModelIndex& index, int role) const override {
-        return index.isValid() && role == Qt::DisplayRole ? fromUtf8(text(index.row(), index.column()))
-                                                          : QVariant();
+        // The tip has the whole text of a cell that is cut off.
+        const bool asked = index.isValid() && (role == Qt::DisplayRole || role == Qt::ToolTipRole);
+        return asked ? fromUtf8(text(index.row(), index.column())) : QVariant();
     }
     // The header row is blank.
     QVariant headerData(int, Qt::Orientation, int role) const override {
@@ -65,6 +67,22 @@ RowGrid::~RowGrid() {
 void RowGrid::setRows(std::vector<Row> rows) {
     rows_->replace(std::move(rows));
     resizeColumnsToContents();
+    giveWay();
+}
+
+// The widest column gives way where not all fit, so that each stays in sight.
+void RowGrid::giveWay() {
+    constexpr int narrowest = 80;
+    int widest = 0;
+    int total = 0;
+    for (int i = 0; i < rows_->columnCount(); ++i) {
+        total += columnWidth(i);
+        if (columnWidth(i) > columnWidth(widest))
+            widest = i;
+    }
+    const int excess = total - viewport()->width();
+    if (excess > 0)
+        setColumnWidth(widest, std::max(narrowest, columnWidth(widest) - excess));
 }
 
 int RowGrid::gridRowCount() const {

@@ -27,6 +27,8 @@ class RowGrid : public QTableView {
     std::string cellText(int gridRow, int column) const;
 
   private:
+    void giveWay();
+
     std::unique_ptr<RowModel> rows_;
 };
 
