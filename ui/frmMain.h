@@ -24,7 +24,6 @@ class EditingPane;
 class cTooltip;
 class dlgAddExclusion;
 class dlgEvent;
-class dlgRecipient;
 class paneEventDetails;
 class paneExclusionDetails;
 class paneExclusions;
@@ -158,7 +157,6 @@ class frmMain : public QMainWindow {
     std::array<QIcon, 5> imagelistTreeNodes_;  // by index 1 to 4
     std::unique_ptr<cTooltip> tooltip_;
     dlgEvent* dlgEvent_ = nullptr;                // one shared instance, made on first use
-    dlgRecipient* dlgRecipient_ = nullptr;        // likewise
     dlgAddExclusion* dlgAddExclusion_ = nullptr;  // likewise
 
     std::array<bool, 4> expanded_{true, true, true, true};  // by node type 0 to 3

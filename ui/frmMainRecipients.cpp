@@ -5,6 +5,7 @@
 #include "core/procedure.h"
 #include "database/addressDetails.h"
 #include "database/recipients.h"
+#include "ui/controls.h"
 #include "ui/dlgRecipient.h"
 #include "ui/frmMain.h"
 #include "ui/paneRecipientDetails.h"
@@ -48,13 +49,12 @@ std::string frmMain::findNewRecipient(long recipientKey) const {
 
 void frmMain::mnuFileNewRecipient_Click() {
     core::procedure(module, "mnuFileNewRecipient_Click", [&](core::Frame& frame) {
-        if (!dlgRecipient_)
-            dlgRecipient_ = new dlgRecipient(this);
-        dlgRecipient_->displayForm();
-        if (dlgRecipient_->cancelled)
+        auto& dialog = ui::sharedDialog<dlgRecipient>(*this);
+        dialog.displayForm();
+        if (dialog.cancelled)
             return;
         long newKey = 0;
-        frame.steps({[&] { newKey = mdlDatabase::addNewRecipient(dlgRecipient_->newRecipient()); },
+        frame.steps({[&] { newKey = mdlDatabase::addNewRecipient(dialog.newRecipient()); },
                      [&] { loadNavigationTree(); }, [] { mdlDatabase::rebuildAddressDetailsTable(); },
                      [&] { selectNode(findNewRecipient(newKey)); }});
     });
