@@ -2,6 +2,8 @@
 // the address details.
 #pragma once
 
+#include <set>
+
 #include "database/recipientRecord.h"
 #include "platform/ado.h"
 
@@ -37,5 +39,9 @@ bool isRecipientActive(long recipientKey);
 bool invalidRecipientDevices(long recipientKey);
 // State as a tree icon: 0 active, 1 has an unresolved device (outweighs the others), 2 inactive.
 long getRecipientState(long recipientKey);
+// The same for all recipients at once, for the tree: who has an unresolved device, in one statement (empty on
+// failure), and with it the state of a row of getRecipients, which raises the row's failures.
+std::set<long> recipientsWithInvalidDevices();
+long stateOfRecipient(const platform::Recordset& recipient, const std::set<long>& withInvalidDevices);
 
 }  // namespace mdlDatabase

@@ -1,6 +1,7 @@
 // The shell's navigation tree: building it, choosing a node in it, and its hover tip.
 
 #include <QMenu>
+#include <set>
 
 #include "core/modLocalize.h"
 #include "core/procedure.h"
@@ -129,12 +130,13 @@ void frmMain::initEvents(const std::string& root, std::optional<long> eventKey) 
 void frmMain::initRecipients(const std::string& root, std::optional<long> recipientKey) {
     core::procedure(module, "initRecipients", [&](core::Frame& frame) {
         Recordset recipients = mdlDatabase::getRecipients();
+        const std::set<long> unresolved = mdlDatabase::recipientsWithInvalidDevices();
         addChildren(frame, {root, "RecipientKey:", nodeTypeCategoryRecipients, recipientKey}, recipients,
                     [&] {
                         const long key = recipients.number("RecipientKey");
                         ui::KeyedTree::NewNode node;
                         node.text = textOrEmpty(recipients, "RecipientName");
-                        node.icon = stateIcon(mdlDatabase::getRecipientState(key));
+                        node.icon = stateIcon(mdlDatabase::stateOfRecipient(recipients, unresolved));
                         node.info = {false, nodeTypeRecipient, "", key};
                         return node;
                     });

@@ -152,8 +152,10 @@ void paneRecipients::vsflexgridAllRecipients_Click() {
             emit recipientSwitched();
             // The refilled grid keeps the recipient that was clicked as its current row.
             for (int i = 1; i <= grid.gridRowCount(); ++i)
-                if (grid.cellValue(i, "RecipientKey").toLongLong() == key)
+                if (grid.cellValue(i, "RecipientKey").toLongLong() == key) {
                     grid.setCurrentGridCell(i, "RecipientActive");
+                    break;
+                }
         }
         cmdDeleteSelectedRecipient->setEnabled(grid.currentGridRow() >= 1);
     });
