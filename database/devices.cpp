@@ -120,6 +120,26 @@ long countDevices(long deviceType, std::optional<long> recipientKey) {
     });
 }
 
+DeviceCounts countDevicesByRecipient() {
+    return core::procedure(
+        module, "countDevicesByRecipient", DeviceCounts(), [&](Frame& frame, DeviceCounts& counts) {
+            Recordset rows;
+            frame.step([&] {
+                rows = openForReading(
+                    "SELECT Recipients.RecipientKey, Device.DeviceType, COUNT(Device.DeviceKey) AS "
+                    "DeviceCount "
+                    "FROM Device INNER JOIN (Recipients INNER JOIN DeviceRecipient ON "
+                    "Recipients.RecipientKey = DeviceRecipient.RecipientKey) ON Device.DeviceKey = "
+                    "DeviceRecipient.DeviceKey "
+                    "GROUP BY Recipients.RecipientKey, Device.DeviceType");
+                for (; !rows.EOF_(); rows.moveNext())
+                    counts[{rows.number("RecipientKey"), rows.number("DeviceType")}] =
+                        rows.number("DeviceCount");
+                rows.close();
+            });
+        });
+}
+
 bool isDeviceActive(long deviceKey) {
     return core::procedure(module, "isDeviceActive", false, [&](Frame& frame, bool& active) {
         Recordset row;

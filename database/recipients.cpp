@@ -65,6 +65,31 @@ Recordset getRecipients() {
     return queryProcedure("getRecipients", "SELECT * FROM Recipients ORDER BY RecipientName");
 }
 
+Recordset openRecipientWithDevices(long recipientKey) {
+    return openForReading(
+        "SELECT Recipients.RecipientKey, Recipients.RecipientName, Recipients.RecipientActive, "
+        "Device.DeviceKey, Device.DeviceType, Device.DeviceAddress, Device.DeviceActive, "
+        "AddressDetails.DisplayName, AddressDetails.AddressType "
+        "FROM (Recipients INNER JOIN (Device INNER JOIN DeviceRecipient ON Device.DeviceKey = "
+        "DeviceRecipient.DeviceKey) ON Recipients.RecipientKey = DeviceRecipient.RecipientKey) "
+        "INNER JOIN AddressDetails ON Device.DeviceKey = AddressDetails.DeviceKey "
+        "Where Recipients.RecipientKey = " +
+        std::to_string(recipientKey));
+}
+
+Recordset openEventsForRecipient(long recipientKey) {
+    return openForReading(
+        "SELECT DISTINCT Recipients.RecipientKey, Events.EventSource, Events.EventID, Events.EventTitle, "
+        "Events.EventKey "
+        "FROM Events INNER JOIN ((Device INNER JOIN (Recipients INNER JOIN DeviceRecipient ON "
+        "Recipients.RecipientKey = DeviceRecipient.RecipientKey) ON Device.DeviceKey = "
+        "DeviceRecipient.DeviceKey) "
+        "INNER JOIN EventDevice ON Device.DeviceKey = EventDevice.DeviceKey) ON Events.EventKey = "
+        "EventDevice.EventKey "
+        "WHERE Recipients.RecipientKey = " +
+        std::to_string(recipientKey));
+}
+
 long countRecipients() {
     return core::procedure(module, "countRecipients", 0L, [&](Frame& frame, long& count) {
         Recordset rows;
@@ -151,6 +176,27 @@ bool invalidRecipientDevices(long recipientKey) {
              },
              [&] { invalid = rows.recordCount() >= 1; }, [&] { rows.close(); }});
     });
+}
+
+std::set<long> recipientsWithInvalidDevices() {
+    return core::procedure(
+        module, "recipientsWithInvalidDevices", std::set<long>(), [&](Frame& frame, std::set<long>& keys) {
+            frame.step([&] {
+                Recordset rows = openForReading(
+                    "SELECT DISTINCT DeviceRecipient.RecipientKey FROM DeviceRecipient INNER JOIN "
+                    "AddressDetails ON DeviceRecipient.DeviceKey = AddressDetails.DeviceKey WHERE "
+                    "AddressDetails.AddressType = 0");
+                for (; !rows.EOF_(); rows.moveNext())
+                    keys.insert(rows.number("RecipientKey"));
+                rows.close();
+            });
+        });
+}
+
+long stateOfRecipient(const Recordset& recipient, const std::set<long>& withInvalidDevices) {
+    if (withInvalidDevices.contains(recipient.number("RecipientKey")))
+        return 1;
+    return !recipient.isNull("RecipientActive") && recipient.boolean("RecipientActive") ? 0 : 2;
 }
 
 long getRecipientState(long recipientKey) {

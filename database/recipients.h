@@ -2,6 +2,8 @@
 // the address details.
 #pragma once
 
+#include <set>
+
 #include "database/recipientRecord.h"
 #include "platform/ado.h"
 
@@ -11,6 +13,12 @@ namespace mdlDatabase {
 platform::Recordset getRecipient(long recipientKey);
 // All recipients by name.
 platform::Recordset getRecipients();
+// A row for each of a recipient's devices that has address details, with these and his name and state: none
+// for a recipient without any. These two are statements of the caller's procedure, who closes what they
+// open: they raise the engine's failures.
+platform::Recordset openRecipientWithDevices(long recipientKey);
+// The events that any of his devices is on, silent or not, the hidden one included.
+platform::Recordset openEventsForRecipient(long recipientKey);
 // 0 on failure.
 long countRecipients();
 
@@ -31,5 +39,9 @@ bool isRecipientActive(long recipientKey);
 bool invalidRecipientDevices(long recipientKey);
 // State as a tree icon: 0 active, 1 has an unresolved device (outweighs the others), 2 inactive.
 long getRecipientState(long recipientKey);
+// The same for all recipients at once, for the tree: who has an unresolved device, in one statement (empty on
+// failure), and with it the state of a row of getRecipients, which raises the row's failures.
+std::set<long> recipientsWithInvalidDevices();
+long stateOfRecipient(const platform::Recordset& recipient, const std::set<long>& withInvalidDevices);
 
 }  // namespace mdlDatabase

@@ -3,11 +3,10 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QFrame>
-#include <QLabel>
+#include <QLayout>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QStatusBar>
-#include <QVBoxLayout>
 
 #include "core/procedure.h"
 #include "core/state.h"
@@ -19,6 +18,8 @@
 #include "ui/paneExclusionDetails.h"
 #include "ui/paneExclusions.h"
 #include "ui/paneMonitoredEvents.h"
+#include "ui/paneRecipientDetails.h"
+#include "ui/paneRecipients.h"
 #include "ui/paneReports.h"
 #include "ui/saveQuestion.h"
 #include "ui/text.h"
@@ -44,19 +45,6 @@ constexpr int paneGap = 40;
 
 constexpr int maximumTipWidth = 400;  // pixels
 constexpr int paneCount = 8;
-
-// A pane whose content is told by its heading alone.
-QWidget* makeHeadingPane(QWidget* parent, const char* labelName) {
-    auto* pane = new QWidget(parent);
-    auto* layout = new QVBoxLayout(pane);
-    auto* label = ui::makeControl<QLabel>(pane, labelName);
-    QFont bold = label->font();
-    bold.setBold(true);
-    label->setFont(bold);
-    layout->addWidget(label);
-    layout->addStretch();
-    return pane;
-}
 
 }  // namespace
 
@@ -97,21 +85,20 @@ void frmMain::createPanes() {
     QWidget* client = centralWidget();
     paneMonitoredEvents_ = new paneMonitoredEvents(client);
     paneEventDetails_ = new paneEventDetails(client, *tvNavigation);
+    paneRecipients_ = new paneRecipients(client);
+    paneRecipientDetails_ = new paneRecipientDetails(client, *tvNavigation);
     paneReport_ = new paneReport(client);
     paneExclusions_ = new paneExclusions(client);
     paneExclusionDetails_ = new paneExclusionDetails(client);
-    vsviewportDetails_ = {paneMonitoredEvents_,
-                          paneEventDetails_,
-                          makeHeadingPane(client, "lblAllRecipients"),
-                          makeHeadingPane(client, "lblRecipientName"),
-                          new paneReportCategory(client),
-                          paneReport_,
-                          paneExclusions_,
-                          paneExclusionDetails_};
+    vsviewportDetails_ = {
+        paneMonitoredEvents_,           paneEventDetails_, paneRecipients_, paneRecipientDetails_,
+        new paneReportCategory(client), paneReport_,       paneExclusions_, paneExclusionDetails_};
     for (int i = 0; i < paneCount; ++i)
         vsviewportDetails_[static_cast<std::size_t>(i)]->setObjectName("vsviewportDetails_" +
                                                                        QString::number(i));
-    editingPanes_ = {{paneEventDetails_, ui::eventSettingsChanged, true}};
+    editingPanes_ = {{paneEventDetails_, ui::eventSettingsChanged, true},
+                     {paneRecipientDetails_, ui::recipientSettingsChanged, false}};
+    connectRecipientPanes();
     connect(paneEventDetails_, &paneEventDetails::eventSaved, this,
             [this](long key) { loadNavigationTree(key); });
     connect(paneMonitoredEvents_, &paneMonitoredEvents::newEventWanted, this,
@@ -149,8 +136,9 @@ void frmMain::Form_Load() {
                          // to say.
                          tooltip_->setToolText(tvNavigation, "");
                      },
-                     [&] { expanded_.fill(true); }, [&] { core::gRebuildingControls = true; },
-                     [&] { ui::setFormFonts(*this); }, [&] { core::gRebuildingControls = false; }});
+                     [&] { expanded_.fill(true); }, [&] { paneRecipientDetails_->hideUnsupportedKinds(); },
+                     [&] { core::gRebuildingControls = true; }, [&] { ui::setFormFonts(*this); },
+                     [&] { core::gRebuildingControls = false; }});
     });
 }
 
@@ -168,13 +156,10 @@ void frmMain::frmMain_ControlInit() {
         setWindowTitle(ui::text(1205));
         captionMenus();
         tvNavigation->setAccessibleName(ui::text(1205));
-        const auto heading = [this](const char* label, const QString& caption) {
-            centralWidget()->findChild<QLabel*>(label)->setText(caption);
-        };
-        heading("lblAllRecipients", ui::text(1104));
-        heading("lblRecipientName", ui::text(1103));
         paneMonitoredEvents_->controlInit();
         paneEventDetails_->controlInit();
+        paneRecipients_->controlInit();
+        paneRecipientDetails_->controlInit();
         paneReport_->controlInit();
         paneExclusions_->controlInit();
         paneExclusionDetails_->controlInit();
@@ -204,6 +189,7 @@ void frmMain::SizeControls(int& splitterX) {
                          treeHeight);
         for (QWidget* viewport : vsviewportDetails_)
             viewport->setGeometry(pane);
+        paneRecipients_->resizeAllRecipientsGrid();
         // The hit area is wider than the gap; it lies over the panes' empty margin.
         imgSplitter_->raise();
     });

@@ -28,6 +28,8 @@ class paneEventDetails;
 class paneExclusionDetails;
 class paneExclusions;
 class paneMonitoredEvents;
+class paneRecipientDetails;
+class paneRecipients;
 class paneReport;
 
 namespace platform {
@@ -74,6 +76,7 @@ class frmMain : public QMainWindow {
     void createMenus();
     void createPanes();
     void connectTree();
+    void connectRecipientPanes();
     void Form_Load();
     void Form_Unload();
 
@@ -118,6 +121,11 @@ class frmMain : public QMainWindow {
     void mnuViewCurrentLogFile_Click();
     void mnuPopupAddEvent_Click();
     void mnuPopupDeleteEvent_Click();
+    void mnuFileNewRecipient_Click();
+    void mnuPopupDeleteRecipient_Click();
+    void showRecipientsRoot();
+    // Tree key of the node of a recipient who was just created; empty when there is none.
+    std::string findNewRecipient(long recipientKey) const;
     void mnuPopupExclusion_Create_Click();
     void mnuPopupExclusion_Delete_Click();
     void mnuOptions_Click();
@@ -135,6 +143,8 @@ class frmMain : public QMainWindow {
     std::vector<QWidget*> vsviewportDetails_;
     paneMonitoredEvents* paneMonitoredEvents_;
     paneEventDetails* paneEventDetails_;
+    paneRecipients* paneRecipients_;
+    paneRecipientDetails* paneRecipientDetails_;
     paneReport* paneReport_;
     paneExclusions* paneExclusions_;
     paneExclusionDetails* paneExclusionDetails_;

@@ -136,6 +136,8 @@ void frmMain::createMenus() {
     addEntry(*menus_.at("mnuPopup"), dummyEntry);
     const std::pair<const char*, void (frmMain::*)()> handlers[] = {
         {"mnuFileNewEvent", &frmMain::mnuFileNewEvent_Click},
+        {"mnuFileNewRecipient", &frmMain::mnuFileNewRecipient_Click},
+        {"mnuCreateRecipient1", &frmMain::mnuFileNewRecipient_Click},
         {"mnuFileNewExclusion", &frmMain::mnuPopupExclusion_Create_Click},
         {"mnuFileDelete", &frmMain::mnuFileDelete_Click},
         {"mnuOptions", &frmMain::mnuOptions_Click},
@@ -147,6 +149,8 @@ void frmMain::createMenus() {
         {"mnuHelpAbout", &frmMain::mnuHelpAbout_Click},
         {"mnuPopupAddEvent", &frmMain::mnuPopupAddEvent_Click},
         {"mnuPopupDeleteEvent", &frmMain::mnuPopupDeleteEvent_Click},
+        {"mnuPopupNewRecipient", &frmMain::mnuFileNewRecipient_Click},
+        {"mnuPopupDeleteRecipient", &frmMain::mnuPopupDeleteRecipient_Click},
         {"mnuPopupExclusion_Create", &frmMain::mnuPopupExclusion_Create_Click},
         {"mnuPopupExclusion_Delete", &frmMain::mnuPopupExclusion_Delete_Click},
     };

@@ -1,6 +1,7 @@
 // The shell's navigation tree: building it, choosing a node in it, and its hover tip.
 
 #include <QMenu>
+#include <set>
 
 #include "core/modLocalize.h"
 #include "core/procedure.h"
@@ -13,6 +14,8 @@
 #include "ui/paneExclusionDetails.h"
 #include "ui/paneExclusions.h"
 #include "ui/paneMonitoredEvents.h"
+#include "ui/paneRecipientDetails.h"
+#include "ui/paneRecipients.h"
 #include "ui/paneReports.h"
 #include "ui/rowText.h"
 #include "ui/saveQuestion.h"
@@ -127,12 +130,13 @@ void frmMain::initEvents(const std::string& root, std::optional<long> eventKey) 
 void frmMain::initRecipients(const std::string& root, std::optional<long> recipientKey) {
     core::procedure(module, "initRecipients", [&](core::Frame& frame) {
         Recordset recipients = mdlDatabase::getRecipients();
+        const std::set<long> unresolved = mdlDatabase::recipientsWithInvalidDevices();
         addChildren(frame, {root, "RecipientKey:", nodeTypeCategoryRecipients, recipientKey}, recipients,
                     [&] {
                         const long key = recipients.number("RecipientKey");
                         ui::KeyedTree::NewNode node;
                         node.text = textOrEmpty(recipients, "RecipientName");
-                        node.icon = stateIcon(mdlDatabase::getRecipientState(key));
+                        node.icon = stateIcon(mdlDatabase::stateOfRecipient(recipients, unresolved));
                         node.info = {false, nodeTypeRecipient, "", key};
                         return node;
                     });
@@ -271,9 +275,11 @@ void frmMain::displayPane(const classNodeInfo& info) {
             break;
         case nodeTypeCategoryRecipients:
             showViewPort(2);
+            paneRecipients_->displayAllRecipients();
             break;
         case nodeTypeRecipient:
             showViewPort(3);
+            paneRecipientDetails_->displayRecipient(info.key);
             break;
         case nodeTypeCategoryReports:
             showViewPort(4);

@@ -175,6 +175,10 @@ TEST_F(Analysis, RecipientStateIsUnresolvedBeforeInactive) {
     const std::pair<long, long> table[] = {{1, 0}, {2, 2}, {3, 1}, {4, 1}};
     for (const auto& [key, state] : table)
         EXPECT_EQ(getRecipientState(key), state) << key;
+    const std::set<long> unresolved = recipientsWithInvalidDevices();
+    for (platform::Recordset rows = getRecipients(); !rows.EOF_(); rows.moveNext())
+        EXPECT_EQ(stateOfRecipient(rows, unresolved), getRecipientState(rows.number("RecipientKey")))
+            << "all at once as one by one";
     EXPECT_EQ(failures(), 0);
     EXPECT_EQ(getRecipientState(99), 2);
     EXPECT_EQ(

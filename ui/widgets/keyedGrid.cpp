@@ -56,6 +56,23 @@ class CheckBoxDelegate : public QStyledItemDelegate {
     }
 };
 
+// Draws a cell's picture in the cell's middle, for the same reason.
+class PictureDelegate : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyleOptionViewItem cell = option;
+        initStyleOption(&cell, index);
+        const QIcon picture = std::exchange(cell.icon, QIcon());
+        cell.features &= ~QStyleOptionViewItem::HasDecoration;
+        option.widget->style()->drawControl(QStyle::CE_ItemViewItem, &cell, painter, option.widget);
+        picture.paint(painter, QStyle::alignedRect(option.direction, Qt::AlignCenter, cell.decorationSize,
+                                                   option.rect));
+    }
+};
+
 // For names that begin alike: their ends tell them apart.
 class MiddleElidingDelegate : public QStyledItemDelegate {
   public:
@@ -67,6 +84,14 @@ class MiddleElidingDelegate : public QStyledItemDelegate {
         option->textElideMode = Qt::ElideMiddle;
     }
 };
+
+// Who cannot see the picture is told what it stands for.
+void showPicture(QTableWidgetItem& item, const KeyedGrid::Column& column, bool shown) {
+    if (!shown)
+        return;
+    item.setIcon(column.picture);
+    item.setData(Qt::AccessibleTextRole, fromUtf8(column.header));
+}
 
 }  // namespace
 
@@ -90,6 +115,8 @@ KeyedGrid::KeyedGrid(QWidget* parent) : QTableWidget(parent) {
 QAbstractItemDelegate* KeyedGrid::delegateFor(const Column& column) {
     if (column.checkBox)
         return new CheckBoxDelegate(this);
+    if (!column.picture.isNull())
+        return new PictureDelegate(this);
     return column.alikeBeginnings ? new MiddleElidingDelegate(this) : nullptr;
 }
 
@@ -125,6 +152,8 @@ void KeyedGrid::addRow(const std::vector<Cell>& cells) {
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
         if (columns_[i].checkBox)
             item->setCheckState(value.toBool() ? Qt::Checked : Qt::Unchecked);
+        else if (!columns_[i].picture.isNull())
+            showPicture(*item, columns_[i], value.toBool());
         else
             item->setText(fromUtf8(cells[i].text));
         // A cell is one line high: line breaks of a long note show as blanks, the tip has the whole text.
@@ -151,6 +180,9 @@ void KeyedGrid::fitColumns() {
 
 void KeyedGrid::stretchColumn(std::string_view column, int extra) {
     const int wide = columnIndex(column);
+    // The last column would take what this one is to get.
+    horizontalHeader()->setStretchLastSection(false);
+    shareWidth();
     int others = 0;
     for (int i = 0; i < columnCount(); ++i)
         others += i == wide ? 0 : columnWidth(i);

@@ -2,6 +2,7 @@
 // header sorts the rows; until then they keep the order in which they were added.
 #pragma once
 
+#include <QIcon>
 #include <QTableWidget>
 #include <string>
 #include <string_view>
@@ -22,6 +23,7 @@ class KeyedGrid : public QTableWidget {
         bool checkBox = false;
         bool centred = true;
         bool alikeBeginnings = false;  // a text that does not fit is cut in its middle
+        QIcon picture = {};            // shown instead of a text where the value is true
     };
     // Drops all rows and sets the columns.
     void reset(const std::vector<Column>& columns);

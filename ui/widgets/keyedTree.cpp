@@ -235,7 +235,9 @@ void KeyedTree::keyPressEvent(QKeyEvent* event) {
     }
     tellOfCheck();
     const std::string after = selectedKey();
-    if (!after.empty() && after != before)
+    const bool enters =
+        event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space;
+    if (!after.empty() && (enterOnly_ ? enters : after != before))
         emit nodeClicked(after);
 }
 
@@ -248,7 +250,8 @@ void KeyedTree::focusInEvent(QFocusEvent* event) {
     if (nothingSelected && byKeyboard && count() > 0) {
         const std::string first = keyAt(1);
         select(first);
-        emit nodeClicked(first);
+        if (!enterOnly_)
+            emit nodeClicked(first);
     }
 }
 

@@ -19,6 +19,9 @@ class KeyedTree : public QTreeWidget {
   public:
     explicit KeyedTree(QWidget* parent = nullptr);
 
+    // For a tree whose clicks lead elsewhere: keys only move the selection, Enter and the space bar choose.
+    void chooseByEnterOnly() { enterOnly_ = true; }
+
     struct NewNode {
         std::string parent;  // key of the parent; empty for a root
         std::string key;
@@ -113,6 +116,7 @@ class KeyedTree : public QTreeWidget {
     std::string checkedKey_;  // whose box was switched by the present event
     int fills_ = 0;
     bool inEvent_ = false;
+    bool enterOnly_ = false;
     bool settingState_ = false;  // the change is ours, not a person's
 };
 
