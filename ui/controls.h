@@ -5,6 +5,7 @@
 #include <QWidget>
 #include <initializer_list>
 #include <limits>
+#include <memory>
 #include <string>
 
 class QComboBox;
@@ -26,7 +27,7 @@ Control* makeControl(QWidget* parent, const std::string& name) {
 template <class Dialog>
 Dialog& sharedDialog(QWidget& window) {
     auto* dialog = window.findChild<Dialog*>(QString(), Qt::FindDirectChildrenOnly);
-    return dialog ? *dialog : *new Dialog(&window);
+    return dialog ? *dialog : *std::make_unique<Dialog>(&window).release();
 }
 
 // Refills a list with string-table texts and keeps its selected row.

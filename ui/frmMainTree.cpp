@@ -226,15 +226,13 @@ void frmMain::tvNavigation_NodeClick(const std::string& nodeKey) {
     core::procedure(module, "tvNavigation_NodeClick", [&](core::Frame& frame) {
         if (!tvNavigation->contains(nodeKey))
             return;
-        // Copies: a save rebuilds the tree.
-        const std::string key = nodeKey;
-        const classNodeInfo info = tvNavigation->info(key);
+        const classNodeInfo info = tvNavigation->info(nodeKey);  // a copy: a save rebuilds the tree
         checkMenus(info.nodeType);
         for (const ChangedPane& changed : editingPanes_)
-            if (!settleChanges(frame, changed, key))
+            if (!settleChanges(frame, changed, nodeKey))
                 return;
         frame.step([&] { displayPane(info); });
-        previousNode_ = {key, info};
+        previousNode_ = {nodeKey, info};
     });
 }
 

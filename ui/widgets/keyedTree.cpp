@@ -137,6 +137,7 @@ std::string KeyedTree::parentKey(std::string_view key) const {
 std::vector<std::string> KeyedTree::childKeys(std::string_view key) const {
     const QTreeWidgetItem& item = key.empty() ? *invisibleRootItem() : get(key);
     std::vector<std::string> keys;
+    keys.reserve(static_cast<std::size_t>(item.childCount()));
     for (int i = 0; i < item.childCount(); ++i)
         keys.push_back(keyOf(item.child(i)));
     return keys;

@@ -31,6 +31,7 @@ std::string TextList::textAt(int row) const {
 
 std::vector<std::string> TextList::texts() const {
     std::vector<std::string> result;
+    result.reserve(static_cast<std::size_t>(count()));
     for (int i = 0; i < count(); ++i)
         result.push_back(textAt(i));
     return result;
