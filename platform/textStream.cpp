@@ -27,12 +27,21 @@ void TextStream::write(std::string_view text) {
         throw makeFailure(objectRequired);
     if (!isValidUtf8(text))
         throw makeFailure(invalidProcedureCall);
+    // What a full disk cut off ends as a line of its own, so that the next line is whole.
+    if (torn_)
+        writeAll("\n");
+    writeAll(text);
+}
+
+void TextStream::writeAll(std::string_view text) {
     while (!text.empty()) {
         const ssize_t written = ::write(file_.get(), text.data(), text.size());
-        if (written >= 0)
-            text.remove_prefix(static_cast<std::size_t>(written));
-        else if (errno != EINTR)
+        if (written < 0 && errno != EINTR)
             throw failureFromErrno(errno, "");
+        if (written <= 0)
+            continue;
+        text.remove_prefix(static_cast<std::size_t>(written));
+        torn_ = !text.empty();
     }
 }
 

@@ -20,7 +20,10 @@ class TextStream {
     void write(std::string_view text);
 
   private:
+    void writeAll(std::string_view text);
+
     Descriptor file_;
+    bool torn_ = false;  // the last write ended in the middle of its text
 };
 
 // True when the text is well-formed UTF-8.

@@ -56,11 +56,11 @@ void WindowScript::look() {
     QWidget* popup = QApplication::activePopupWidget();
     const bool isPopup = popup && !expected_.empty() && expected_.front().popup;
     QWidget* window = isPopup ? popup : QApplication::activeModalWidget();
-    if (!window) {
-        served_.clear();
+    forgetClosed();
+    if (!window)
         return;
-    }
-    if (window == served_) {
+    // Also one that lay under another window which has closed by now: its action still runs.
+    if (served_.contains(window)) {
         if (++patience_ == patienceLimit) {
             report_("a window stayed open: " + window->windowTitle());
             window->close();
@@ -68,7 +68,7 @@ void WindowScript::look() {
         return;
     }
     patience_ = 0;
-    served_ = window;
+    served_.append(window);
     // In a timer of its own: an action may open further windows and return only after they are closed.
     QTimer::singleShot(0, this, [this, guarded = QPointer(window), isPopup] {
         if (guarded)
@@ -88,11 +88,14 @@ void WindowScript::run(QWidget* window, bool popup) {
     }
     const Action action = expected_.front().action;
     expected_.pop_front();
-    const QPointer<QWidget> guarded = window;
     action(*window);
-    // A window that closed and comes again, as a shared dialog does, is to be served anew.
-    if (served_ == window && (!guarded || !guarded->isVisible()))
-        served_.clear();
+    forgetClosed();
+    patience_ = 0;
+}
+
+// A window that closed and comes again, as a shared dialog does, is to be served anew.
+void WindowScript::forgetClosed() {
+    served_.removeIf([](const QPointer<QWidget>& window) { return !window || !window->isVisible(); });
 }
 
 }  // namespace support

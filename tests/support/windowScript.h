@@ -40,7 +40,9 @@ class WindowScript : public QObject {
 
     Report report_;
     std::deque<Expected> expected_;
-    QPointer<QWidget> served_;
+    void forgetClosed();
+
+    QList<QPointer<QWidget>> served_;  // that are still open
     int patience_ = 0;
     QTimer timer_;
 };

@@ -34,6 +34,11 @@ void takePicture(const QString& name) {
             front ? visible.append(window) : visible.prepend(window);
             area |= window->geometry();
         }
+    // Of several dialogs the one that has the input lies on top.
+    if (QWidget* top = QApplication::activeModalWidget(); top && visible.removeOne(top))
+        visible.append(top);
+    if (QWidget* popup = QApplication::activePopupWidget(); popup && visible.removeOne(popup))
+        visible.append(popup);
     insist(!visible.isEmpty(), "nothing on the screen at the stop " + name);
     QImage picture(area.size(), QImage::Format_RGB32);
     picture.fill(QColor(90, 100, 112));

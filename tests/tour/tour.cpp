@@ -177,6 +177,31 @@ void playEventRoad(frmMain& window, support::WindowScript& script) {
     tour::takePicture("event-active");
 }
 
+// The list of recipients, one of them, and the dialog for a new one with a search of the directory.
+void playRecipients(frmMain& window, support::WindowScript& script) {
+    ui::KeyedTree& tree = *window.tvNavigation;
+    clickNode(tree, "keyRecipients");
+    tour::takePicture("recipients");
+    script.expect("dlgRecipient", [&](QWidget& dialog) {
+        tour::type(control<QLineEdit>(dialog, "txtRecipientName"), "Day shift");
+        script.expect("dlgSelect", [](QWidget& search) {
+            QTest::mouseClick(&control<QPushButton>(search, "cmdSearch"), Qt::LeftButton);
+            tour::takePicture("directory-search");
+            QTest::mouseClick(&control<QPushButton>(search, "cmdCancel"), Qt::LeftButton);
+        });
+        auto& subscriber = control<QRadioButton>(dialog, "optionVoiceMailType_0");
+        QTest::mouseClick(&subscriber, Qt::LeftButton, {}, QPoint(8, subscriber.height() / 2));
+        QTest::mouseClick(&control<QPushButton>(dialog, "cmdSelectVoiceMail"), Qt::LeftButton);
+        tour::takePicture("new-recipient");
+        QTest::mouseClick(&control<QPushButton>(dialog, "cmdCancel"), Qt::LeftButton);
+    });
+    QTest::mouseClick(&control<QPushButton>(window, "cmdCreateNewRecipient"), Qt::LeftButton);
+    const std::string recipient = tree.keyAt(tree.count());
+    insist(tree.info(recipient).nodeType == nodeTypeRecipient, "no recipient stands last");
+    clickNode(tree, recipient);
+    tour::takePicture("recipient");
+}
+
 // A source that the catch-all event shall leave alone, and a look at the options.
 void playExclusionsAndOptions(frmMain& window, support::WindowScript& script) {
     ui::KeyedTree& tree = *window.tvNavigation;
@@ -262,6 +287,7 @@ void play(support::WindowScript& script) {
     tour::takePicture("deleted");
 
     playEventRoad(window, script);
+    playRecipients(window, script);
     playExclusionsAndOptions(window, script);
     clickNode(tree, window.findNode(nodeTypeEvent, std::stol(added.substr(added.find('-') + 1))));
     tour::takePicture("event");
