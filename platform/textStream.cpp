@@ -20,6 +20,7 @@ void TextStream::open(const std::filesystem::path& path) {
 
 void TextStream::close() noexcept {
     file_ = Descriptor();
+    torn_ = false;
 }
 
 void TextStream::write(std::string_view text) {
