@@ -101,8 +101,8 @@ long addNewEvent(const NewEvent& event) {
                          [&] { events.set("EventTitle", event.eventTitle); },
                          [&] { events.set("EventType", std::int64_t{event.eventType}); },
                          [&] { events.set("EventActive", boolean(false)); }});
-        // An event without its id, say of one beyond 32 bits, could neither be seen nor deleted again; and the
-        // highest key is this event's only if this event was written.
+        // An event without its id, say of one beyond 32 bits, could neither be seen nor deleted again; and
+        // the highest key is this event's only if this event was written.
         const bool written = filled && frame.step([&] { events.update(); });
         frame.step([&] { events.close(); });
         if (!written)
@@ -133,13 +133,14 @@ void modifyEvent(const ModifiedEvent& event) {
         frame.steps(
             {[&] { row = openForEditing(eventQuery("*", event.eventKey)); }, [&] { found = !row.EOF_(); }});
         if (found)
-            frame.steps({[&] { row.set("EventSource", event.eventSource); },
-                         [&] { row.set("EventId", event.eventId); },
-                         [&] { row.set("EventActive", boolean(event.eventActive)); },
-                         [&] { row.set("EventTitle", event.eventTitle); },
-                         [&] { row.set("EventType", std::int64_t{event.eventType}); },
-                         // Every save starts the event's notification timing anew, changed or not; it stays so.
-                         [&] { row.set("EventLastNotification", Null{}); }, [&] { row.update(); }});
+            frame.steps(
+                {[&] { row.set("EventSource", event.eventSource); },
+                 [&] { row.set("EventId", event.eventId); },
+                 [&] { row.set("EventActive", boolean(event.eventActive)); },
+                 [&] { row.set("EventTitle", event.eventTitle); },
+                 [&] { row.set("EventType", std::int64_t{event.eventType}); },
+                 // Every save starts the event's notification timing anew, changed or not; it stays so.
+                 [&] { row.set("EventLastNotification", Null{}); }, [&] { row.update(); }});
         frame.step([&] { row.close(); });
         // Contents are written even when the event's own row is gone; it stays so.
         writeContent(frame, event.eventKey, voiceContent, event.content);

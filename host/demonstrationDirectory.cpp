@@ -69,8 +69,8 @@ void fillDemonstrationDirectory(DirectoryWriter& writer, unsigned subscribers, u
     constexpr unsigned firstExtension = 2001;
     constexpr unsigned firstListExtension = 9001;
     // Coprime steps walk through all pairs of names without a visible order.
-    constexpr unsigned firstStep = 29;
-    constexpr unsigned lastStep = 17;
+    constexpr std::size_t firstStep = 29;
+    constexpr std::size_t lastStep = 17;
     std::set<std::string> taken;
     for (unsigned i = 0; i < subscribers; ++i) {
         const std::string_view first =

@@ -11,7 +11,7 @@ namespace qlnhost {
 namespace {
 
 // Short names of the one root are understood, and a path without a root is below it.
-std::string fullPath(std::string path) {
+std::string fullPath(const std::string& path) {
     constexpr std::string_view root = "HKEY_LOCAL_MACHINE";
     for (const std::string_view prefix : {std::string_view("HKLM"), root}) {
         if (path == prefix)

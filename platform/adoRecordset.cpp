@@ -236,7 +236,7 @@ bool Recordset::Impl::seek(const Criterion& criterion) {
     soughtValues.resize(fields.size());
     for (std::size_t i = 0; i < fields.size(); ++i)
         query.column(static_cast<int>(i), soughtValues[i]);
-    sought.emplace();
+    sought = Row{};
     sought->values = soughtValues.data();
     sought->id = id;
     unplaced = false;

@@ -146,6 +146,7 @@ void Statement::bind(int parameter, const Value& value) {
 std::vector<std::string> Statement::fieldNames() const {
     std::vector<std::string> names;
     const int count = sqlite3_column_count(statement_.get());
+    names.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
         names.emplace_back(sqlite3_column_name(statement_.get(), i));
     return names;

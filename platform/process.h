@@ -22,7 +22,8 @@ void startProcess(const std::string& commandLine, const StartOptions& options);
 
 enum class ProgramWindow { normal, maximized };
 
-// The same for a program with a window. `window` is a wish that a program of the host finds in its environment.
+// The same for a program with a window. `window` is a wish that a program of the host finds in its
+// environment.
 void startDetached(const std::string& commandLine, ProgramWindow window = ProgramWindow::normal);
 // True when this program was started with the wish for a maximized window.
 bool startedMaximized();

@@ -60,7 +60,7 @@ void addFromRegistry(core::Frame& frame, SourceNames& sources, const std::string
     frame.step([&] { names = RegistryAPI::enumRegistryKeys(RegistryAPI::HKEY_LOCAL_MACHINE, path); });
     for (const std::string& name : names) {
         bool listed = false;
-        frame.step([&] { listed = hasMessageFile(path + "\\" + name); });
+        frame.step([&] { listed = hasMessageFile(std::string(path).append("\\").append(name)); });
         if (!listed || (corvaneOnly && lowered(name).find(corvanePrefix) == std::string::npos))
             continue;
         frame.step([&] { sources.add(lowerCase ? lowered(name) : name); });

@@ -112,8 +112,8 @@ QColor readableGrey(const QColor& grey, const QColor& text, const QColor& backgr
 
 void applyAppearance() {
     initResources();
-    QApplication::setStyle(new ConsoleStyle);
-    QPalette palette = QApplication::palette();
+    QApplication::setStyle(new ConsoleStyle);    // which the application owns; the analyzer cannot see that
+    QPalette palette = QApplication::palette();  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
     // Inactive events are told in grey, so grey is text to be read here and not decoration.
     palette.setColor(QPalette::Disabled, QPalette::Text,
                      readableGrey(palette.color(QPalette::Disabled, QPalette::Text),

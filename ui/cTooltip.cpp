@@ -45,7 +45,7 @@ bool cTooltip::Create(QWidget* owner) {
         tip_->setLineWidth(1);
         tip_->setAttribute(Qt::WA_ShowWithoutActivating);
         // The owner would delete its child window before this object is done with it.
-        connect(owner, &QObject::destroyed, this, [this] { tip_.release(); });
+        connect(owner, &QObject::destroyed, this, [this] { static_cast<void>(tip_.release()); });
         for (int side = 0; side < 4; ++side)
             setMargin(side, margins_[static_cast<std::size_t>(side)]);
     }

@@ -4,8 +4,8 @@
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QMimeData>
-#include <QTextDocument>
 #include <QScrollBar>
+#include <QTextDocument>
 
 #include "ui/text.h"
 #include "ui/widgets/tokenColors.h"
