@@ -6,6 +6,7 @@
 #include <QSignalBlocker>
 
 #include "database/settings.h"
+#include "platform/failure.h"
 #include "ui/text.h"
 
 namespace ui {
@@ -79,6 +80,12 @@ int priorityRow(const std::string& storedPriority) {
     bool isNumber = false;
     const int stored = fromUtf8(storedPriority).toInt(&isNumber);
     return static_cast<int>(mdlDatabase::mapPriority(isNumber ? stored : 2));
+}
+
+void showPriority(QComboBox& list, int row) {
+    list.setCurrentIndex(row < list.count() ? row : -1);
+    if (row >= list.count())
+        throw platform::makeFailure(platform::invalidProcedureCall, toUtf8(list.objectName()));
 }
 
 }  // namespace ui

@@ -226,11 +226,13 @@ void dlgEvent::displayForm() {
         cancelled = true;
         frame.step([&] { fillContent(); });
         frame.steps({[&] {
-                         comboVoiceMailPriority->setCurrentIndex(ui::priorityRow(
-                             mdlDatabase::getConfigurationSetting("DefaultVoiceMailPriority")));
+                         ui::showPriority(*comboVoiceMailPriority,
+                                          ui::priorityRow(mdlDatabase::getConfigurationSetting(
+                                              "DefaultVoiceMailPriority")));
                      },
                      [&] {
-                         comboEmailPriority->setCurrentIndex(
+                         ui::showPriority(
+                             *comboEmailPriority,
                              ui::priorityRow(mdlDatabase::getConfigurationSetting("DefaultEmailPriority")));
                      }});
         comboEventSource->setFocus();

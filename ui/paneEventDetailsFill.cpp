@@ -27,16 +27,8 @@ namespace {
 
 constexpr char module[] = "frmMain";
 
-// The list has no row for a stored 0: nothing is selected then, so that a save keeps the 0, and the log
-// tells.
-void showPriority(QComboBox& list, int row) {
-    list.setCurrentIndex(row < list.count() ? row : -1);
-    if (row >= list.count())
-        throw platform::makeFailure(platform::invalidProcedureCall, ui::toUtf8(list.objectName()));
-}
-
 void showStoredPriority(QComboBox& list, const Recordset& contents) {
-    showPriority(list, static_cast<int>(mdlDatabase::mapPriority(contents.number("ContentPriority"))));
+    ui::showPriority(list, static_cast<int>(mdlDatabase::mapPriority(contents.number("ContentPriority"))));
 }
 
 // Nothing can be chosen, but what is shown stays as easy to read as before.
@@ -128,8 +120,8 @@ void paneEventDetails::fillDefaultContent(core::Frame& frame) {
     using mdlDatabase::getConfigurationSetting;
     frame.steps({[&] { txtVoiceMailFileName->setText(ui::fromUtf8(mdlDatabase::getDefaultContent(1).text)); },
                  [&] {
-                     showPriority(*comboVoiceMailPriority,
-                                  ui::priorityRow(getConfigurationSetting("DefaultVoiceMailPriority")));
+                     ui::showPriority(*comboVoiceMailPriority,
+                                      ui::priorityRow(getConfigurationSetting("DefaultVoiceMailPriority")));
                  },
                  [&] {
                      const auto parts = mdlDatabase::getDefaultContent(3).parts;
@@ -137,8 +129,8 @@ void paneEventDetails::fillDefaultContent(core::Frame& frame) {
                      rtbEmailBody->setStoredText(parts.at("Body"));
                  },
                  [&] {
-                     showPriority(*comboEmailPriority,
-                                  ui::priorityRow(getConfigurationSetting("DefaultEmailPriority")));
+                     ui::showPriority(*comboEmailPriority,
+                                      ui::priorityRow(getConfigurationSetting("DefaultEmailPriority")));
                  }});
     colorContent();
 }

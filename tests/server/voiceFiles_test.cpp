@@ -113,7 +113,7 @@ TEST_F(VoiceFiles, AsksAgainForANameThatIsNoneOfAFile) {
     askClash("call.wav", BoxAnswer::no);
     std::string present = "call.wav";
     for (const std::string& name :
-         {std::string("../call.wav"), std::string(".."), std::string("."), std::string("/tmp/call.wav"),
+         {std::string("../call.wav"), std::string(".."), std::string("."), std::string("/elsewhere/call.wav"),
           std::string("a\\b.wav"), std::string("a\0.wav", 6), longest + ".wave"}) {
         askName(present, name);
         present = name;
