@@ -95,23 +95,30 @@ void Main(platform::WindowStation& station) {
             if (station.earlierInstance())
                 activatePrevInstance(station);
         });
-        frame.steps({[&] { gViewsSupported = false; }, [&] { gCorvaneVersion = mdlCorvane::getVersion(); },
-                     [&] { gCorvaneFourOrLater = gCorvaneVersion.major >= 4; }, [&] { checkEnvironment(); },
-                     [&] { checkSupportNotificationDevices(); }, [&] { modLocalize::InitalizeLanguages(); },
-                     [&] { gProductName = myLoadResString(1205); }, [&] { mdlUtility::removeKTNShortcuts(); },
-                     [&] { mdlDatabase::openDatabase(); }, [&] { mdlDatabase::upgradeDatabase(); }});
+        frame.step([&] { gViewsSupported = false; });
+        frame.step([&] { gCorvaneVersion = mdlCorvane::getVersion(); });
+        frame.step([&] { gCorvaneFourOrLater = gCorvaneVersion.major >= 4; });
+        frame.step([&] { checkEnvironment(); });
+        frame.step([&] { checkSupportNotificationDevices(); });
+        frame.step([&] { modLocalize::InitalizeLanguages(); });
+        frame.step([&] { gProductName = myLoadResString(1205); });
+        frame.step([&] { mdlUtility::removeKTNShortcuts(); });
+        frame.step([&] { mdlDatabase::openDatabase(); });
+        frame.step([&] { mdlDatabase::upgradeDatabase(); });
         bool installed = false;
         frame.step([&] { installed = mdlUtility::installQLNService(); });
         if (!installed)
             refuse(myLoadResString(1191), myLoadResString(1192));
-        frame.steps({[&] { mdlCorvaneDatabase::openCorvaneDB(gCorvaneDb); },
-                     [&] { gIgnoreEventKey = mdlDatabase::getIgnoreEventKey(); },
-                     [&] { gViewsSupported = mdlCorvaneDatabase::determineViewsSupport(gCorvaneDb); },
-                     [&] { mdlDatabase::rebuildAddressDetailsTable(); },
-                     [&] { mdlDatabase::makeInitialDatabaseChanges(); }, [&] { createMainWindow(); },
-                     [&] { gMainWindow->loadNavigationTree(); },
-                     [&] { gMainWindow->selectNode(gMainWindow->nodeAt(1)); },
-                     [&] { gMainWindow->tvNavigation->scrollFullyLeft(); }, [&] { gMainWindow->show(); }});
+        frame.step([&] { mdlCorvaneDatabase::openCorvaneDB(gCorvaneDb); });
+        frame.step([&] { gIgnoreEventKey = mdlDatabase::getIgnoreEventKey(); });
+        frame.step([&] { gViewsSupported = mdlCorvaneDatabase::determineViewsSupport(gCorvaneDb); });
+        frame.step([&] { mdlDatabase::rebuildAddressDetailsTable(); });
+        frame.step([&] { mdlDatabase::makeInitialDatabaseChanges(); });
+        frame.step([&] { createMainWindow(); });
+        frame.step([&] { gMainWindow->loadNavigationTree(); });
+        frame.step([&] { gMainWindow->selectNode(gMainWindow->nodeAt(1)); });
+        frame.step([&] { gMainWindow->tvNavigation->scrollFullyLeft(); });
+        frame.step([&] { gMainWindow->show(); });
         bool running = false;
         frame.step([&] { running = mdlUtility::isServiceRunning(serviceKeyName); });
         if (!running)
@@ -162,9 +169,9 @@ void activatePrevInstance(platform::WindowStation& station) {
                 frame.step([&] { window = platform::findWindow(station, className, title); });
         if (window == 0)
             return;
-        frame.steps({[&] { window = platform::windowBefore(station, window); },
-                     [&] { platform::openIcon(station, window); },
-                     [&] { platform::setForegroundWindow(station, window); }});
+        frame.step([&] { window = platform::windowBefore(station, window); });
+        frame.step([&] { platform::openIcon(station, window); });
+        frame.step([&] { platform::setForegroundWindow(station, window); });
         platform::program::end(0);
     });
 }

@@ -43,7 +43,7 @@ bool Frame::fail(const platform::Failure& failure, unsigned line) {
     return gLog().DebugMode();
 }
 
-bool Frame::step(Step action) {
+bool Frame::run(const Step& action) {
     for (;;) {
         try {
             action();
@@ -61,7 +61,7 @@ bool Frame::step(Step action) {
 bool Frame::steps(std::initializer_list<Step> actions) {
     bool allRan = true;
     for (const Step& action : actions)
-        allRan = step(action) && allRan;
+        allRan = run(action) && allRan;
     return allRan;
 }
 

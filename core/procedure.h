@@ -3,6 +3,7 @@
 // the call. A failure never crosses a frame.
 #pragma once
 
+#include <concepts>
 #include <exception>
 #include <functional>
 #include <initializer_list>
@@ -19,12 +20,12 @@
 namespace core {
 
 // One statement of a body that can fail on its own, with the line it stands on. It refers to the callable
-// and must not outlive it.
+// and must not outlive it. It is made by its name, because the compiler gives the elements of a braced list
+// that are converted silently the line of the list.
 class Step {
   public:
-    template <class Action>
-    requires(!std::is_same_v<std::remove_cvref_t<Action>, Step>)
-        Step(Action&& action, std::source_location where = std::source_location::current())
+    template <std::invocable Action>
+    explicit Step(Action&& action, std::source_location where = std::source_location::current())
         : object_(const_cast<void*>(static_cast<const void*>(std::addressof(action)))),
           call_([](void* object) { (*static_cast<std::remove_reference_t<Action>*>(object))(); }),
           line_(where.line()) {}
@@ -49,8 +50,11 @@ class Frame {
 
     // Runs one step. A failure is counted and logged, or handled by a case of its own; then the caller's
     // next statement runs. Returns false when the step failed.
-    bool step(Step action);
-    // Runs several steps in a row; returns false when one of them failed.
+    template <std::invocable Action>
+    bool step(Action&& action, std::source_location where = std::source_location::current()) {
+        return run(Step(action, where));
+    }
+    // Runs several steps in a row, also after a failed one; returns false when one of them failed.
     bool steps(std::initializer_list<Step> actions);
     // States what this procedure does on a failure of that number instead of the log line.
     void on(long number, std::function<void(const platform::Failure&)> action);
@@ -62,6 +66,7 @@ class Frame {
     struct Abandoned {};  // thrown at the eleventh failure, caught by procedure()
 
     void enter() const;
+    bool run(const Step& action);
     void exit() const;
     // Counts and answers a failure; true when the failing statement shall run again.
     bool fail(const platform::Failure& failure, unsigned line);

@@ -93,20 +93,23 @@ void rebuildRow(Frame& frame, Recordset& devices, Recordset& details, Directory&
     std::string address;
     long type = 0;
     Details shown;
-    frame.steps({[&] { address = devices.text("DeviceAddress"); },
-                 [&] { type = devices.number("DeviceType"); },
-                 [&] { shown = detailsOf(directory, type, address); },
-                 [&] {
-                     if (!shown.cutOff)
-                         return;
-                     devices.set("DeviceActive", boolean(false));
-                     devices.update();
-                 },
-                 [&] { details.addNew(); }, [&] { details.set("DeviceAddress", address); },
-                 [&] { details.set("DisplayName", shown.displayName); },
-                 [&] { details.set("AddressType", std::int64_t{shown.addressType}); },
-                 [&] { details.set("DeviceKey", devices.value("DeviceKey")); }, [&] { details.update(); },
-                 [&] { rewind(directory.subscribers); }, [&] { rewind(directory.distributionLists); }});
+    frame.step([&] { address = devices.text("DeviceAddress"); });
+    frame.step([&] { type = devices.number("DeviceType"); });
+    frame.step([&] { shown = detailsOf(directory, type, address); });
+    frame.step([&] {
+        if (!shown.cutOff)
+            return;
+        devices.set("DeviceActive", boolean(false));
+        devices.update();
+    });
+    frame.step([&] { details.addNew(); });
+    frame.step([&] { details.set("DeviceAddress", address); });
+    frame.step([&] { details.set("DisplayName", shown.displayName); });
+    frame.step([&] { details.set("AddressType", std::int64_t{shown.addressType}); });
+    frame.step([&] { details.set("DeviceKey", devices.value("DeviceKey")); });
+    frame.step([&] { details.update(); });
+    frame.step([&] { rewind(directory.subscribers); });
+    frame.step([&] { rewind(directory.distributionLists); });
 }
 
 }  // namespace
@@ -119,17 +122,16 @@ void rebuildAddressDetailsTable() {
         Recordset details;
         Directory directory;
         const bool views = core::gViewsSupported;
-        frame.steps({[&] { devices = openForWriting("SELECT * FROM Device"); },
-                     [&] { platform::execute("DELETE FROM AddressDetails", core::gDatabase); },
-                     [&] { details = openForWriting("SELECT * FROM AddressDetails"); },
-                     [&] {
-                         directory.subscribers =
-                             openDirectoryList(views ? "vw_Subscriber_Global" : "GlobalSubscriber");
-                     },
-                     [&] {
-                         directory.distributionLists =
-                             openDirectoryList(views ? "vw_DistributionList" : "DistributionList");
-                     }});
+        frame.step([&] { devices = openForWriting("SELECT * FROM Device"); });
+        frame.step([&] { platform::execute("DELETE FROM AddressDetails", core::gDatabase); });
+        frame.step([&] { details = openForWriting("SELECT * FROM AddressDetails"); });
+        frame.step([&] {
+            directory.subscribers = openDirectoryList(views ? "vw_Subscriber_Global" : "GlobalSubscriber");
+        });
+        frame.step([&] {
+            directory.distributionLists =
+                openDirectoryList(views ? "vw_DistributionList" : "DistributionList");
+        });
         while (devices.state() == ObjectState::open && !devices.EOF_()) {
             rebuildRow(frame, devices, details, directory);
             frame.step([&] { devices.moveNext(); });

@@ -76,16 +76,19 @@ void addAssignment(Frame& frame, Recordset& rows, long eventKey, const std::stri
                          rightAligned(getDeviceLabel(type), typeNameWidth) +
                          ") Active: " + rightAligned(active ? "True" : "False", activeWidth) +
                          " to EventKey: " + std::to_string(eventKey));
-    frame.steps({[&] { rows.addNew(); }, [&] { rows.set("EventKey", std::int64_t{eventKey}); },
-                 [&] { rows.set("DeviceKey", std::int64_t{deviceKey}); },
-                 [&] { rows.set("Active", boolean(active)); }, [&] { rows.update(); }});
+    frame.step([&] { rows.addNew(); });
+    frame.step([&] { rows.set("EventKey", std::int64_t{eventKey}); });
+    frame.step([&] { rows.set("DeviceKey", std::int64_t{deviceKey}); });
+    frame.step([&] { rows.set("Active", boolean(active)); });
+    frame.step([&] { rows.update(); });
 }
 
 // Brings the present row in line with the selection, from which it takes the row's entry.
 void changeAssignment(Frame& frame, Recordset& rows, DeviceSelection& selection) {
     long deviceKey = 0;
     bool active = false;
-    frame.steps({[&] { deviceKey = rows.number("DeviceKey"); }, [&] { active = rows.boolean("Active"); }});
+    frame.step([&] { deviceKey = rows.number("DeviceKey"); });
+    frame.step([&] { active = rows.boolean("Active"); });
     const std::string key = selectionKey(deviceKey);
     const long type = getDeviceType(deviceKey);
     const bool selected = selection.contains(key);
@@ -163,18 +166,23 @@ bool removeRecipientFromEvent(long eventKey, long recipientKey) {
     return core::procedure(module, "removeRecipientFromEvent", false, [&](Frame& frame, bool& rowsLeft) {
         Recordset rows;
         bool any = false;
-        frame.steps({[&] { rows = openForBatch(assignmentQuery(eventKey)); }, [&] { any = !rows.EOF_(); }});
+        frame.step([&] { rows = openForBatch(assignmentQuery(eventKey)); });
+        frame.step([&] { any = !rows.EOF_(); });
         if (any) {
             Recordset links;
             frame.step([&] {
                 links = openForReading("SELECT * FROM DeviceRecipient WHERE RecipientKey = " +
                                        std::to_string(recipientKey));
             });
-            while (links.state() == ObjectState::open && !links.EOF_() && rows.recordCount() > 0)
-                frame.steps({[&] { removeDevice(rows, links); }, [&] { links.moveNext(); }});
-            frame.steps({[&] { rows.updateBatch(); }, [&] { links.close(); }});
+            while (links.state() == ObjectState::open && !links.EOF_() && rows.recordCount() > 0) {
+                frame.step([&] { removeDevice(rows, links); });
+                frame.step([&] { links.moveNext(); });
+            }
+            frame.step([&] { rows.updateBatch(); });
+            frame.step([&] { links.close(); });
         }
-        frame.steps({[&] { rowsLeft = rows.recordCount() >= 1; }, [&] { rows.close(); }});
+        frame.step([&] { rowsLeft = rows.recordCount() >= 1; });
+        frame.step([&] { rows.close(); });
     });
 }
 

@@ -22,9 +22,10 @@ std::string deviceQuery(std::string_view column, long deviceKey) {
 }  // namespace
 
 long createDevice(Frame& frame, Recordset& devices, const NewDevice& device, std::string_view logLine) {
-    frame.steps({[&] { devices.addNew(); }, [&] { devices.set("DeviceType", std::int64_t{device.type}); },
-                 [&] { devices.set("DeviceAddress", device.address); },
-                 [&] { devices.set("DeviceActive", boolean(true)); }});
+    frame.step([&] { devices.addNew(); });
+    frame.step([&] { devices.set("DeviceType", std::int64_t{device.type}); });
+    frame.step([&] { devices.set("DeviceAddress", device.address); });
+    frame.step([&] { devices.set("DeviceActive", boolean(true)); });
     if (!logLine.empty())
         core::gLog().log(logLine, core::logInfo, frame.tag());
     // The highest key is this device's only if this device was written.
@@ -39,10 +40,12 @@ long createDevice(Frame& frame, Recordset& devices, const NewDevice& device, std
 void linkDeviceRecipient(long deviceKey, long recipientKey) {
     core::procedure(module, "linkDeviceRecipient", [&](Frame& frame) {
         Recordset links;
-        frame.steps({[&] { links = openForWriting("SELECT * FROM DeviceRecipient"); },
-                     [&] { links.addNew(); }, [&] { links.set("DeviceKey", std::int64_t{deviceKey}); },
-                     [&] { links.set("RecipientKey", std::int64_t{recipientKey}); }, [&] { links.update(); },
-                     [&] { links.close(); }});
+        frame.step([&] { links = openForWriting("SELECT * FROM DeviceRecipient"); });
+        frame.step([&] { links.addNew(); });
+        frame.step([&] { links.set("DeviceKey", std::int64_t{deviceKey}); });
+        frame.step([&] { links.set("RecipientKey", std::int64_t{recipientKey}); });
+        frame.step([&] { links.update(); });
+        frame.step([&] { links.close(); });
     });
 }
 
@@ -50,36 +53,36 @@ void addToExistingEvents(long recipientKey, long deviceKey) {
     core::procedure(module, "addToExistingEvents", [&](Frame& frame) {
         Recordset events;
         Recordset assignments;
-        frame.steps(
-            {[&] {
-                 events = openForReading(
-                     "SELECT DISTINCT Recipients.RecipientKey, EventDevice.EventKey "
-                     "FROM (Recipients INNER JOIN DeviceRecipient ON Recipients.RecipientKey = "
-                     "DeviceRecipient.RecipientKey) INNER JOIN EventDevice ON DeviceRecipient.DeviceKey = "
-                     "EventDevice.DeviceKey "
-                     "WHERE Recipients.RecipientKey = " +
-                     std::to_string(recipientKey) + " AND EventDevice.DeviceKey <> " +
-                     std::to_string(deviceKey));
-             },
-             [&] { assignments = openForBatch("SELECT * FROM EventDevice"); }});
+        frame.step([&] {
+            events = openForReading(
+                "SELECT DISTINCT Recipients.RecipientKey, EventDevice.EventKey "
+                "FROM (Recipients INNER JOIN DeviceRecipient ON Recipients.RecipientKey = "
+                "DeviceRecipient.RecipientKey) INNER JOIN EventDevice ON DeviceRecipient.DeviceKey = "
+                "EventDevice.DeviceKey "
+                "WHERE Recipients.RecipientKey = " +
+                std::to_string(recipientKey) + " AND EventDevice.DeviceKey <> " + std::to_string(deviceKey));
+        });
+        frame.step([&] { assignments = openForBatch("SELECT * FROM EventDevice"); });
         while (events.state() == ObjectState::open && !events.EOF_()) {
-            frame.steps({[&] { assignments.addNew(); },
-                         [&] { assignments.set("EventKey", events.value("EventKey")); },
-                         [&] { assignments.set("DeviceKey", std::int64_t{deviceKey}); },
-                         [&] { assignments.set("Active", boolean(false)); }, [&] { assignments.update(); },
-                         [&] { events.moveNext(); }});
+            frame.step([&] { assignments.addNew(); });
+            frame.step([&] { assignments.set("EventKey", events.value("EventKey")); });
+            frame.step([&] { assignments.set("DeviceKey", std::int64_t{deviceKey}); });
+            frame.step([&] { assignments.set("Active", boolean(false)); });
+            frame.step([&] { assignments.update(); });
+            frame.step([&] { events.moveNext(); });
         }
-        frame.steps(
-            {[&] { assignments.updateBatch(); }, [&] { assignments.close(); }, [&] { events.close(); }});
+        frame.step([&] { assignments.updateBatch(); });
+        frame.step([&] { assignments.close(); });
+        frame.step([&] { events.close(); });
     });
 }
 
 void deleteDevice(long deviceKey) {
     core::procedure(module, "deleteDevice", [&](Frame& frame) {
         // Assignments first, so that the service cannot reach a device that is half gone.
-        frame.steps({[&] { deleteRows("EventDevice", "DeviceKey", deviceKey); },
-                     [&] { deleteRows("DeviceRecipient", "DeviceKey", deviceKey); },
-                     [&] { deleteRows("Device", "DeviceKey", deviceKey); }});
+        frame.step([&] { deleteRows("EventDevice", "DeviceKey", deviceKey); });
+        frame.step([&] { deleteRows("DeviceRecipient", "DeviceKey", deviceKey); });
+        frame.step([&] { deleteRows("Device", "DeviceKey", deviceKey); });
     });
 }
 
@@ -115,8 +118,9 @@ long countDevices(long deviceType, std::optional<long> recipientKey) {
                 query += "Where DeviceType = " + type;
         }
         Recordset row;
-        frame.steps({[&] { row = openForReading(query); }, [&] { count = row.number("DeviceCount"); },
-                     [&] { row.close(); }});
+        frame.step([&] { row = openForReading(query); });
+        frame.step([&] { count = row.number("DeviceCount"); });
+        frame.step([&] { row.close(); });
     });
 }
 
@@ -143,25 +147,25 @@ DeviceCounts countDevicesByRecipient() {
 bool isDeviceActive(long deviceKey) {
     return core::procedure(module, "isDeviceActive", false, [&](Frame& frame, bool& active) {
         Recordset row;
-        frame.steps({[&] { row = openForReading(deviceQuery("DeviceActive", deviceKey)); },
-                     [&] {
-                         if (row.EOF_())
-                             throw rowNotFound("Device", "DeviceKey", deviceKey, "isDeviceActive");
-                         active = row.boolean("DeviceActive");
-                     },
-                     [&] { row.close(); }});
+        frame.step([&] { row = openForReading(deviceQuery("DeviceActive", deviceKey)); });
+        frame.step([&] {
+            if (row.EOF_())
+                throw rowNotFound("Device", "DeviceKey", deviceKey, "isDeviceActive");
+            active = row.boolean("DeviceActive");
+        });
+        frame.step([&] { row.close(); });
     });
 }
 
 long getDeviceType(long deviceKey) {
     return core::procedure(module, "getDeviceType", -1L, [&](Frame& frame, long& type) {
         Recordset row;
-        frame.steps({[&] { row = openForReading(deviceQuery("DeviceType", deviceKey)); },
-                     [&] {
-                         if (!row.EOF_())
-                             type = row.number("DeviceType");
-                     },
-                     [&] { row.close(); }});
+        frame.step([&] { row = openForReading(deviceQuery("DeviceType", deviceKey)); });
+        frame.step([&] {
+            if (!row.EOF_())
+                type = row.number("DeviceType");
+        });
+        frame.step([&] { row.close(); });
     });
 }
 

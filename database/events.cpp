@@ -40,30 +40,30 @@ void setContentFields(Frame& frame, Recordset& row, ContentType type, const Even
     if (type == voiceContent)
         frame.step([&] { row.set("ContentAttachment", content.contentAttachment); });
     const long priority = type == voiceContent ? content.voicePriority : content.emailPriority;
-    frame.steps({[&] { row.set("ContentPriority", std::int64_t{priority}); },
-                 [&] { row.set("ContentSubject", content.contentSubject); },
-                 [&] { row.set("ContentNote", content.contentNote); }});
+    frame.step([&] { row.set("ContentPriority", std::int64_t{priority}); });
+    frame.step([&] { row.set("ContentSubject", content.contentSubject); });
+    frame.step([&] { row.set("ContentNote", content.contentNote); });
 }
 
 // Writes one content row of an event, adding it where there is none.
 void writeContent(Frame& frame, long eventKey, ContentType type, const EventContent& content) {
     Recordset row;
     bool added = false;
-    frame.steps({[&] {
-                     row = openForEditing(
-                         "SELECT * FROM Contents WHERE EventKey = " + std::to_string(eventKey) +
-                         " AND ContentType = " + std::to_string(type));
-                 },
-                 [&] {
-                     if (row.EOF_()) {
-                         row.addNew();
-                         added = true;
-                     }
-                 }});
+    frame.step([&] {
+        row = openForEditing("SELECT * FROM Contents WHERE EventKey = " + std::to_string(eventKey) +
+                             " AND ContentType = " + std::to_string(type));
+    });
+    frame.step([&] {
+        if (row.EOF_()) {
+            row.addNew();
+            added = true;
+        }
+    });
     setContentFields(frame, row, type, content);
     if (added)
         frame.step([&] { row.set("EventKey", std::int64_t{eventKey}); });
-    frame.steps({[&] { row.update(); }, [&] { row.close(); }});
+    frame.step([&] { row.update(); });
+    frame.step([&] { row.close(); });
 }
 
 }  // namespace
@@ -95,12 +95,13 @@ long addNewEvent(const NewEvent& event) {
         Recordset events;
         // Inactive, so that the service stays away until contents and devices are there.
         const bool filled =
-            frame.steps({[&] { events = openForWriting("SELECT * FROM Events"); }, [&] { events.addNew(); },
-                         [&] { events.set("EventSource", event.eventSource); },
-                         [&] { events.set("EventId", event.eventId); },
-                         [&] { events.set("EventTitle", event.eventTitle); },
-                         [&] { events.set("EventType", std::int64_t{event.eventType}); },
-                         [&] { events.set("EventActive", boolean(false)); }});
+            frame.steps({core::Step([&] { events = openForWriting("SELECT * FROM Events"); }),
+                         core::Step([&] { events.addNew(); }),
+                         core::Step([&] { events.set("EventSource", event.eventSource); }),
+                         core::Step([&] { events.set("EventId", event.eventId); }),
+                         core::Step([&] { events.set("EventTitle", event.eventTitle); }),
+                         core::Step([&] { events.set("EventType", std::int64_t{event.eventType}); }),
+                         core::Step([&] { events.set("EventActive", boolean(false)); })});
         // An event without its id, say of one beyond 32 bits, could neither be seen nor deleted again; and
         // the highest key is this event's only if this event was written.
         const bool written = filled && frame.step([&] { events.update(); });
@@ -115,8 +116,8 @@ long addNewEvent(const NewEvent& event) {
         for (const ContentType type : {voiceContent, emailContent}) {
             frame.step([&] { contents.addNew(); });
             setContentFields(frame, contents, type, event.content);
-            complete = frame.steps({[&] { contents.set("EventKey", std::int64_t{key}); },
-                                    [&] { contents.update(); }}) &&
+            complete = frame.steps({core::Step([&] { contents.set("EventKey", std::int64_t{key}); }),
+                                    core::Step([&] { contents.update(); })}) &&
                        complete;
         }
         frame.step([&] { contents.close(); });
@@ -130,17 +131,19 @@ void modifyEvent(const ModifiedEvent& event) {
     core::procedure(module, "modifyEvent", [&](Frame& frame) {
         Recordset row;
         bool found = false;
-        frame.steps(
-            {[&] { row = openForEditing(eventQuery("*", event.eventKey)); }, [&] { found = !row.EOF_(); }});
-        if (found)
-            frame.steps(
-                {[&] { row.set("EventSource", event.eventSource); },
-                 [&] { row.set("EventId", event.eventId); },
-                 [&] { row.set("EventActive", boolean(event.eventActive)); },
-                 [&] { row.set("EventTitle", event.eventTitle); },
-                 [&] { row.set("EventType", std::int64_t{event.eventType}); },
-                 // Every save starts the event's notification timing anew, changed or not; it stays so.
-                 [&] { row.set("EventLastNotification", Null{}); }, [&] { row.update(); }});
+        frame.step([&] { row = openForEditing(eventQuery("*", event.eventKey)); });
+        frame.step([&] { found = !row.EOF_(); });
+        if (found) {
+            frame.step([&] { row.set("EventSource", event.eventSource); });
+            frame.step([&] { row.set("EventId", event.eventId); });
+            frame.step([&] { row.set("EventActive", boolean(event.eventActive)); });
+            frame.step([&] { row.set("EventTitle", event.eventTitle); });
+            frame.step([&] { row.set("EventType", std::int64_t{event.eventType}); });
+            frame.step(  // Every save starts the event's notification timing anew, changed or not; it stays
+                         // so.
+                [&] { row.set("EventLastNotification", Null{}); });
+            frame.step([&] { row.update(); });
+        }
         frame.step([&] { row.close(); });
         // Contents are written even when the event's own row is gone; it stays so.
         writeContent(frame, event.eventKey, voiceContent, event.content);
@@ -152,8 +155,8 @@ bool deleteEvent(long eventKey, std::string_view eventName) {
     return core::procedure(module, "deleteEvent", false, [&](Frame& frame, bool& deleted) {
         Recordset row;
         bool catchAll = false;
-        frame.steps({[&] { row = openForReading(eventQuery("*", eventKey)); },
-                     [&] { catchAll = !row.EOF_() && row.boolean("EventCollection"); }});
+        frame.step([&] { row = openForReading(eventQuery("*", eventKey)); });
+        frame.step([&] { catchAll = !row.EOF_() && row.boolean("EventCollection"); });
         if (catchAll) {
             platform::prompts().messageBox(
                 {myLoadResString(1248), myLoadResString(1249), BoxIcon::information});
@@ -165,13 +168,13 @@ bool deleteEvent(long eventKey, std::string_view eventName) {
         gLog().log("Deleting event: " + name + " Key: " + std::to_string(eventKey), core::logInfo,
                    frame.tag());
         // Dependents first: a delete that stops half way leaves an event that the service cannot act on.
-        frame.steps({[&] {
-                         if (row.state() == platform::ObjectState::open)
-                             row.close();
-                     },
-                     [&] { deleteRows("Contents", "EventKey", eventKey); },
-                     [&] { deleteRows("EventDevice", "EventKey", eventKey); },
-                     [&] { deleteRows("Events", "EventKey", eventKey); }});
+        frame.step([&] {
+            if (row.state() == platform::ObjectState::open)
+                row.close();
+        });
+        frame.step([&] { deleteRows("Contents", "EventKey", eventKey); });
+        frame.step([&] { deleteRows("EventDevice", "EventKey", eventKey); });
+        frame.step([&] { deleteRows("Events", "EventKey", eventKey); });
         deleted = true;
     });
 }
@@ -179,29 +182,29 @@ bool deleteEvent(long eventKey, std::string_view eventName) {
 void setEventActiveState(long eventKey, bool active) {
     core::procedure(module, "setEventActiveState", [&](Frame& frame) {
         Recordset row;
-        frame.steps({[&] {
-                         row = openForEditing(
-                             eventQuery("EventKey, EventActive, EventLastNotification", eventKey));
-                     },
-                     [&] { row.set("EventActive", boolean(active)); },
-                     [&] {
-                         if (active)
-                             row.set("EventLastNotification", Null{});
-                     },
-                     [&] { row.update(); }, [&] { row.close(); }});
+        frame.step([&] {
+            row = openForEditing(eventQuery("EventKey, EventActive, EventLastNotification", eventKey));
+        });
+        frame.step([&] { row.set("EventActive", boolean(active)); });
+        frame.step([&] {
+            if (active)
+                row.set("EventLastNotification", Null{});
+        });
+        frame.step([&] { row.update(); });
+        frame.step([&] { row.close(); });
     });
 }
 
 bool isEventActive(long eventKey) {
     return core::procedure(module, "isEventActive", false, [&](Frame& frame, bool& active) {
         Recordset row;
-        frame.steps({[&] { row = openForReading(eventQuery("EventActive", eventKey)); },
-                     [&] {
-                         if (row.EOF_())
-                             throw rowNotFound("Event", "EventKey", eventKey, "isEventActive");
-                         active = row.boolean("EventActive");
-                     },
-                     [&] { row.close(); }});
+        frame.step([&] { row = openForReading(eventQuery("EventActive", eventKey)); });
+        frame.step([&] {
+            if (row.EOF_())
+                throw rowNotFound("Event", "EventKey", eventKey, "isEventActive");
+            active = row.boolean("EventActive");
+        });
+        frame.step([&] { row.close(); });
     });
 }
 
@@ -209,29 +212,28 @@ long findEvent(std::string_view eventSource, std::string_view eventId) {
     return core::procedure(module, "findEvent", -1L, [&](Frame& frame, long& key) {
         Recordset rows;
         // The source goes in as it is; one with an apostrophe makes the statement fail; it stays so.
-        frame.steps({[&] {
-                         rows = openForReading("SELECT EventKey FROM Events WHERE EventSource = '" +
-                                               std::string(eventSource) +
-                                               "' AND EventId = " + std::string(eventId));
-                     },
-                     [&] {
-                         if (rows.recordCount() >= 1)
-                             key = rows.number("EventKey");
-                     },
-                     [&] { rows.close(); }});
+        frame.step([&] {
+            rows = openForReading("SELECT EventKey FROM Events WHERE EventSource = '" +
+                                  std::string(eventSource) + "' AND EventId = " + std::string(eventId));
+        });
+        frame.step([&] {
+            if (rows.recordCount() >= 1)
+                key = rows.number("EventKey");
+        });
+        frame.step([&] { rows.close(); });
     });
 }
 
 long getIgnoreEventKey() {
     return core::procedure(module, "getIgnoreEventKey", -1L, [&](Frame& frame, long& key) {
         Recordset rows;
-        frame.steps(
-            {[&] { rows = openForReading("SELECT EventKey FROM Events WHERE EventTitle = '$$IGNORE'"); },
-             [&] {
-                 if (!rows.EOF_())
-                     key = rows.number("EventKey");
-             },
-             [&] { rows.close(); }});
+        frame.step(
+            [&] { rows = openForReading("SELECT EventKey FROM Events WHERE EventTitle = '$$IGNORE'"); });
+        frame.step([&] {
+            if (!rows.EOF_())
+                key = rows.number("EventKey");
+        });
+        frame.step([&] { rows.close(); });
     });
 }
 
@@ -244,12 +246,12 @@ long mapEventType(long number, bool toIndex) {
 void setDefaultContentForEvent(long eventKey) {
     core::procedure(module, "setDefaultContentForEvent", [&](Frame& frame) {
         EventContent content;
-        frame.steps({[&] { content.contentAttachment = getDefaultContent(1).text; },
-                     [&] {
-                         const DefaultContent email = getDefaultContent(3);
-                         content.contentSubject = email.parts.at("Subject");
-                         content.contentNote = email.parts.at("Body");
-                     }});
+        frame.step([&] { content.contentAttachment = getDefaultContent(1).text; });
+        frame.step([&] {
+            const DefaultContent email = getDefaultContent(3);
+            content.contentSubject = email.parts.at("Subject");
+            content.contentNote = email.parts.at("Body");
+        });
         writeContent(frame, eventKey, voiceContent, content);
         writeContent(frame, eventKey, emailContent, content);
     });

@@ -26,8 +26,9 @@ std::string exclusionQuery(long exclusionKey) {
 
 // Adds one row; the source goes in as it is.
 void addRow(Frame& frame, Recordset& rows, std::string_view eventSource, long eventId) {
-    frame.steps({[&] { rows.addNew(); }, [&] { rows.set("EventSource", std::string(eventSource)); },
-                 [&] { rows.set("EventID", std::int64_t{eventId}); }});
+    frame.step([&] { rows.addNew(); });
+    frame.step([&] { rows.set("EventSource", std::string(eventSource)); });
+    frame.step([&] { rows.set("EventID", std::int64_t{eventId}); });
 }
 
 }  // namespace
@@ -56,10 +57,12 @@ void modifyExclusion(long exclusionKey, long eventId) {
     core::procedure(module, "modifyExclusion", [&](Frame& frame) {
         Recordset row;
         bool found = false;
-        frame.steps(
-            {[&] { row = openForWriting(exclusionQuery(exclusionKey)); }, [&] { found = !row.EOF_(); }});
-        if (found)
-            frame.steps({[&] { row.set("EventId", std::int64_t{eventId}); }, [&] { row.update(); }});
+        frame.step([&] { row = openForWriting(exclusionQuery(exclusionKey)); });
+        frame.step([&] { found = !row.EOF_(); });
+        if (found) {
+            frame.step([&] { row.set("EventId", std::int64_t{eventId}); });
+            frame.step([&] { row.update(); });
+        }
         frame.step([&] { row.close(); });
     });
 }
@@ -73,11 +76,11 @@ bool deleteExclusion(long exclusionKey) {
             return;
         core::gLog().log("Deleting exclusion: " + source + " Key: " + std::to_string(exclusionKey),
                          core::logVersionInfo, frame.tag());
-        frame.steps({[&] {
-                         if (row.state() == platform::ObjectState::open)
-                             row.close();
-                     },
-                     [&] { deleteRows("Exclusions", "ExclusionKey", exclusionKey); }});
+        frame.step([&] {
+            if (row.state() == platform::ObjectState::open)
+                row.close();
+        });
+        frame.step([&] { deleteRows("Exclusions", "ExclusionKey", exclusionKey); });
         deleted = true;
     });
 }
@@ -85,13 +88,14 @@ bool deleteExclusion(long exclusionKey) {
 void replaceExclusions(const core::Dictionary<long>& exclusions) {
     core::procedure(module, "replaceExclusions", [&](Frame& frame) {
         Recordset rows;
-        frame.steps({[&] { platform::execute("DELETE FROM Exclusions", core::gDatabase); },
-                     [&] { rows = openForBatch("SELECT * FROM Exclusions"); }});
+        frame.step([&] { platform::execute("DELETE FROM Exclusions", core::gDatabase); });
+        frame.step([&] { rows = openForBatch("SELECT * FROM Exclusions"); });
         for (const std::string& source : exclusions.keys()) {
             addRow(frame, rows, source, exclusions.item(source));
             frame.step([&] { rows.update(); });
         }
-        frame.steps({[&] { rows.updateBatch(); }, [&] { rows.close(); }});
+        frame.step([&] { rows.updateBatch(); });
+        frame.step([&] { rows.close(); });
     });
 }
 

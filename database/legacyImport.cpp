@@ -60,14 +60,14 @@ void readRow(const Recordset& row, LegacyEvents& events) {
 bool readLegacy(Frame& frame, Connection& connection, LegacyEvents& events) {
     Recordset rows;
     bool any = false;
-    frame.steps({[&] {
-                     rows.open(
-                         "SELECT PropName, PropVal, Key FROM Properties WHERE PropName = 'Source' OR "
-                         "PropName = 'EventId' ORDER BY Key",
-                         connection, platform::CursorType::staticCursor, platform::LockType::readOnly,
-                         platform::CursorLocation::client);
-                 },
-                 [&] { any = rows.recordCount() >= 1; }});
+    frame.step([&] {
+        rows.open(
+            "SELECT PropName, PropVal, Key FROM Properties WHERE PropName = 'Source' OR "
+            "PropName = 'EventId' ORDER BY Key",
+            connection, platform::CursorType::staticCursor, platform::LockType::readOnly,
+            platform::CursorLocation::client);
+    });
+    frame.step([&] { any = rows.recordCount() >= 1; });
     if (!any) {
         tell(myLoadResString(1162), myLoadResString(1163), BoxIcon::none);
         return false;
@@ -112,19 +112,19 @@ void importLegacyEvents(const std::function<bool(std::string_view)>& isValidEven
             // An event without an id is not written; its failure is in the log.
             const std::string id = events.ids.contains(key) ? events.ids.item(key) : std::string();
             NewEvent event = importedEvent(source, id);
-            frame.steps({[&] {
-                             const auto email = getDefaultContent(3).parts;
-                             event.content.contentSubject = email.at("Subject");
-                             event.content.contentNote = email.at("Body");
-                         },
-                         [&] {
-                             if (!isValidEventSource(source)) {
-                                 tellInvalidSource(source, id);
-                                 return;
-                             }
-                             event.content.contentAttachment = getDefaultContent(1).text;
-                             addNewEvent(event);
-                         }});
+            frame.step([&] {
+                const auto email = getDefaultContent(3).parts;
+                event.content.contentSubject = email.at("Subject");
+                event.content.contentNote = email.at("Body");
+            });
+            frame.step([&] {
+                if (!isValidEventSource(source)) {
+                    tellInvalidSource(source, id);
+                    return;
+                }
+                event.content.contentAttachment = getDefaultContent(1).text;
+                addNewEvent(event);
+            });
         }
     });
 }

@@ -77,15 +77,17 @@ void dropPartialTable(Catalog& catalog, const std::string& tag) {
 bool copyExclusions(Frame& frame) {
     Recordset from;
     Recordset to;
-    bool copied = frame.steps({[&] { from = openForReading("SELECT * FROM Exclusions"); },
-                               [&] { to = openForWriting("SELECT * FROM ExclusionsNew"); }});
+    bool copied = frame.steps({core::Step([&] { from = openForReading("SELECT * FROM Exclusions"); }),
+                               core::Step([&] { to = openForWriting("SELECT * FROM ExclusionsNew"); })});
     while (from.state() == platform::ObjectState::open && !from.EOF_()) {
-        copied = frame.steps({[&] { to.addNew(); }, [&] { to.set("EventSource", from.value("EventSource")); },
-                              [&] { to.set("EventId", from.value("EventId")); }, [&] { to.update(); },
-                              [&] { from.moveNext(); }}) &&
+        copied = frame.steps({core::Step([&] { to.addNew(); }),
+                              core::Step([&] { to.set("EventSource", from.value("EventSource")); }),
+                              core::Step([&] { to.set("EventId", from.value("EventId")); }),
+                              core::Step([&] { to.update(); }), core::Step([&] { from.moveNext(); })}) &&
                  copied;
     }
-    frame.steps({[&] { from.close(); }, [&] { to.close(); }});
+    frame.step([&] { from.close(); });
+    frame.step([&] { to.close(); });
     return copied;
 }
 
@@ -126,11 +128,10 @@ void openDatabase() {
                 files::setReadOnly(path, false);
             }
         });
-        frame.steps({[&] { core::gDatabase.close(); },
-                     [&] {
-                         core::gDatabase.open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path +
-                                              databaseName);
-                     }});
+        frame.step([&] { core::gDatabase.close(); });
+        frame.step([&] {
+            core::gDatabase.open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path + databaseName);
+        });
     });
 }
 
@@ -172,8 +173,8 @@ bool upgradeDatabase() {
         });
         if (!created || !copyExclusions(frame))
             return;
-        frame.steps({[&] { catalog.deleteTable(exclusions); },
-                     [&] { catalog.renameTable(exclusionsNew, exclusions); }});
+        frame.step([&] { catalog.deleteTable(exclusions); });
+        frame.step([&] { catalog.renameTable(exclusionsNew, exclusions); });
     });
 }
 

@@ -67,7 +67,8 @@ class Save {
         return read;
     }
     void close() {
-        frame_.steps({[&] { devices_.close(); }, [&] { allDevices_.close(); }});
+        frame_.step([&] { devices_.close(); });
+        frame_.step([&] { allDevices_.close(); });
     }
 
     // The recipient's first stored device of a kind.
@@ -117,8 +118,8 @@ class Save {
     void activateSought(const std::optional<std::string>& address) {
         if (address)
             frame_.step([&] { allDevices_.set("DeviceAddress", *address); });
-        frame_.steps(
-            {[&] { allDevices_.set("DeviceActive", boolean(true)); }, [&] { allDevices_.update(); }});
+        frame_.step([&] { allDevices_.set("DeviceActive", boolean(true)); });
+        frame_.step([&] { allDevices_.update(); });
     }
 
     // Deletions of lists and switches come last, after everything else is written.
@@ -222,13 +223,13 @@ void modifyRecipient(long recipientKey, const RecipientRecord& record) {
     core::procedure("mdlDatabase", "modifyRecipient", [&](Frame& frame) {
         Recordset recipient;
         bool missing = false;
-        frame.steps({[&] {
-                         recipient = openForWriting(
-                             "SELECT RecipientName, RecipientActive FROM Recipients WHERE RecipientKey = " +
-                                 std::to_string(recipientKey),
-                             CursorType::staticCursor);
-                     },
-                     [&] { missing = recipient.EOF_(); }});
+        frame.step([&] {
+            recipient =
+                openForWriting("SELECT RecipientName, RecipientActive FROM Recipients WHERE RecipientKey = " +
+                                   std::to_string(recipientKey),
+                               CursorType::staticCursor);
+        });
+        frame.step([&] { missing = recipient.EOF_(); });
         Save save(frame, recipientKey, record.name);
         const bool devicesRead = save.open();
         if (missing) {
@@ -238,9 +239,9 @@ void modifyRecipient(long recipientKey, const RecipientRecord& record) {
             return;
         }
         // The check box's number goes in as it is; the column reads 1 and 0 as true and false.
-        frame.steps({[&] { recipient.set("RecipientName", record.name); },
-                     [&] { recipient.set("RecipientActive", std::int64_t{record.active}); },
-                     [&] { recipient.update(); }});
+        frame.step([&] { recipient.set("RecipientName", record.name); });
+        frame.step([&] { recipient.set("RecipientActive", std::int64_t{record.active}); });
+        frame.step([&] { recipient.update(); });
         // Whoever does not know what is stored would store it a second time.
         if (!devicesRead)
             return;

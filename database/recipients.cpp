@@ -50,8 +50,10 @@ void deleteDevicesOf(Frame& frame, long recipientKey) {
         links = openForReading("SELECT DeviceKey FROM DeviceRecipient WHERE RecipientKey = " +
                                std::to_string(recipientKey));
     });
-    while (links.state() == ObjectState::open && !links.EOF_())
-        frame.steps({[&] { deleteDevice(links.number("DeviceKey")); }, [&] { links.moveNext(); }});
+    while (links.state() == ObjectState::open && !links.EOF_()) {
+        frame.step([&] { deleteDevice(links.number("DeviceKey")); });
+        frame.step([&] { links.moveNext(); });
+    }
     frame.step([&] { links.close(); });
 }
 
@@ -93,17 +95,19 @@ Recordset openEventsForRecipient(long recipientKey) {
 long countRecipients() {
     return core::procedure(module, "countRecipients", 0L, [&](Frame& frame, long& count) {
         Recordset rows;
-        frame.steps({[&] { rows = openForReading("SELECT RecipientKey FROM Recipients"); },
-                     [&] { count = rows.recordCount(); }, [&] { rows.close(); }});
+        frame.step([&] { rows = openForReading("SELECT RecipientKey FROM Recipients"); });
+        frame.step([&] { count = rows.recordCount(); });
+        frame.step([&] { rows.close(); });
     });
 }
 
 long addNewRecipient(const RecipientRecord& record) {
     return core::procedure(module, "addNewRecipient", 0L, [&](Frame& frame, long& result) {
         Recordset recipients;
-        frame.steps({[&] { recipients = openForWriting("SELECT * FROM Recipients"); },
-                     [&] { recipients.addNew(); }, [&] { recipients.set("RecipientName", record.name); },
-                     [&] { recipients.set("RecipientActive", boolean(true)); }});
+        frame.step([&] { recipients = openForWriting("SELECT * FROM Recipients"); });
+        frame.step([&] { recipients.addNew(); });
+        frame.step([&] { recipients.set("RecipientName", record.name); });
+        frame.step([&] { recipients.set("RecipientActive", boolean(true)); });
         const bool written = frame.step([&] { recipients.update(); });
         frame.step([&] { recipients.close(); });
         // The highest key is this recipient's only if he was written.
@@ -142,39 +146,39 @@ bool deleteRecipient(long recipientKey) {
 void setRecipientActiveState(long recipientKey, bool active) {
     core::procedure(module, "setRecipientActiveState", [&](Frame& frame) {
         Recordset row;
-        frame.steps(
-            {[&] { row = openForWriting(recipientQuery("RecipientKey, RecipientActive", recipientKey)); },
-             [&] { row.set("RecipientActive", boolean(active)); }, [&] { row.update(); },
-             [&] { row.close(); }});
+        frame.step(
+            [&] { row = openForWriting(recipientQuery("RecipientKey, RecipientActive", recipientKey)); });
+        frame.step([&] { row.set("RecipientActive", boolean(active)); });
+        frame.step([&] { row.update(); });
+        frame.step([&] { row.close(); });
     });
 }
 
 bool isRecipientActive(long recipientKey) {
     return core::procedure(module, "isRecipientActive", false, [&](Frame& frame, bool& active) {
         Recordset row;
-        frame.steps({[&] { row = openForReading(recipientQuery("RecipientActive", recipientKey)); },
-                     [&] {
-                         if (row.EOF_())
-                             throw rowNotFound("Recipient", "RecipientKey", recipientKey,
-                                               "isRecipientActive");
-                         active = row.boolean("RecipientActive");
-                     },
-                     [&] { row.close(); }});
+        frame.step([&] { row = openForReading(recipientQuery("RecipientActive", recipientKey)); });
+        frame.step([&] {
+            if (row.EOF_())
+                throw rowNotFound("Recipient", "RecipientKey", recipientKey, "isRecipientActive");
+            active = row.boolean("RecipientActive");
+        });
+        frame.step([&] { row.close(); });
     });
 }
 
 bool invalidRecipientDevices(long recipientKey) {
     return core::procedure(module, "invalidRecipientDevices", false, [&](Frame& frame, bool& invalid) {
         Recordset rows;
-        frame.steps(
-            {[&] {
-                 rows = openForReading(
-                     "SELECT AddressDetails.AddressType FROM DeviceRecipient INNER JOIN AddressDetails ON "
-                     "DeviceRecipient.DeviceKey = AddressDetails.DeviceKey WHERE AddressDetails.AddressType "
-                     "= 0 AND DeviceRecipient.RecipientKey = " +
-                     std::to_string(recipientKey));
-             },
-             [&] { invalid = rows.recordCount() >= 1; }, [&] { rows.close(); }});
+        frame.step([&] {
+            rows = openForReading(
+                "SELECT AddressDetails.AddressType FROM DeviceRecipient INNER JOIN AddressDetails ON "
+                "DeviceRecipient.DeviceKey = AddressDetails.DeviceKey WHERE AddressDetails.AddressType "
+                "= 0 AND DeviceRecipient.RecipientKey = " +
+                std::to_string(recipientKey));
+        });
+        frame.step([&] { invalid = rows.recordCount() >= 1; });
+        frame.step([&] { rows.close(); });
     });
 }
 

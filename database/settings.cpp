@@ -41,11 +41,12 @@ std::string settingQuery(std::string_view columns, std::string_view settingName)
 long getLastKey(std::string_view tableName, std::string_view keyField) {
     return core::procedure(module, "getLastKey", 0L, [&](Frame& frame, long& key) {
         Recordset row;
-        frame.steps({[&] {
-                         row = openForReading("SELECT Max(" + std::string(keyField) + ") AS MaxKey FROM " +
-                                              std::string(tableName));
-                     },
-                     [&] { key = row.number("MaxKey"); }, [&] { row.close(); }});
+        frame.step([&] {
+            row = openForReading("SELECT Max(" + std::string(keyField) + ") AS MaxKey FROM " +
+                                 std::string(tableName));
+        });
+        frame.step([&] { key = row.number("MaxKey"); });
+        frame.step([&] { row.close(); });
     });
 }
 
@@ -53,27 +54,28 @@ std::string getConfigurationSetting(std::string_view settingName) {
     return core::procedure(module, "getConfigurationSetting", std::string(),
                            [&](Frame& frame, std::string& value) {
                                Recordset row;
-                               frame.steps({[&] { row = openForReading(settingQuery("Value", settingName)); },
-                                            [&] {
-                                                if (!row.EOF_())
-                                                    value = row.text("Value");
-                                            },
-                                            [&] { row.close(); }});
+                               frame.step([&] { row = openForReading(settingQuery("Value", settingName)); });
+                               frame.step([&] {
+                                   if (!row.EOF_())
+                                       value = row.text("Value");
+                               });
+                               frame.step([&] { row.close(); });
                            });
 }
 
 void setConfigurationSetting(std::string_view settingName, std::string_view value) {
     core::procedure(module, "setConfigurationSetting", [&](Frame& frame) {
         Recordset row;
-        frame.steps({[&] { row = openForWriting(settingQuery("*", settingName)); },
-                     [&] {
-                         if (row.EOF_()) {
-                             row.addNew();
-                             row.set("Setting", std::string(settingName));
-                         }
-                     },
-                     [&] { row.set("Value", std::string(value)); }, [&] { row.update(); },
-                     [&] { row.close(); }});
+        frame.step([&] { row = openForWriting(settingQuery("*", settingName)); });
+        frame.step([&] {
+            if (row.EOF_()) {
+                row.addNew();
+                row.set("Setting", std::string(settingName));
+            }
+        });
+        frame.step([&] { row.set("Value", std::string(value)); });
+        frame.step([&] { row.update(); });
+        frame.step([&] { row.close(); });
     });
 }
 

@@ -23,11 +23,11 @@ void registerSource(const char* procedureName, const std::string& source, const 
         const auto set = [&](const char* name, long type, const platform::RegistryValue& value) {
             setRegistryValue(HKEY_LOCAL_MACHINE, key, name, type, value);
         };
-        frame.steps({[&] { createRegistryKey(HKEY_LOCAL_MACHINE, key); },
-                     [&] { set("EventMessageFile", registryString, messageFile); },
-                     [&] { set("CategoryMessageFile", registryString, messageFile); },
-                     [&] { set("TypesSupported", registryDword, 7u); },
-                     [&] { set("CategoryCount", registryDword, 2u); }});
+        frame.step([&] { createRegistryKey(HKEY_LOCAL_MACHINE, key); });
+        frame.step([&] { set("EventMessageFile", registryString, messageFile); });
+        frame.step([&] { set("CategoryMessageFile", registryString, messageFile); });
+        frame.step([&] { set("TypesSupported", registryDword, 7u); });
+        frame.step([&] { set("CategoryCount", registryDword, 2u); });
     });
 }
 

@@ -43,10 +43,10 @@ core::CorvaneVersion getVersion() {
             std::uint32_t versionNumber = 0;
             std::uint32_t buildNumber = 0;
             const auto root = RegistryAPI::HKEY_LOCAL_MACHINE;
-            frame.steps({
-                [&] { versionNumber = RegistryAPI::getRegistryDword(root, versionKey, "Version Number"); },
-                [&] { buildNumber = RegistryAPI::getRegistryDword(root, versionKey, "Build Number"); },
-            });
+            frame.step(
+                [&] { versionNumber = RegistryAPI::getRegistryDword(root, versionKey, "Version Number"); });
+            frame.step(
+                [&] { buildNumber = RegistryAPI::getRegistryDword(root, versionKey, "Build Number"); });
             const std::string versionDigits = hexadecimal(versionNumber);
             const std::string buildDigits = hexadecimal(buildNumber);
             // Server releases write decimal digits into the nibbles, all but the revision, which really is

@@ -103,9 +103,9 @@ void uninstallQLNService() {
         const ServiceManager manager(platform::managerExecute);
         Service service(manager, core::serviceKeyName,
                         configureAndStart | platform::serviceStop | platform::serviceDelete);
-        frame.steps({[&] { platform::splash().splashOn(myLoadResString(1235)); },
-                     [&] { stopAndDelete(frame, service); },
-                     [&] { platform::splash().splashOn(myLoadResString(1234), noticeSeconds); }});
+        frame.step([&] { platform::splash().splashOn(myLoadResString(1235)); });
+        frame.step([&] { stopAndDelete(frame, service); });
+        frame.step([&] { platform::splash().splashOn(myLoadResString(1234), noticeSeconds); });
     });
 }
 

@@ -51,7 +51,8 @@ void flipReadOnly(const FileObject& file) {
 void clearReadOnly(core::Frame& frame, const Path& target, const Path& delivered) {
     FileObject file;
     bool readOnly = false;
-    frame.steps({[&] { file = getFile(target); }, [&] { readOnly = files::isReadOnly(pathOf(file)); }});
+    frame.step([&] { file = getFile(target); });
+    frame.step([&] { readOnly = files::isReadOnly(pathOf(file)); });
     if (!readOnly)
         return;
     core::gLog().log(
@@ -60,8 +61,9 @@ void clearReadOnly(core::Frame& frame, const Path& target, const Path& delivered
     // The kit's bit is flipped without a test, so a kit file that was writable becomes read-only; it stays
     // so.
     FileObject kitFile;
-    frame.steps(
-        {[&] { flipReadOnly(file); }, [&] { kitFile = getFile(delivered); }, [&] { flipReadOnly(kitFile); }});
+    frame.step([&] { flipReadOnly(file); });
+    frame.step([&] { kitFile = getFile(delivered); });
+    frame.step([&] { flipReadOnly(kitFile); });
 }
 
 }  // namespace

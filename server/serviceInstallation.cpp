@@ -126,12 +126,13 @@ bool installQLNService() {
             return;
         }
         std::string account;
-        frame.steps({[] { registerTestEventSource(); }, [] { registerServiceEventSource(); },
-                     [] { copyQLNService(); },
-                     [&] { account = getRegistryString(HKEY_LOCAL_MACHINE, mainServiceKey, "ObjectName"); }});
+        frame.step([] { registerTestEventSource(); });
+        frame.step([] { registerServiceEventSource(); });
+        frame.step([] { copyQLNService(); });
+        frame.step([&] { account = getRegistryString(HKEY_LOCAL_MACHINE, mainServiceKey, "ObjectName"); });
         gLog().log("Using account: " + account, core::logVersionInfo, frame.tag());
-        frame.steps(
-            {[&] { result = promptAndStart(frame, account); }, [] { platform::passwordPrompt().unload(); }});
+        frame.step([&] { result = promptAndStart(frame, account); });
+        frame.step([] { platform::passwordPrompt().unload(); });
     });
 }
 
@@ -142,8 +143,9 @@ void upgradeQLNService() {
         const auto versionOf = [](const char* file) {
             return mdlVerInfo::getFileVersionString((serviceFolder() / file).string());
         };
-        frame.steps({[] { registerServiceEventSource(); }, [&] { current = versionOf(serviceProgram); },
-                     [&] { delivered = versionOf(deliveredProgram); }});
+        frame.step([] { registerServiceEventSource(); });
+        frame.step([&] { current = versionOf(serviceProgram); });
+        frame.step([&] { delivered = versionOf(deliveredProgram); });
         // There is no downgrade.
         if (compareVersions(delivered, current) <= 0)
             return;
@@ -152,7 +154,8 @@ void upgradeQLNService() {
         gLog().log("Upgrading the HbQlnSvc service from version: " + current + " to version: " + delivered,
                    core::logInfo, frame.tag());
         if (myStopService(core::serviceKeyName)) {
-            frame.steps({[] { copyQLNService(); }, [] { myStartService(core::serviceKeyName); }});
+            frame.step([] { copyQLNService(); });
+            frame.step([] { myStartService(core::serviceKeyName); });
             return;
         }
         platform::splash().splashOff();

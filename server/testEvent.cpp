@@ -51,10 +51,11 @@ void generateTestEventLogMessage(long recipientKey) {
     core::procedure("mdlUtility", "generateTestEventLogMessage", [&](core::Frame& frame) {
         mdlDatabase::DeviceSelection selection;
         selectDevices(frame, recipientKey, selection);
-        frame.steps({[&] { mdlDatabase::addRecipientToEvent(core::gIgnoreEventKey, selection, true); },
-                     [] { mdlDatabase::setDefaultContentForEvent(core::gIgnoreEventKey); },
-                     [] { mdlDatabase::setEventActiveState(core::gIgnoreEventKey, true); },
-                     [] { platform::clock().sleep(untilTheServiceSees); }, [] { writeTestEvent(); }});
+        frame.step([&] { mdlDatabase::addRecipientToEvent(core::gIgnoreEventKey, selection, true); });
+        frame.step([] { mdlDatabase::setDefaultContentForEvent(core::gIgnoreEventKey); });
+        frame.step([] { mdlDatabase::setEventActiveState(core::gIgnoreEventKey, true); });
+        frame.step([] { platform::clock().sleep(untilTheServiceSees); });
+        frame.step([] { writeTestEvent(); });
     });
 }
 

@@ -225,16 +225,15 @@ void dlgEvent::displayForm() {
         updateOkButton();
         cancelled = true;
         frame.step([&] { fillContent(); });
-        frame.steps({[&] {
-                         ui::showPriority(*comboVoiceMailPriority,
-                                          ui::priorityRow(mdlDatabase::getConfigurationSetting(
-                                              "DefaultVoiceMailPriority")));
-                     },
-                     [&] {
-                         ui::showPriority(
-                             *comboEmailPriority,
+        frame.step([&] {
+            ui::showPriority(
+                *comboVoiceMailPriority,
+                ui::priorityRow(mdlDatabase::getConfigurationSetting("DefaultVoiceMailPriority")));
+        });
+        frame.step([&] {
+            ui::showPriority(*comboEmailPriority,
                              ui::priorityRow(mdlDatabase::getConfigurationSetting("DefaultEmailPriority")));
-                     }});
+        });
         comboEventSource->setFocus();
         exec();
     });

@@ -162,7 +162,8 @@ void dlgExclusions::cmdOk_Click() {
         // Whole sources only: an exclusion of one id comes back as one of all ids; it stays so.
         for (const std::string& source : lstExcludedSources->texts())
             exclusions.set(source, mdlDatabase::nodeAllEventIds);
-        frame.steps({[&] { mdlDatabase::replaceExclusions(exclusions); }, [&] { accept(); }});
+        frame.step([&] { mdlDatabase::replaceExclusions(exclusions); });
+        frame.step([&] { accept(); });
     });
 }
 

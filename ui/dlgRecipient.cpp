@@ -56,8 +56,9 @@ void dlgRecipient::buildLayout() {
 
 void dlgRecipient::Form_Load() {
     core::procedure(module, "Form_Load", [&](core::Frame& frame) {
-        frame.steps({[&] { dlgRecipient_ControlInit(); }, [&] { ui::setFormFonts(*this); },
-                     [&] { sstabDevices->hideUnsupportedKinds(); }});
+        frame.step([&] { dlgRecipient_ControlInit(); });
+        frame.step([&] { ui::setFormFonts(*this); });
+        frame.step([&] { sstabDevices->hideUnsupportedKinds(); });
         updateOkButton();
     });
 }

@@ -124,7 +124,8 @@ void dlgSelect::Form_Load() {
     core::procedure(module, "Form_Load", [&](core::Frame& frame) {
         loaded_ = true;
         cancelled = true;
-        frame.steps({[&] { dlgSelect_ControlInit(); }, [&] { ui::setFormFonts(*this); }});
+        frame.step([&] { dlgSelect_ControlInit(); });
+        frame.step([&] { ui::setFormFonts(*this); });
     });
 }
 
@@ -201,18 +202,17 @@ void dlgSelect::cmdSearch_Click() {
         myGrid->cut();
         myGrid->setUpdatesEnabled(false);
         frame.step([&] { statement = buildSQLQuery(subscriberTypes); });
-        frame.steps({
-            [&] {
-                if (!directoryConnection)
-                    throw platform::makeFailure(platform::objectNotSet);
-                found_.open(statement, *directoryConnection, platform::CursorType::forwardOnly,
-                            platform::LockType::readOnly);
-            },
-            [&] { myGrid->bind(found_); },
-            // Only what the window itself has to do: a second click must not search inside of this search.
-            [&] { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); },
-            [&] { setupColumns(false); },
+        frame.step([&] {
+            if (!directoryConnection)
+                throw platform::makeFailure(platform::objectNotSet);
+            found_.open(statement, *directoryConnection, platform::CursorType::forwardOnly,
+                        platform::LockType::readOnly);
         });
+        frame.step([&] { myGrid->bind(found_); });
+        frame.step(  // Only what the window itself has to do: a second click must not search inside of this
+                     // search.
+            [&] { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); });
+        frame.step([&] { setupColumns(false); });
         myGrid->setUpdatesEnabled(true);
         unsetCursor();
         // OK stays as it was; pressed now it hands back the header row, with an empty id.
@@ -238,8 +238,8 @@ void dlgSelect::cmdOk_Click() {
     core::procedure(module, "cmdOk_Click", [&](core::Frame& frame) {
         cancelled = false;
         const int row = myGrid->currentGridRow();
-        frame.steps({[&] { selectedDirectoryId = myGrid->cellText(row, "DirectoryId"); },
-                     [&] { selectedDisplayName = myGrid->cellText(row, "DisplayName"); }});
+        frame.step([&] { selectedDirectoryId = myGrid->cellText(row, "DirectoryId"); });
+        frame.step([&] { selectedDisplayName = myGrid->cellText(row, "DisplayName"); });
         accept();
     });
 }

@@ -59,7 +59,8 @@ void dlgServicePassword::buildLayout() {
 
 void dlgServicePassword::Form_Load() {
     core::procedure(module, "Form_Load", [&](core::Frame& frame) {
-        frame.steps({[&] { dlgServicePassword_ControlInit(); }, [&] { ui::setFormFonts(*this); }});
+        frame.step([&] { dlgServicePassword_ControlInit(); });
+        frame.step([&] { ui::setFormFonts(*this); });
     });
 }
 

@@ -127,18 +127,20 @@ void frmMain::Form_Load() {
         splitterLeft_ = firstSplitter;
         resize(ui::pixels(firstWidth), ui::pixels(firstHeight));
         frmMain_ControlInit();
-        frame.steps({[&] {
-                         tooltip_ = std::make_unique<cTooltip>();
-                         tooltip_->Create(this);
-                         tooltip_->setMaxTipWidth(maximumTipWidth);
-                         tooltip_->AddTool(tvNavigation, "");
-                         // An empty text became "Tool1"; without a node under the pointer there is nothing
-                         // to say.
-                         tooltip_->setToolText(tvNavigation, "");
-                     },
-                     [&] { expanded_.fill(true); }, [&] { paneRecipientDetails_->hideUnsupportedKinds(); },
-                     [&] { core::gRebuildingControls = true; }, [&] { ui::setFormFonts(*this); },
-                     [&] { core::gRebuildingControls = false; }});
+        frame.step([&] {
+            tooltip_ = std::make_unique<cTooltip>();
+            tooltip_->Create(this);
+            tooltip_->setMaxTipWidth(maximumTipWidth);
+            tooltip_->AddTool(tvNavigation, "");
+            // An empty text became "Tool1"; without a node under the pointer there is nothing
+            // to say.
+            tooltip_->setToolText(tvNavigation, "");
+        });
+        frame.step([&] { expanded_.fill(true); });
+        frame.step([&] { paneRecipientDetails_->hideUnsupportedKinds(); });
+        frame.step([&] { core::gRebuildingControls = true; });
+        frame.step([&] { ui::setFormFonts(*this); });
+        frame.step([&] { core::gRebuildingControls = false; });
     });
 }
 

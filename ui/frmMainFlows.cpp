@@ -53,8 +53,8 @@ void frmMain::mnuPopupExclusion_Create_Click() {
         if (!read)
             return;
         long newKey = 0;
-        frame.steps({[&] { newKey = mdlDatabase::addNewExclusion(dlgAddExclusion_->eventSource(), eventId); },
-                     [&] { loadNavigationTree({}, {}, newKey); }});
+        frame.step([&] { newKey = mdlDatabase::addNewExclusion(dlgAddExclusion_->eventSource(), eventId); });
+        frame.step([&] { loadNavigationTree({}, {}, newKey); });
     });
 }
 
@@ -83,7 +83,7 @@ void frmMain::mnuImportEvents_Click() {
         // The legacy service writes to the database that is about to be read.
         if (!legacyServiceIsDown())
             return;
-        frame.steps({[] { mdlDatabase::importLegacyEvents(mdlUtility::isValidEventSource); },
-                     [&] { loadNavigationTree(); }});
+        frame.step([] { mdlDatabase::importLegacyEvents(mdlUtility::isValidEventSource); });
+        frame.step([&] { loadNavigationTree(); });
     });
 }

@@ -201,8 +201,8 @@ void frmMain::mnuFileNewEvent_Click() {
         if (dlgEvent_->cancelled)
             return;
         long newKey = 0;
-        frame.steps({[&] { newKey = mdlDatabase::addNewEvent(dlgEvent_->newEvent()); },
-                     [&] { loadNavigationTree(newKey); }});
+        frame.step([&] { newKey = mdlDatabase::addNewEvent(dlgEvent_->newEvent()); });
+        frame.step([&] { loadNavigationTree(newKey); });
     });
 }
 
@@ -254,8 +254,9 @@ void frmMain::mnuRemoveService_Click() {
                                             platform::BoxButtons::yesNo}) != platform::BoxAnswer::yes)
             return;
         // The console does not stay open without its service.
-        frame.steps({[] { mdlUtility::uninstallQLNService(); }, [&] { platform::clock().sleep(pauseToRead); },
-                     [&] { emit finalExitRequested(); }});
+        frame.step([] { mdlUtility::uninstallQLNService(); });
+        frame.step([&] { platform::clock().sleep(pauseToRead); });
+        frame.step([&] { emit finalExitRequested(); });
     });
 }
 

@@ -54,9 +54,10 @@ void frmMain::mnuFileNewRecipient_Click() {
         if (dialog.cancelled)
             return;
         long newKey = 0;
-        frame.steps({[&] { newKey = mdlDatabase::addNewRecipient(dialog.newRecipient()); },
-                     [&] { loadNavigationTree(); }, [] { mdlDatabase::rebuildAddressDetailsTable(); },
-                     [&] { selectNode(findNewRecipient(newKey)); }});
+        frame.step([&] { newKey = mdlDatabase::addNewRecipient(dialog.newRecipient()); });
+        frame.step([&] { loadNavigationTree(); });
+        frame.step([] { mdlDatabase::rebuildAddressDetailsTable(); });
+        frame.step([&] { selectNode(findNewRecipient(newKey)); });
     });
 }
 

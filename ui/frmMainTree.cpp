@@ -72,10 +72,10 @@ void frmMain::loadNavigationTree(std::optional<long> eventKey, std::optional<lon
             const ui::KeyedTree::Fill fill(*tvNavigation);
             frame.step([&] { tvNavigation->clearNodes(); });
             // The roots' tips are the same in every language.
-            frame.steps({[&] { root(eventsRoot, 1030, nodeTypeCategoryEvents, "Monitored Events"); },
-                         [&] { tvNavigation->ensureVisible(eventsRoot); },
-                         [&] { root(recipientsRoot, 1031, nodeTypeCategoryRecipients, "Recipients"); },
-                         [&] { root(exclusionsRoot, 1311, nodeTypeCategoryExclusions, "Exclusions"); }});
+            frame.step([&] { root(eventsRoot, 1030, nodeTypeCategoryEvents, "Monitored Events"); });
+            frame.step([&] { tvNavigation->ensureVisible(eventsRoot); });
+            frame.step([&] { root(recipientsRoot, 1031, nodeTypeCategoryRecipients, "Recipients"); });
+            frame.step([&] { root(exclusionsRoot, 1311, nodeTypeCategoryExclusions, "Exclusions"); });
             hovered_ = false;
         }
         const long rebuild = ++rebuilds_;
@@ -193,9 +193,11 @@ void frmMain::selectNode(std::string nodeKey) {
         frame.on(platform::invalidProcedureCall, [](const platform::Failure&) {});
         if (nodeKey.empty() || !tvNavigation->contains(nodeKey))
             return;
-        frame.steps({[&] { checkMenus(tvNavigation->info(nodeKey).nodeType); },
-                     [&] { tvNavigation->select(nodeKey); }, [&] { tvNavigation_NodeClick(nodeKey); },
-                     [&] { tvNavigation->scrollFullyLeft(); }, [&] { tvNavigation->setFocus(); }});
+        frame.step([&] { checkMenus(tvNavigation->info(nodeKey).nodeType); });
+        frame.step([&] { tvNavigation->select(nodeKey); });
+        frame.step([&] { tvNavigation_NodeClick(nodeKey); });
+        frame.step([&] { tvNavigation->scrollFullyLeft(); });
+        frame.step([&] { tvNavigation->setFocus(); });
     });
 }
 
@@ -321,8 +323,8 @@ void frmMain::tvNavigation_Collapse(const std::string& nodeKey) {
 
 void frmMain::tvNavigation_MouseDown(const QPoint& position) {
     core::procedure(module, "tvNavigation_MouseDown", [&](core::Frame& frame) {
-        frame.steps({[&] { selectNode(tvNavigation->hitTest(position)); },
-                     [&] { menus_.at("mnuPopup")->exec(tvNavigation->viewport()->mapToGlobal(position)); }});
+        frame.step([&] { selectNode(tvNavigation->hitTest(position)); });
+        frame.step([&] { menus_.at("mnuPopup")->exec(tvNavigation->viewport()->mapToGlobal(position)); });
         if (addEventPending_ == 1) {
             addEventPending_ = 0;
             mnuFileNewEvent_Click();

@@ -180,7 +180,8 @@ void frmOptions::connectControls() {
 void frmOptions::Form_Load() {
     core::procedure(module, "Form_Load", [&](core::Frame& frame) {
         frmOptions_ControlInit();
-        frame.steps({[&] { ui::setFormFonts(*this); }, [&] { variables->controlInit(); }});
+        frame.step([&] { ui::setFormFonts(*this); });
+        frame.step([&] { variables->controlInit(); });
         loadOptions();
         sstabOptions->setCurrentIndex(tabGeneral);
     });
@@ -230,20 +231,20 @@ void frmOptions::loadOptions() {
         const auto check = [](QCheckBox* box, const char* setting) {
             box->setChecked(getConfigurationSetting(setting) == checkedText);
         };
-        frame.steps(
-            {[&] { number(tdbnumliteNoficationInterval, "EventNotificationInterval"); },
-             [&] { number(tdbnumliteEventlogPollingInterval, "PollingInterval"); },
-             [&] { number(tdbnumliteReportDataAging, "ReportDataAging"); },
-             [&] { txtVoiceMailFileName->setText(ui::fromUtf8(mdlDatabase::getDefaultContent(1).text)); },
-             [&] {
-                 const auto content = mdlDatabase::getDefaultContent(3).parts;
-                 rtbEmailSubject->setStoredText(content.at("Subject"));
-                 rtbEmailBody->setStoredText(content.at("Body"));
-             },
-             [&] { priority(comboVoiceMailPriority, "DefaultVoiceMailPriority"); },
-             [&] { priority(comboEmailPriority, "DefaultEmailPriority"); },
-             [&] { check(chkWarnOnDuplicateMonitoredEvents, "WarnOnDuplicateMonitoredEvents"); },
-             [&] { check(chkMaxDiagnostics, "MaxDiag"); }});
+        frame.step([&] { number(tdbnumliteNoficationInterval, "EventNotificationInterval"); });
+        frame.step([&] { number(tdbnumliteEventlogPollingInterval, "PollingInterval"); });
+        frame.step([&] { number(tdbnumliteReportDataAging, "ReportDataAging"); });
+        frame.step(
+            [&] { txtVoiceMailFileName->setText(ui::fromUtf8(mdlDatabase::getDefaultContent(1).text)); });
+        frame.step([&] {
+            const auto content = mdlDatabase::getDefaultContent(3).parts;
+            rtbEmailSubject->setStoredText(content.at("Subject"));
+            rtbEmailBody->setStoredText(content.at("Body"));
+        });
+        frame.step([&] { priority(comboVoiceMailPriority, "DefaultVoiceMailPriority"); });
+        frame.step([&] { priority(comboEmailPriority, "DefaultEmailPriority"); });
+        frame.step([&] { check(chkWarnOnDuplicateMonitoredEvents, "WarnOnDuplicateMonitoredEvents"); });
+        frame.step([&] { check(chkMaxDiagnostics, "MaxDiag"); });
     });
 }
 

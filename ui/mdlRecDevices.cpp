@@ -65,13 +65,15 @@ void addRecipient(Frame& frame, KeyedTree& tree, const Recordset& recipient,
 void showAssignment(Frame& frame, KeyedTree& tree, const std::string& node,
                     DeviceSelection& selectedDevices) {
     const Recordset& assignment = assignmentsForEvent();
-    if (assignment.boolean("Active"))
-        frame.steps({[&] { tree.ensureVisible(node); }, [&] { tree.setChecked(node, true); },
-                     [&] { recordDeviceState(selectedDevices, node, true); }});
+    if (assignment.boolean("Active")) {
+        frame.step([&] { tree.ensureVisible(node); });
+        frame.step([&] { tree.setChecked(node, true); });
+        frame.step([&] { recordDeviceState(selectedDevices, node, true); });
+    }
     const bool deviceActive = mdlDatabase::isDeviceActive(assignment.number("DeviceKey"));
     const bool recipientActive = mdlDatabase::isRecipientActive(assignment.number("RecipientKey"));
-    frame.steps({[&] { tree.setGreyed(node, !deviceActive || !recipientActive); },
-                 [&] { checkParentState(tree, tree.parentKey(node)); }});
+    frame.step([&] { tree.setGreyed(node, !deviceActive || !recipientActive); });
+    frame.step([&] { checkParentState(tree, tree.parentKey(node)); });
 }
 
 void addDevice(Frame& frame, KeyedTree& tree, const std::string& recipientNode, const Recordset& device,
@@ -110,11 +112,11 @@ void populateRecipientsList(KeyedTree& tree, long eventKey, DeviceSelection& sel
                 frame.step([&] { recipients.moveNext(); });
             }
         }
-        frame.steps({[&] {
-                         if (tree.count() > 0)
-                             tree.ensureVisible(tree.keyAt(1));
-                     },
-                     [&] { recipients.close(); }});
+        frame.step([&] {
+            if (tree.count() > 0)
+                tree.ensureVisible(tree.keyAt(1));
+        });
+        frame.step([&] { recipients.close(); });
     });
 }
 
@@ -138,9 +140,9 @@ void checkAllChildren(KeyedTree& tree, DeviceSelection& selectedDevices, const s
         const std::string parent = tree.parentKey(firstNode);
         const std::vector<std::string> level = tree.childKeys(parent);
         for (auto node = std::find(level.begin(), level.end(), firstNode); node != level.end(); ++node) {
-            frame.steps({[&] { tree.setChecked(*node, state); },
-                         [&] { recordDeviceState(selectedDevices, *node, tree.isChecked(*node)); },
-                         [&] { tree.ensureVisible(*node); }});
+            frame.step([&] { tree.setChecked(*node, state); });
+            frame.step([&] { recordDeviceState(selectedDevices, *node, tree.isChecked(*node)); });
+            frame.step([&] { tree.ensureVisible(*node); });
             const std::vector<std::string> children = tree.childKeys(*node);
             if (!children.empty())
                 checkAllChildren(tree, selectedDevices, children.front(), state);

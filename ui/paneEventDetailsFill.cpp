@@ -65,24 +65,24 @@ void paneEventDetails::displayEventDetails(long eventKey) {
 
 void paneEventDetails::fillEvent(core::Frame& frame, long eventKey) {
     Recordset event = mdlDatabase::getEvent(eventKey);
-    frame.steps(
-        {[&] { txtEventTitle->setText(ui::fromUtf8(ui::textOrEmpty(event, "EventTitle"))); },
-         [&] { chkActive->setChecked(event.boolean("EventActive")); },
-         [&] { fillSources(frame, event.boolean("EventCollection")); },
-         [&] { ui::setComboText(ui::fromUtf8(ui::textOrEmpty(event, "EventSource")), *comboEventSource); },
-         [&] {
-             const std::string id = ui::textOrEmpty(event, "EventID");
-             if (id == std::to_string(mdlDatabase::nodeAllEventIds))
-                 comboEventId->showAll();
-             else
-                 comboEventId->showId(ui::fromUtf8(id));
-         }});
+    frame.step([&] { txtEventTitle->setText(ui::fromUtf8(ui::textOrEmpty(event, "EventTitle"))); });
+    frame.step([&] { chkActive->setChecked(event.boolean("EventActive")); });
+    frame.step([&] { fillSources(frame, event.boolean("EventCollection")); });
+    frame.step(
+        [&] { ui::setComboText(ui::fromUtf8(ui::textOrEmpty(event, "EventSource")), *comboEventSource); });
+    frame.step([&] {
+        const std::string id = ui::textOrEmpty(event, "EventID");
+        if (id == std::to_string(mdlDatabase::nodeAllEventIds))
+            comboEventId->showAll();
+        else
+            comboEventId->showId(ui::fromUtf8(id));
+    });
     cmdEventApply->setEnabled(false);
-    frame.steps({[&] {
-                     comboEventType->setCurrentIndex(
-                         static_cast<int>(mdlDatabase::mapEventType(event.number("EventType"), true)));
-                 },
-                 [&] { event.close(); }});
+    frame.step([&] {
+        comboEventType->setCurrentIndex(
+            static_cast<int>(mdlDatabase::mapEventType(event.number("EventType"), true)));
+    });
+    frame.step([&] { event.close(); });
 }
 
 void paneEventDetails::fillSources(core::Frame& frame, bool catchAll) {
@@ -118,39 +118,40 @@ void paneEventDetails::fillContent(core::Frame& frame, long eventKey) {
 
 void paneEventDetails::fillDefaultContent(core::Frame& frame) {
     using mdlDatabase::getConfigurationSetting;
-    frame.steps({[&] { txtVoiceMailFileName->setText(ui::fromUtf8(mdlDatabase::getDefaultContent(1).text)); },
-                 [&] {
-                     ui::showPriority(*comboVoiceMailPriority,
-                                      ui::priorityRow(getConfigurationSetting("DefaultVoiceMailPriority")));
-                 },
-                 [&] {
-                     const auto parts = mdlDatabase::getDefaultContent(3).parts;
-                     rtbEmailSubject->setStoredText(parts.at("Subject"));
-                     rtbEmailBody->setStoredText(parts.at("Body"));
-                 },
-                 [&] {
-                     ui::showPriority(*comboEmailPriority,
-                                      ui::priorityRow(getConfigurationSetting("DefaultEmailPriority")));
-                 }});
+    frame.step([&] { txtVoiceMailFileName->setText(ui::fromUtf8(mdlDatabase::getDefaultContent(1).text)); });
+    frame.step([&] {
+        ui::showPriority(*comboVoiceMailPriority,
+                         ui::priorityRow(getConfigurationSetting("DefaultVoiceMailPriority")));
+    });
+    frame.step([&] {
+        const auto parts = mdlDatabase::getDefaultContent(3).parts;
+        rtbEmailSubject->setStoredText(parts.at("Subject"));
+        rtbEmailBody->setStoredText(parts.at("Body"));
+    });
+    frame.step([&] {
+        ui::showPriority(*comboEmailPriority,
+                         ui::priorityRow(getConfigurationSetting("DefaultEmailPriority")));
+    });
     colorContent();
 }
 
 // A type of content that the event lacks leaves its controls with what the event before had there.
 void paneEventDetails::fillStoredContent(core::Frame& frame, Recordset& contents) {
     frame.step([&] {
-        if (findContent(contents, 1))
-            frame.steps({[&] {
-                             txtVoiceMailFileName->setText(
-                                 ui::fromUtf8(ui::textOrEmpty(contents, "ContentAttachment")));
-                         },
-                         [&] { showStoredPriority(*comboVoiceMailPriority, contents); }});
+        if (findContent(contents, 1)) {
+            frame.step([&] {
+                txtVoiceMailFileName->setText(ui::fromUtf8(ui::textOrEmpty(contents, "ContentAttachment")));
+            });
+            frame.step([&] { showStoredPriority(*comboVoiceMailPriority, contents); });
+        }
     });
     frame.step([&] {
         if (!findContent(contents, 3))
             return;
-        frame.steps({[&] { rtbEmailSubject->setStoredText(ui::textOrEmpty(contents, "ContentSubject")); },
-                     [&] { rtbEmailBody->setStoredText(ui::textOrEmpty(contents, "ContentNote")); },
-                     [&] { showStoredPriority(*comboEmailPriority, contents); }, [&] { colorContent(); }});
+        frame.step([&] { rtbEmailSubject->setStoredText(ui::textOrEmpty(contents, "ContentSubject")); });
+        frame.step([&] { rtbEmailBody->setStoredText(ui::textOrEmpty(contents, "ContentNote")); });
+        frame.step([&] { showStoredPriority(*comboEmailPriority, contents); });
+        frame.step([&] { colorContent(); });
     });
 }
 

@@ -57,8 +57,8 @@ void paneEventDetails::assignFirstRecipients(core::Frame& frame, long eventKey) 
         frame.step([&] { dialog.displayForm(); });
         if (dialog.cancelled)
             return;
-        frame.steps({[&] { mdlDatabase::addNewRecipient(dialog.newRecipient()); },
-                     [] { mdlDatabase::rebuildAddressDetailsTable(); }});
+        frame.step([&] { mdlDatabase::addNewRecipient(dialog.newRecipient()); });
+        frame.step([] { mdlDatabase::rebuildAddressDetailsTable(); });
     }
     frame.step([&] { editRecipients(eventKey); });
 }
@@ -77,17 +77,18 @@ void paneEventDetails::cmdRemoveRecipient_Click() {
     core::procedure(module, "cmdRemoveRecipient_Click", [&](core::Frame& frame) {
         long eventKey = 0;
         long recipientKey = 0;
-        if (!frame.steps({[&] { recipientKey = tvRecipients->info(tvRecipients->selectedKey()).key; },
-                          [&] { eventKey = selectedEventKey(); }}))
+        if (!frame.steps(
+                {core::Step([&] { recipientKey = tvRecipients->info(tvRecipients->selectedKey()).key; }),
+                 core::Step([&] { eventKey = selectedEventKey(); })}))
             return;
         if (!settleChanges(eventKey))
             return;
         frame.step([&] { mdlDatabase::removeRecipientFromEvent(eventKey, recipientKey); });
         selectedDevices_.clear();
-        frame.steps(
-            {[&] { tvRecipients->clearNodes(); },
-             [&] { mdlRecDevices::populateRecipientsList(*tvRecipients, eventKey, selectedDevices_, true); },
-             [&] { emit eventSaved(eventKey); }});
+        frame.step([&] { tvRecipients->clearNodes(); });
+        frame.step(
+            [&] { mdlRecDevices::populateRecipientsList(*tvRecipients, eventKey, selectedDevices_, true); });
+        frame.step([&] { emit eventSaved(eventKey); });
         cmdRemoveRecipient->setEnabled(false);
     });
 }

@@ -136,7 +136,7 @@ void paneExclusionDetails::cmdExclusionApply_Click() {
         });
         if (!read)
             return;
-        frame.steps({[&] { mdlDatabase::modifyExclusion(exclusionKey_, eventId); },
-                     [&] { emit exclusionSaved(exclusionKey_); }});
+        frame.step([&] { mdlDatabase::modifyExclusion(exclusionKey_, eventId); });
+        frame.step([&] { emit exclusionSaved(exclusionKey_); });
     });
 }

@@ -89,12 +89,13 @@ void paneExclusions::displayAllExclusions() {
                 frame.step([&] { exclusions.moveNext(); });
             }
         }
-        frame.steps({[&] { vsflexgridAllExclusions->fitColumns(); }, [&] { resizeAllExclusionsGrid(); },
-                     [&] { cmdDeleteSelectedExclusion->setEnabled(false); },
-                     [&] {
-                         if (isOpen())
-                             exclusions.close();
-                     }});
+        frame.step([&] { vsflexgridAllExclusions->fitColumns(); });
+        frame.step([&] { resizeAllExclusionsGrid(); });
+        frame.step([&] { cmdDeleteSelectedExclusion->setEnabled(false); });
+        frame.step([&] {
+            if (isOpen())
+                exclusions.close();
+        });
     });
 }
 

@@ -146,12 +146,12 @@ void paneMonitoredEvents::displayEvents() {
                 frame.step([&] { events.moveNext(); });
             }
         }
-        frame.steps({[&] { vsflexgridMonitoredEvents->fitColumns(); },
-                     [&] { cmdDeleteSelectedEvent->setEnabled(false); },
-                     [&] {
-                         if (events.state() == platform::ObjectState::open)
-                             events.close();
-                     }});
+        frame.step([&] { vsflexgridMonitoredEvents->fitColumns(); });
+        frame.step([&] { cmdDeleteSelectedEvent->setEnabled(false); });
+        frame.step([&] {
+            if (events.state() == platform::ObjectState::open)
+                events.close();
+        });
     });
 }
 

@@ -94,8 +94,8 @@ void paneRecipientDetails::displayRecipient(long recipientKey) {
         cmdTestNotification->setEnabled(core::gIgnoreEventKey != -1);
         Recordset devices;
         bool none = true;
-        frame.steps({[&] { devices = mdlDatabase::openRecipientWithDevices(recipientKey); },
-                     [&] { none = devices.EOF_(); }});
+        frame.step([&] { devices = mdlDatabase::openRecipientWithDevices(recipientKey); });
+        frame.step([&] { none = devices.EOF_(); });
         if (none) {
             closeIfOpen(frame, devices);
             Recordset recipient = mdlDatabase::getRecipient(recipientKey);
@@ -109,8 +109,8 @@ void paneRecipientDetails::displayRecipient(long recipientKey) {
             showStoredDevices(frame, devices);
             closeIfOpen(frame, devices);
         }
-        frame.steps({[&] { displayMonitoredEventsForRecipient(recipientKey); },
-                     [&] { displayDevicesForRecipient(recipientKey); }});
+        frame.step([&] { displayMonitoredEventsForRecipient(recipientKey); });
+        frame.step([&] { displayDevicesForRecipient(recipientKey); });
         tabs.setCurrentIndex(0);
         recipientChanged_ = false;
         cmdRecipientApply->setEnabled(false);
@@ -118,8 +118,8 @@ void paneRecipientDetails::displayRecipient(long recipientKey) {
 }
 
 void paneRecipientDetails::showStoredRecipient(core::Frame& frame, const Recordset& row) {
-    frame.steps({[&] { txtRecipientName->setText(ui::fromUtf8(textOrEmpty(row, "RecipientName"))); },
-                 [&] { chkRecipientActive->setChecked(row.boolean("RecipientActive")); }});
+    frame.step([&] { txtRecipientName->setText(ui::fromUtf8(textOrEmpty(row, "RecipientName"))); });
+    frame.step([&] { chkRecipientActive->setChecked(row.boolean("RecipientActive")); });
 }
 
 // Nothing here disables a Clear button, so that one can stay enabled with nothing to clear, and nothing
@@ -130,25 +130,24 @@ void paneRecipientDetails::showStoredDevices(core::Frame& frame, Recordset& devi
     const auto showSwitch = [&](DeviceType type, QCheckBox& box) {
         box.setChecked(findFirst(devices, type));
     };
-    frame.steps({[&] { showEntry(devices, mdlDatabase::voiceMail, *tabs.voiceMail); },
-                 [&] { showList(devices, mdlDatabase::pager, *tabs.pagers); },
-                 [&] { showEntry(devices, mdlDatabase::email, *tabs.email); },
-                 [&] { showList(devices, mdlDatabase::smtpAddress, *tabs.smtp); },
-                 [&] { showSwitch(mdlDatabase::snmpTrap, *tabs.chkSNMPTrapEnabled); },
-                 [&] {
-                     showSwitch(mdlDatabase::syslog, *tabs.chkSyslogEnabled);
-                     if (tabs.chkSyslogEnabled->isChecked())
-                         tabs.txtSyslogHostAddress->setText(
-                             ui::fromUtf8(textOrEmpty(devices, "DeviceAddress")));
-                 },
-                 [&] { showSwitch(mdlDatabase::failover, *tabs.chkFailoverEnabled); }});
+    frame.step([&] { showEntry(devices, mdlDatabase::voiceMail, *tabs.voiceMail); });
+    frame.step([&] { showList(devices, mdlDatabase::pager, *tabs.pagers); });
+    frame.step([&] { showEntry(devices, mdlDatabase::email, *tabs.email); });
+    frame.step([&] { showList(devices, mdlDatabase::smtpAddress, *tabs.smtp); });
+    frame.step([&] { showSwitch(mdlDatabase::snmpTrap, *tabs.chkSNMPTrapEnabled); });
+    frame.step([&] {
+        showSwitch(mdlDatabase::syslog, *tabs.chkSyslogEnabled);
+        if (tabs.chkSyslogEnabled->isChecked())
+            tabs.txtSyslogHostAddress->setText(ui::fromUtf8(textOrEmpty(devices, "DeviceAddress")));
+    });
+    frame.step([&] { showSwitch(mdlDatabase::failover, *tabs.chkFailoverEnabled); });
 }
 
 void paneRecipientDetails::displayMonitoredEventsForRecipient(long recipientKey) {
     core::procedure(module, "displayMonitoredEventsForRecipient", [&](core::Frame& frame) {
         Recordset events;
-        frame.steps({[&] { events = mdlDatabase::openEventsForRecipient(recipientKey); },
-                     [&] { tvEventsMonitored->clearNodes(); }});
+        frame.step([&] { events = mdlDatabase::openEventsForRecipient(recipientKey); });
+        frame.step([&] { tvEventsMonitored->clearNodes(); });
         tvEventsMonitored->setToolTip(QString());
         const ui::KeyedTree::Fill fill(*tvEventsMonitored);
         while (events.state() == ObjectState::open && !events.EOF_()) {
@@ -175,8 +174,8 @@ void paneRecipientDetails::displayMonitoredEventsForRecipient(long recipientKey)
 void paneRecipientDetails::displayDevicesForRecipient(long recipientKey) {
     core::procedure(module, "displayDevicesForRecipient", [&](core::Frame& frame) {
         Recordset devices;
-        frame.steps({[&] { devices = mdlDatabase::openDevicesForRecipient(recipientKey); },
-                     [&] { tvRecipientDevices->clearNodes(); }});
+        frame.step([&] { devices = mdlDatabase::openDevicesForRecipient(recipientKey); });
+        frame.step([&] { tvRecipientDevices->clearNodes(); });
         std::string kindNode;
         {
             const ui::KeyedTree::Fill fill(*tvRecipientDevices);

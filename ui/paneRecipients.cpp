@@ -119,12 +119,13 @@ void paneRecipients::displayAllRecipients() {
                 frame.step([&] { recipients.moveNext(); });
             }
         }
-        frame.steps({[&] {
-                         if (isOpen())
-                             recipients.close();
-                     },
-                     [&] { vsflexgridAllRecipients->fitColumns(); }, [&] { resizeAllRecipientsGrid(); },
-                     [&] { cmdDeleteSelectedRecipient->setEnabled(false); }});
+        frame.step([&] {
+            if (isOpen())
+                recipients.close();
+        });
+        frame.step([&] { vsflexgridAllRecipients->fitColumns(); });
+        frame.step([&] { resizeAllRecipientsGrid(); });
+        frame.step([&] { cmdDeleteSelectedRecipient->setEnabled(false); });
     });
 }
 

@@ -158,13 +158,13 @@ void paneReport::cmdFilterByDate_Click() {
         std::string lower;
         std::string upper;
         // Both bounds are strict: a row at a bound is not shown.
-        frame.steps(
-            {[&] { lower = "> " + dateLiteral(*dtpickerReport[startDate], *dtpickerReport[startTime]); },
-             [&] { upper = "< " + dateLiteral(*dtpickerReport[endDate], *dtpickerReport[endTime]); },
-             [&] {
-                 loadReport(nodeText_, "SELECT * FROM NotificationLog WHERE LogTime " + lower +
-                                           " AND LogTime " + upper + " ORDER BY LogKey");
-             }});
+        frame.step(
+            [&] { lower = "> " + dateLiteral(*dtpickerReport[startDate], *dtpickerReport[startTime]); });
+        frame.step([&] { upper = "< " + dateLiteral(*dtpickerReport[endDate], *dtpickerReport[endTime]); });
+        frame.step([&] {
+            loadReport(nodeText_, "SELECT * FROM NotificationLog WHERE LogTime " + lower + " AND LogTime " +
+                                      upper + " ORDER BY LogKey");
+        });
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <source_location>
 #include <stdexcept>
 
 #include "core/classLog.h"
@@ -55,11 +56,9 @@ TEST_F(Procedure, EveryStepIsAttemptedAndTheResultIsWhatTheBodyMade) {
     int ran = 0;
     const std::string result =
         procedure("mdlTest", "work", std::string(), [&](Frame& frame, std::string& text) {
-            frame.steps({
-                [&] { ++ran; },
-                [&] { throw std::out_of_range("vector"); },
-                [&] { text = "kept"; },
-            });
+            frame.step([&] { ++ran; });
+            frame.step([&] { throw std::out_of_range("vector"); });
+            frame.step([&] { text = "kept"; });
             if (!frame.step([] { throw platform::makeFailure(platform::permissionDenied); }))
                 return;
             text = "not reached";
@@ -69,6 +68,18 @@ TEST_F(Procedure, EveryStepIsAttemptedAndTheResultIsWhatTheBodyMade) {
     EXPECT_EQ(host.countInLog("Err.Number = 5 Err.Description = vector Line: "), 1);
     EXPECT_EQ(host.countInLog("Err.Number = 70 Err.Description = Permission denied Line: "), 1);
     EXPECT_EQ(host.countInLog("Exiting  [mdlTest]work_0"), 1);
+}
+
+TEST_F(Procedure, EachFailingStepIsLoggedWithTheLineItStandsOn) {
+    const auto fails = [] { throw platform::makeFailure(platform::permissionDenied); };
+    const unsigned line = std::source_location::current().line();
+    procedure("mdlTest", "work", [&](Frame& frame) {
+        frame.step(fails);
+        frame.steps({core::Step(fails),  // each on a line of its own
+                     core::Step([&] { fails(); })});
+    });
+    for (const unsigned below : {2U, 3U, 4U})
+        EXPECT_EQ(host.countInLog("Permission denied Line: " + std::to_string(line + below)), 1) << below;
 }
 
 TEST_F(Procedure, OwnCasesAreNotLoggedButCount) {
