@@ -138,6 +138,23 @@ TEST_F(Import, StopsTheRunningLegacyServiceAndBringsItsEventsOver) {
     EXPECT_EQ(platform::files::readFile(folder / "KESN.MDB"), legacy);
 }
 
+// The legacy service misbehaves by a value of its own key. It ends with its host.
+TEST_F(Import, LeavesALegacyServiceThatDoesNotStop) {
+    mdlUtility::myStopService("tskesnsvr");
+    host.setRegistry("SOFTWARE\\Tessaly\\Kesn", "ServiceBehaviour", std::string("hangInStop"));
+    qlnhost("services start tskesnsvr");
+    expectBoxes(true, {});
+    prompts.expect(
+        {"Unable to stop the TsKESN service, you must manually stop this service and try the import again.",
+         "Cannot Stop TsKESN Service", BoxIcon::critical, BoxButtons::ok},
+        BoxAnswer::ok);
+    choose("mnuImportEvents");
+    EXPECT_TRUE(prompts.finished());
+    EXPECT_EQ(legacyState(), "TsKesnSvr        stop pending\n");
+    EXPECT_EQ(rows("SELECT Count(*) FROM Events"), Lines{"2"});
+    EXPECT_TRUE(mdlUtility::myStopService("hbqlnsvc"));
+}
+
 class ServiceLog : public Demonstration {
   protected:
     fs::path file() const { return host.root() / "Service" / "HbQlnSvc.log"; }
