@@ -39,8 +39,7 @@ dlgEvent::dlgEvent(QWidget* parent) : QDialog(parent) {
     createControls();
     createContentControls();
     buildLayout();
-    dlgEvent_ControlInit();
-    ui::setFormFonts(*this);
+    Form_Load();
     connectControls();
 }
 
@@ -162,6 +161,14 @@ void dlgEvent::buildLayout() {
     resize(680, 640);
 }
 
+void dlgEvent::Form_Load() {
+    core::procedure(module, "Form_Load", [&](core::Frame& frame) {
+        frame.step([&] { dlgEvent_ControlInit(); });
+        frame.step([&] { ui::setFormFonts(*this); });
+        frame.step([&] { variables->controlInit(); });
+    });
+}
+
 void dlgEvent::dlgEvent_ControlInit() {
     core::procedure(module, "dlgEvent_ControlInit", [&](core::Frame&) {
         setWindowTitle(ui::text(1018));
@@ -189,7 +196,9 @@ void dlgEvent::dlgEvent_ControlInit() {
         cmdOpenEventViewer->setText(ui::text(1057));
         cmdOk->setText(ui::text(1001));
         cmdCancel->setText(ui::text(1023));
-        variables->controlInit();
+        // The menu is filled after the window is captioned.
+        if (variables->mnuInsert.size() > 1)
+            variables->controlInit();
         ui::nameByBuddy(*this);
         tdbnlSpecificEventId->setAccessibleName(ui::plainCaption(optionEventId[specificEventId]->text()));
     });
@@ -200,11 +209,14 @@ void dlgEvent::connectControls() {
     for (int i : {allEventIds, specificEventId})
         connect(optionEventId[static_cast<std::size_t>(i)], &QRadioButton::clicked, this,
                 [this, i] { optionEventId_Click(i); });
-    connect(tdbnlSpecificEventId, &QLineEdit::textChanged, this, [this] { updateOkButton(); });
-    connect(comboVoiceMailPriority, &QComboBox::currentIndexChanged, this,
-            [this](int index) { voiceMailPriority = mdlDatabase::mapPriority(index); });
-    connect(comboEmailPriority, &QComboBox::currentIndexChanged, this,
-            [this](int index) { emailPriority = mdlDatabase::mapPriority(index); });
+    connect(tdbnlSpecificEventId, &QLineEdit::textChanged, this, &dlgEvent::tdbnlSpecificEventId_Change);
+    const auto keepPriority = [this](QComboBox& list, const char* handler, long& priority) {
+        connect(&list, &QComboBox::currentIndexChanged, this, [handler, &priority](int row) {
+            core::procedure(module, handler, [&](core::Frame&) { priority = mdlDatabase::mapPriority(row); });
+        });
+    };
+    keepPriority(*comboVoiceMailPriority, "comboVoiceMailPriority_Click", voiceMailPriority);
+    keepPriority(*comboEmailPriority, "comboEmailPriority_Click", emailPriority);
     connect(cmdVoiceMailBrowse, &QPushButton::clicked, this, &dlgEvent::cmdVoiceMailBrowse_Click);
     connect(cmdImportFromClipboard, &QPushButton::clicked, this, &dlgEvent::cmdImportFromClipboard_Click);
     connect(cmdOpenEventViewer, &QPushButton::clicked, this, &dlgEvent::cmdOpenEventViewer_Click);
@@ -269,6 +281,10 @@ void dlgEvent::comboEventSource_Click() {
     core::procedure(module, "comboEventSource_Click", [&](core::Frame&) { updateOkButton(); });
 }
 
+void dlgEvent::tdbnlSpecificEventId_Change() {
+    core::procedure(module, "tdbnlSpecificEventId_Change", [&](core::Frame&) { updateOkButton(); });
+}
+
 void dlgEvent::optionEventId_Click(int index) {
     core::procedure(module, "optionEventId_Click", [&](core::Frame&) {
         tdbnlSpecificEventId->setVisible(index == specificEventId);
@@ -284,6 +300,8 @@ void dlgEvent::optionEventId_Click(int index) {
 
 void dlgEvent::cmdOk_Click() {
     core::procedure(module, "cmdOk_Click", [&](core::Frame&) {
+        if (!variables->leaveSubject(*cmdOk))
+            return;
         cancelled = false;
         accept();
     });

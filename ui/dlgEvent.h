@@ -47,10 +47,12 @@ class dlgEvent : public QDialog {
     QLayout* buttonsLayout();
     void layOutContent();
     void connectControls();
+    void Form_Load();
     void fillSources();
     void fillContent();
     void updateOkButton();
     void comboEventSource_Click();
+    void tdbnlSpecificEventId_Change();
     void optionEventId_Click(int index);
     void cmdOk_Click();
     void cmdCancel_Click();

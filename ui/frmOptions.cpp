@@ -269,14 +269,9 @@ void frmOptions::saveOptions() {
 
 // Asks about a blank subject when something is done that would leave it; true when it is not blank by then.
 bool frmOptions::leaveSubject(QWidget& next) {
-    const auto isBlank = [&] { return rtbEmailSubject->toPlainText().isEmpty(); };
-    if (!isBlank())
-        return true;
-    sstabOptions->setCurrentIndex(tabDefaultContent);
-    rtbEmailSubject->setFocus();
-    // The Enter key presses a button without moving the focus, so it is moved here, and the question comes.
-    next.setFocus();
-    return !isBlank();
+    if (rtbEmailSubject->toPlainText().isEmpty())
+        sstabOptions->setCurrentIndex(tabDefaultContent);
+    return variables->leaveSubject(next);
 }
 
 void frmOptions::sstabOptions_Click(int tab) {
