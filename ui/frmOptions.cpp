@@ -12,6 +12,7 @@
 
 #include "core/procedure.h"
 #include "database/settings.h"
+#include "ui/RTBHelpers.h"
 #include "ui/controls.h"
 #include "ui/formFonts.h"
 #include "ui/insertionVariables.h"
@@ -162,14 +163,13 @@ void frmOptions::buildLayout() {
 }
 
 void frmOptions::connectControls() {
-    const auto keepPriority = [this](QComboBox* combo, long& priority) {
-        connect(combo, &QComboBox::currentIndexChanged, this, [&priority](int row) {
-            if (row >= 0)
-                priority = mdlDatabase::mapPriority(row);
+    const auto keepPriority = [this](QComboBox* combo, const char* handler, long& priority) {
+        connect(combo, &QComboBox::currentIndexChanged, this, [handler, &priority](int row) {
+            core::procedure(module, handler, [&](core::Frame&) { priority = mdlDatabase::mapPriority(row); });
         });
     };
-    keepPriority(comboVoiceMailPriority, voiceMailPriority_);
-    keepPriority(comboEmailPriority, emailPriority_);
+    keepPriority(comboVoiceMailPriority, "comboVoiceMailPriority_Click", voiceMailPriority_);
+    keepPriority(comboEmailPriority, "comboEmailPriority_Click", emailPriority_);
     connect(sstabOptions, &QTabWidget::currentChanged, this, &frmOptions::sstabOptions_Click);
     connect(cmdVoiceMailBrowse, &QPushButton::clicked, this, &frmOptions::cmdVoiceMailBrowse_Click);
     connect(cmdOk, &QPushButton::clicked, this, &frmOptions::cmdOk_Click);
@@ -226,7 +226,7 @@ void frmOptions::loadOptions() {
             box->setStoredNumber(getConfigurationSetting(setting));
         };
         const auto priority = [](QComboBox* combo, const char* setting) {
-            combo->setCurrentIndex(ui::priorityRow(getConfigurationSetting(setting)));
+            ui::showPriority(*combo, ui::priorityRow(getConfigurationSetting(setting)));
         };
         const auto check = [](QCheckBox* box, const char* setting) {
             box->setChecked(getConfigurationSetting(setting) == checkedText);
@@ -240,6 +240,8 @@ void frmOptions::loadOptions() {
             const auto content = mdlDatabase::getDefaultContent(3).parts;
             rtbEmailSubject->setStoredText(content.at("Subject"));
             rtbEmailBody->setStoredText(content.at("Body"));
+            for (ui::VariableTextBox* box : {rtbEmailSubject, rtbEmailBody})
+                RTBHelpers::colorInsertionTokens(*box, RTBHelpers::insertionTokens);
         });
         frame.step([&] { priority(comboVoiceMailPriority, "DefaultVoiceMailPriority"); });
         frame.step([&] { priority(comboEmailPriority, "DefaultEmailPriority"); });
