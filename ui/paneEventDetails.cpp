@@ -6,6 +6,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QSignalBlocker>
@@ -200,6 +201,7 @@ void paneEventDetails::controlInit() {
     ui::fillCombo(*comboEmailPriority, {1035, 1036});
     cmdExclusions->setText(ui::text(1107));
     cmdEventApply->setText(ui::text(1046));
+    variables->mnuVariables->setTitle(ui::text(1058));
     // The menu is filled when the first event is shown.
     if (variables->mnuInsert.size() > 1)
         variables->controlInit();
