@@ -285,6 +285,7 @@ void frmOptions::sstabOptions_Click(int tab) {
                 sstabOptions->setCurrentIndex(tabGeneral);
             return;
         }
+        // Nothing of the page before is to stay on these.
         comboEmailPriority->update();
         comboVoiceMailPriority->update();
         cmdOk->update();

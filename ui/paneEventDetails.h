@@ -118,8 +118,8 @@ class paneEventDetails : public QWidget, public EditingPane {
     ui::InsertionVariables* variables;
 
     bool eventDataChanged_ = false;
-    bool eventRecipientsChanged_ = false;
-    long voiceMailPriority_ = 0;  // stored values: 2 Urgent, 1 Normal, 0 Low
+    bool eventRecipientsChanged_ = false;  // for the rest of the run once a box was ticked; it stays so
+    long voiceMailPriority_ = 0;           // stored values: 2 Urgent, 1 Normal, 0 Low
     long emailPriority_ = 0;
     mdlDatabase::DeviceSelection selectedDevices_;  // the devices ticked in tvRecipients
 };
