@@ -17,9 +17,8 @@ class QPushButton;
 class QRadioButton;
 
 namespace ui {
-class InsertionVariables;
+class ContentGroup;
 class NumberBox;
-class VariableTextBox;
 }  // namespace ui
 
 class dlgEvent : public QDialog {
@@ -34,27 +33,21 @@ class dlgEvent : public QDialog {
 
     // Read after displayForm. True when the dialog ended without OK.
     bool cancelled = true;
-    long voiceMailPriority = 1;  // stored values: 2 Urgent, 1 Normal, 0 Low
-    long emailPriority = 1;
     // What the controls hold, as a new event.
     mdlDatabase::NewEvent newEvent() const;
 
   private:
     void createControls();
-    void createContentControls();
     void buildLayout();
     QLayout* matchLayout();
     QLayout* buttonsLayout();
-    void layOutContent();
     void connectControls();
     void fillSources();
-    void fillContent();
     void updateOkButton();
     void comboEventSource_Click();
     void optionEventId_Click(int index);
     void cmdOk_Click();
     void cmdCancel_Click();
-    void cmdVoiceMailBrowse_Click();
     void cmdImportFromClipboard_Click();
     void cmdOpenEventViewer_Click();
 
@@ -68,19 +61,7 @@ class dlgEvent : public QDialog {
     QLabel* lblEventTitle;
     QLineEdit* txtEventTitle;
     QGroupBox* frameContent;
-    QLabel* lblVoiceMailFilename;
-    QLineEdit* txtVoiceMailFileName;
-    QPushButton* cmdVoiceMailBrowse;
-    QLabel* lblVoiceMailPriority;
-    QComboBox* comboVoiceMailPriority;
-    QLabel* lblEmailSubject;
-    ui::VariableTextBox* rtbEmailSubject;
-    QLabel* Label1;
-    ui::VariableTextBox* rtbEmailBody;
-    QLabel* lblEmailPriority;
-    QLabel* Label2;
-    QComboBox* comboEmailPriority;
-    ui::InsertionVariables* variables;
+    ui::ContentGroup* content;
     QPushButton* cmdImportFromClipboard;
     QPushButton* cmdOpenEventViewer;
     QPushButton* cmdOk;
