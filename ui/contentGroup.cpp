@@ -37,8 +37,8 @@ void showDefaultPriority(QComboBox& list, const char* setting) {
 }  // namespace
 
 ContentGroup::ContentGroup(std::string module, QWidget& window, QWidget& area, const Names& names,
-                           std::function<void()> textChanged)
-    : QObject(&window), module_(std::move(module)) {
+                           Handlers handlers)
+    : QObject(&window), module_(std::move(module)), priorityClicked_(std::move(handlers.priorityClicked)) {
     lblVoiceMailFilename = makeControl<QLabel>(&area, "lblVoiceMailFilename");
     txtVoiceMailFileName = makeControl<QLineEdit>(&area, "txtVoiceMailFileName");
     cmdVoiceMailBrowse = makeControl<QPushButton>(&area, "cmdVoiceMailBrowse");
@@ -53,14 +53,22 @@ ContentGroup::ContentGroup(std::string module, QWidget& window, QWidget& area, c
     lblRightClick->setWordWrap(true);
     lblEmailPriority = makeControl<QLabel>(&area, "lblEmailPriority");
     comboEmailPriority = makeControl<QComboBox>(&area, "comboEmailPriority");
-    variables =
-        new InsertionVariables(module_, window, *rtbEmailSubject, *rtbEmailBody, std::move(textChanged));
+    variables = new InsertionVariables(module_, window, *rtbEmailSubject, *rtbEmailBody,
+                                       std::move(handlers.textChanged));
     layOut(area);
-    connect(comboVoiceMailPriority, &QComboBox::currentIndexChanged, this,
-            [this](int row) { voiceMailPriority_ = mdlDatabase::mapPriority(row); });
-    connect(comboEmailPriority, &QComboBox::currentIndexChanged, this,
-            [this](int row) { emailPriority_ = mdlDatabase::mapPriority(row); });
+    keepPriority(*comboVoiceMailPriority, "comboVoiceMailPriority_Click", voiceMailPriority_);
+    keepPriority(*comboEmailPriority, "comboEmailPriority_Click", emailPriority_);
     connect(cmdVoiceMailBrowse, &QPushButton::clicked, this, &ContentGroup::cmdVoiceMailBrowse_Click);
+}
+
+void ContentGroup::keepPriority(QComboBox& list, const char* handler, long& priority) {
+    connect(&list, &QComboBox::currentIndexChanged, this, [this, handler, &priority](int row) {
+        core::procedure(module_, handler, [&](core::Frame& frame) {
+            priority = mdlDatabase::mapPriority(row);
+            if (priorityClicked_)
+                frame.step([&] { priorityClicked_(); });
+        });
+    });
 }
 
 void ContentGroup::layOut(QWidget& area) {
@@ -104,6 +112,8 @@ void ContentGroup::controlInit() {
     lblRightClick->setText(text(1152));
     lblEmailPriority->setText(text(1043));
     fillCombo(*comboEmailPriority, {1035, 1036});
+    if (variables->mnuInsert.size() > 1)
+        variables->controlInit();
 }
 
 void ContentGroup::showDefaultVoiceFile() {

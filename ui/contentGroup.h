@@ -29,13 +29,19 @@ class ContentGroup : public QObject {
         const char* hintLabel;
     };
 
-    // Makes the controls in `area` and lays them out there. The object belongs to `window`, whose name in the
-    // log is `module`. `textChanged`, if there is one, is the window's part of the change handlers of subject
-    // and body.
-    ContentGroup(std::string module, QWidget& window, QWidget& area, const Names& names,
-                 std::function<void()> textChanged = {});
+    // The window's own part of the handlers, where it has one.
+    struct Handlers {
+        std::function<void()> textChanged;      // subject and body
+        std::function<void()> priorityClicked;  // both lists
+    };
 
-    // Captions and lists from the string table; the menu of insertion variables is left to the window.
+    // Makes the controls in `area` and lays them out there. The object belongs to `window`, whose name in the
+    // log is `module`.
+    ContentGroup(std::string module, QWidget& window, QWidget& area, const Names& names,
+                 Handlers handlers = {});
+
+    // Captions and lists from the string table. The menu of insertion variables is captioned once the window
+    // has filled it.
     void controlInit();
     // Puts the controls behind `before` in the tab order; the last of them is comboEmailPriority.
     void followInTabOrder(QWidget& before);
@@ -63,9 +69,11 @@ class ContentGroup : public QObject {
 
   private:
     void layOut(QWidget& area);
+    void keepPriority(QComboBox& list, const char* handler, long& priority);
     void cmdVoiceMailBrowse_Click();
 
     std::string module_;
+    std::function<void()> priorityClicked_;
     // Stored values: 2 Urgent, 1 Normal, 0 Low, which the lists do not offer.
     long voiceMailPriority_ = 0;
     long emailPriority_ = 0;

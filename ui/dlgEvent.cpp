@@ -35,8 +35,7 @@ dlgEvent::dlgEvent(QWidget* parent) : QDialog(parent) {
     setObjectName("dlgEvent");
     createControls();
     buildLayout();
-    dlgEvent_ControlInit();
-    ui::setFormFonts(*this);
+    Form_Load();
     connectControls();
 }
 
@@ -116,6 +115,14 @@ void dlgEvent::buildLayout() {
     resize(680, 640);
 }
 
+void dlgEvent::Form_Load() {
+    core::procedure(module, "Form_Load", [&](core::Frame& frame) {
+        frame.step([&] { dlgEvent_ControlInit(); });
+        frame.step([&] { ui::setFormFonts(*this); });
+        frame.step([&] { content->variables->controlInit(); });
+    });
+}
+
 void dlgEvent::dlgEvent_ControlInit() {
     core::procedure(module, "dlgEvent_ControlInit", [&](core::Frame&) {
         setWindowTitle(ui::text(1018));
@@ -133,7 +140,6 @@ void dlgEvent::dlgEvent_ControlInit() {
         cmdOpenEventViewer->setText(ui::text(1057));
         cmdOk->setText(ui::text(1001));
         cmdCancel->setText(ui::text(1023));
-        content->variables->controlInit();
         ui::nameByBuddy(*this);
         tdbnlSpecificEventId->setAccessibleName(ui::plainCaption(optionEventId[specificEventId]->text()));
     });
@@ -144,7 +150,7 @@ void dlgEvent::connectControls() {
     for (int i : {allEventIds, specificEventId})
         connect(optionEventId[static_cast<std::size_t>(i)], &QRadioButton::clicked, this,
                 [this, i] { optionEventId_Click(i); });
-    connect(tdbnlSpecificEventId, &QLineEdit::textChanged, this, [this] { updateOkButton(); });
+    connect(tdbnlSpecificEventId, &QLineEdit::textChanged, this, &dlgEvent::tdbnlSpecificEventId_Change);
     connect(cmdImportFromClipboard, &QPushButton::clicked, this, &dlgEvent::cmdImportFromClipboard_Click);
     connect(cmdOpenEventViewer, &QPushButton::clicked, this, &dlgEvent::cmdOpenEventViewer_Click);
     connect(cmdOk, &QPushButton::clicked, this, &dlgEvent::cmdOk_Click);
@@ -196,6 +202,10 @@ void dlgEvent::comboEventSource_Click() {
     core::procedure(module, "comboEventSource_Click", [&](core::Frame&) { updateOkButton(); });
 }
 
+void dlgEvent::tdbnlSpecificEventId_Change() {
+    core::procedure(module, "tdbnlSpecificEventId_Change", [&](core::Frame&) { updateOkButton(); });
+}
+
 void dlgEvent::optionEventId_Click(int index) {
     core::procedure(module, "optionEventId_Click", [&](core::Frame&) {
         tdbnlSpecificEventId->setVisible(index == specificEventId);
@@ -211,6 +221,8 @@ void dlgEvent::optionEventId_Click(int index) {
 
 void dlgEvent::cmdOk_Click() {
     core::procedure(module, "cmdOk_Click", [&](core::Frame&) {
+        if (!content->variables->leaveSubject(*cmdOk))
+            return;
         cancelled = false;
         accept();
     });

@@ -42,9 +42,11 @@ class dlgEvent : public QDialog {
     QLayout* matchLayout();
     QLayout* buttonsLayout();
     void connectControls();
+    void Form_Load();
     void fillSources();
     void updateOkButton();
     void comboEventSource_Click();
+    void tdbnlSpecificEventId_Change();
     void optionEventId_Click(int index);
     void cmdOk_Click();
     void cmdCancel_Click();

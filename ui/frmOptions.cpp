@@ -167,7 +167,10 @@ void frmOptions::loadOptions() {
         frame.step([&] { number(tdbnumliteEventlogPollingInterval, "PollingInterval"); });
         frame.step([&] { number(tdbnumliteReportDataAging, "ReportDataAging"); });
         frame.step([&] { content->showDefaultVoiceFile(); });
-        frame.step([&] { content->showDefaultMail(); });
+        frame.step([&] {
+            content->showDefaultMail();
+            content->colorTexts();
+        });
         frame.step([&] { content->showDefaultVoiceMailPriority(); });
         frame.step([&] { content->showDefaultEmailPriority(); });
         frame.step([&] { check(chkWarnOnDuplicateMonitoredEvents, "WarnOnDuplicateMonitoredEvents"); });
@@ -197,14 +200,9 @@ void frmOptions::saveOptions() {
 
 // Asks about a blank subject when something is done that would leave it; true when it is not blank by then.
 bool frmOptions::leaveSubject(QWidget& next) {
-    const auto isBlank = [&] { return content->rtbEmailSubject->toPlainText().isEmpty(); };
-    if (!isBlank())
-        return true;
-    sstabOptions->setCurrentIndex(tabDefaultContent);
-    content->rtbEmailSubject->setFocus();
-    // The Enter key presses a button without moving the focus, so it is moved here, and the question comes.
-    next.setFocus();
-    return !isBlank();
+    if (content->rtbEmailSubject->toPlainText().isEmpty())
+        sstabOptions->setCurrentIndex(tabDefaultContent);
+    return content->variables->leaveSubject(next);
 }
 
 void frmOptions::sstabOptions_Click(int tab) {

@@ -61,12 +61,13 @@ void paneEventDetails::createControls() {
 }
 
 void paneEventDetails::createContentControls() {
-    content = new ui::ContentGroup(module, *this, *frameContent, {"lblEmailBody", "Label2"}, [this] {
-        if (core::gRebuildingControls)
-            return;
-        eventDataChanged_ = true;
-        updateEventApply();
-    });
+    content = new ui::ContentGroup(module, *this, *frameContent, {"lblEmailBody", "Label2"},
+                                   {.textChanged =
+                                        [this] {
+                                            if (!core::gRebuildingControls)
+                                                markChanged();
+                                        },
+                                    .priorityClicked = [this] { markChanged(); }});
     content->rtbEmailBody->setMinimumHeight(lowestBody);
 }
 
@@ -148,9 +149,6 @@ void paneEventDetails::controlInit() {
     content->controlInit();
     cmdExclusions->setText(ui::text(1107));
     cmdEventApply->setText(ui::text(1046));
-    // The menu is filled when the first event is shown.
-    if (content->variables->mnuInsert.size() > 1)
-        content->variables->controlInit();
     // The catch-all event's source is a caption.
     if (!comboEventSource->isEnabled() && comboEventSource->count() == 1)
         comboEventSource->setItemText(0, ui::text(1049));
@@ -160,6 +158,10 @@ void paneEventDetails::controlInit() {
 // A click is a choice by a person, also of the row that is chosen already, and any change by the program.
 void paneEventDetails::connectList(QComboBox& list, const char* handler) {
     connect(&list, &QComboBox::currentIndexChanged, this, [this, handler] { noteChange(handler); });
+    connectChoice(list, handler);
+}
+
+void paneEventDetails::connectChoice(QComboBox& list, const char* handler) {
     connect(&list, &QComboBox::activated, this, [this, handler] {
         if (!eventDataChanged_)
             noteChange(handler);
@@ -172,8 +174,8 @@ void paneEventDetails::connectControls() {
     connectList(*comboEventSource, "comboEventSource_Click");
     connectList(*comboEventType, "comboEventType_Click");
     connectList(*comboEventId, "comboEventId_Click");
-    connectList(*content->comboVoiceMailPriority, "comboVoiceMailPriority_Click");
-    connectList(*content->comboEmailPriority, "comboEmailPriority_Click");
+    connectChoice(*content->comboVoiceMailPriority, "comboVoiceMailPriority_Click");
+    connectChoice(*content->comboEmailPriority, "comboEmailPriority_Click");
     connect(comboEventId, &QComboBox::editTextChanged, this, [this] { noteChange("comboEventId_Change"); });
     connect(txtEventTitle, &QLineEdit::textChanged, this, [this] { noteChange("txtEventTitle_Change"); });
     connect(content->txtVoiceMailFileName, &QLineEdit::textChanged, this,
@@ -189,10 +191,12 @@ void paneEventDetails::connectControls() {
 }
 
 void paneEventDetails::noteChange(const char* handler) {
-    core::procedure(module, handler, [&](core::Frame&) {
-        eventDataChanged_ = true;
-        updateEventApply();
-    });
+    core::procedure(module, handler, [&](core::Frame&) { markChanged(); });
+}
+
+void paneEventDetails::markChanged() {
+    eventDataChanged_ = true;
+    updateEventApply();
 }
 
 void paneEventDetails::updateEventApply() {

@@ -54,9 +54,11 @@ class paneEventDetails : public QWidget, public EditingPane {
     void layOutRecipients();
     void connectControls();
     void connectList(QComboBox& list, const char* handler);
+    void connectChoice(QComboBox& list, const char* handler);
 
     // Change tracking. `handler` is the name in the log of what noticed the change.
     void noteChange(const char* handler);
+    void markChanged();
     void updateEventApply();
 
     void fillEvent(core::Frame& frame, long eventKey);

@@ -173,6 +173,23 @@ TEST_F(EventDialog, IsNamedReachableByKeyboardAndClosesWithABlankSubject) {
     });
 }
 
+TEST_F(EventDialog, EnterDoesNotCarryABlankSubjectPastItsQuestion) {
+    work([&] {
+        find<QComboBox>("comboEventSource").setCurrentIndex(0);
+        auto& subject = find<ui::VariableTextBox>("rtbEmailSubject");
+        subject.setFocus();
+        subject.clear();
+        prompts.expect(
+            {"The e-mail subject field cannot be left blank.\nYou must enter an e-mail subject before "
+             "you can leave this field.\nDo you want the default subject?",
+             "Blank Subject Not Allowed.", BoxIcon::question, BoxButtons::yesNo},
+            platform::BoxAnswer::no);
+        QTest::keyClick(&subject, Qt::Key_Return);
+        EXPECT_TRUE(dialog.isVisible());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return subject.hasFocus(); }));
+    });
+}
+
 TEST(SetComboText, TakesTheFirstRowThatBeginsWithTheText) {
     QComboBox combo;
     combo.addItems({"Alarm", "FooBar", "Foo"});
