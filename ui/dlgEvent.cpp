@@ -9,25 +9,25 @@
 #include <QRadioButton>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
+#include <cstdint>
+#include <limits>
 
 #include "core/procedure.h"
-#include "core/state.h"
 #include "platform/process.h"
-#include "server/eventSources.h"
 #include "ui/clipboardImport.h"
 #include "ui/contentGroup.h"
 #include "ui/controls.h"
+#include "ui/eventSourceList.h"
 #include "ui/formFonts.h"
 #include "ui/insertionVariables.h"
 #include "ui/text.h"
+#include "ui/widgets/limitsSign.h"
 #include "ui/widgets/numberBox.h"
 
 namespace {
 
 constexpr char module[] = "dlgEvent";
-constexpr long long idLimit = 999'999'999'999'999;
-
-enum EventIdChoice { allEventIds = 0, specificEventId = 1 };
+constexpr ui::EventIdCaptions idCaptions{1019, 1021, 1020};
 
 }  // namespace
 
@@ -43,11 +43,11 @@ void dlgEvent::createControls() {
     lblEventSource = ui::makeControl<QLabel>(this, "lblEventSource");
     comboEventSource = ui::makeControl<QComboBox>(this, "comboEventSource");
     frameEventId = ui::makeControl<QGroupBox>(this, "frameEventId");
-    for (int i : {allEventIds, specificEventId})
-        optionEventId.push_back(
-            ui::makeControl<QRadioButton>(frameEventId, "optionEventId_" + std::to_string(i)));
-    tdbnlSpecificEventId = new ui::NumberBox(-idLimit, idLimit, frameEventId);
-    tdbnlSpecificEventId->setObjectName("tdbnlSpecificEventId");
+    id = ui::makeEventIdControls(*frameEventId);
+    // An event's id has 32 bits.
+    using Id = std::numeric_limits<std::int32_t>;
+    idLimits = new ui::LimitsSign(Id::min(), Id::max(), frameEventId);
+    idLimits->hide();
     lblEventType = ui::makeControl<QLabel>(this, "lblEventType");
     comboEventType = ui::makeControl<QComboBox>(this, "comboEventType");
     lblEventTitle = ui::makeControl<QLabel>(this, "lblEventTitle");
@@ -62,16 +62,12 @@ void dlgEvent::createControls() {
 
 QLayout* dlgEvent::matchLayout() {
     auto* idRow = new QHBoxLayout(frameEventId);
-    idRow->addWidget(optionEventId[allEventIds]);
+    idRow->addWidget(id.optionEventId[ui::allEventIds]);
     idRow->addSpacing(12);
-    idRow->addWidget(optionEventId[specificEventId]);
-    idRow->addWidget(tdbnlSpecificEventId);
+    idRow->addWidget(id.optionEventId[ui::specificEventId]);
+    idRow->addWidget(id.tdbnlSpecificEventId);
+    idRow->addWidget(idLimits);
     idRow->addStretch();
-    tdbnlSpecificEventId->setMaximumWidth(150);
-    // The row keeps its height while the box comes and goes.
-    QSizePolicy keep = tdbnlSpecificEventId->sizePolicy();
-    keep.setRetainSizeWhenHidden(true);
-    tdbnlSpecificEventId->setSizePolicy(keep);
 
     auto* match = new QGridLayout;
     match->setColumnStretch(1, 1);
@@ -107,8 +103,9 @@ void dlgEvent::buildLayout() {
     lblEventSource->setBuddy(comboEventSource);
     lblEventType->setBuddy(comboEventType);
     lblEventTitle->setBuddy(txtEventTitle);
-    ui::setTabOrder({comboEventSource, optionEventId[0], optionEventId[1], tdbnlSpecificEventId,
-                     comboEventType, txtEventTitle});
+    ui::setTabOrder({comboEventSource, id.optionEventId[ui::allEventIds],
+                     id.optionEventId[ui::specificEventId], id.tdbnlSpecificEventId, comboEventType,
+                     txtEventTitle});
     content->followInTabOrder(*txtEventTitle);
     ui::setTabOrder(
         {content->comboEmailPriority, cmdImportFromClipboard, cmdOpenEventViewer, cmdOk, cmdCancel});
@@ -127,9 +124,7 @@ void dlgEvent::dlgEvent_ControlInit() {
     core::procedure(module, "dlgEvent_ControlInit", [&](core::Frame&) {
         setWindowTitle(ui::text(1018));
         lblEventSource->setText(ui::text(1053));
-        frameEventId->setTitle(ui::text(1019));
-        optionEventId[allEventIds]->setText(ui::text(1021));
-        optionEventId[specificEventId]->setText(ui::text(1020));
+        ui::captionEventIdControls(*frameEventId, id, idCaptions);
         lblEventType->setText(ui::text(1052));
         ui::fillCombo(*comboEventType, {1027, 1028, 1029});
         lblEventTitle->setText(ui::text(1151));
@@ -141,16 +136,15 @@ void dlgEvent::dlgEvent_ControlInit() {
         cmdOk->setText(ui::text(1001));
         cmdCancel->setText(ui::text(1023));
         ui::nameByBuddy(*this);
-        tdbnlSpecificEventId->setAccessibleName(ui::plainCaption(optionEventId[specificEventId]->text()));
     });
 }
 
 void dlgEvent::connectControls() {
     connect(comboEventSource, &QComboBox::currentIndexChanged, this, &dlgEvent::comboEventSource_Click);
-    for (int i : {allEventIds, specificEventId})
-        connect(optionEventId[static_cast<std::size_t>(i)], &QRadioButton::clicked, this,
+    for (int i : {ui::allEventIds, ui::specificEventId})
+        connect(id.optionEventId[static_cast<std::size_t>(i)], &QRadioButton::clicked, this,
                 [this, i] { optionEventId_Click(i); });
-    connect(tdbnlSpecificEventId, &QLineEdit::textChanged, this, &dlgEvent::tdbnlSpecificEventId_Change);
+    connect(id.tdbnlSpecificEventId, &QLineEdit::textChanged, this, &dlgEvent::tdbnlSpecificEventId_Change);
     connect(cmdImportFromClipboard, &QPushButton::clicked, this, &dlgEvent::cmdImportFromClipboard_Click);
     connect(cmdOpenEventViewer, &QPushButton::clicked, this, &dlgEvent::cmdOpenEventViewer_Click);
     connect(cmdOk, &QPushButton::clicked, this, &dlgEvent::cmdOk_Click);
@@ -160,10 +154,10 @@ void dlgEvent::connectControls() {
 void dlgEvent::displayForm() {
     core::procedure(module, "displayForm", [&](core::Frame& frame) {
         frame.step([&] { fillSources(); });
-        optionEventId[allEventIds]->setChecked(true);
-        tdbnlSpecificEventId->hide();
+        id.optionEventId[ui::allEventIds]->setChecked(true);
+        id.tdbnlSpecificEventId->hide();
         comboEventType->setCurrentIndex(0);
-        tdbnlSpecificEventId->setText("-1");
+        id.tdbnlSpecificEventId->setText("-1");
         txtEventTitle->clear();
         content->comboVoiceMailPriority->setCurrentIndex(1);
         content->comboEmailPriority->setCurrentIndex(1);
@@ -183,19 +177,26 @@ void dlgEvent::displayForm() {
 
 void dlgEvent::fillSources() {
     const QSignalBlocker fillingIsNoClick(comboEventSource);
-    comboEventSource->clear();
-    for (const std::string& source : mdlUtility::getEventSources(core::gCorvaneFourOrLater, false, false))
-        comboEventSource->addItem(ui::fromUtf8(source));
-    comboEventSource->setCurrentIndex(-1);
+    ui::fillEventSources(*comboEventSource);
 }
 
 void dlgEvent::updateOkButton() {
     core::procedure(module, "updateOkButton", [&](core::Frame&) {
-        bool enabled = !comboEventSource->currentText().isEmpty();
-        if (optionEventId[specificEventId]->isChecked() && !tdbnlSpecificEventId->hasNumber())
-            enabled = false;
-        cmdOk->setEnabled(enabled);
+        showWhetherIdFits();
+        cmdOk->setEnabled(!comboEventSource->currentText().isEmpty() && !ui::isEventIdMissing(id) &&
+                          !idLimits->refuses());
     });
+}
+
+// The box takes longer numbers than an event can have; one of them is answered here, not first when the event
+// is written.
+void dlgEvent::showWhetherIdFits() {
+    const bool refused =
+        id.tdbnlSpecificEventId->hasNumber() && !id.tdbnlSpecificEventId->fits<std::int32_t>();
+    if (refused == idLimits->refuses())
+        return;
+    idLimits->setVisible(refused);
+    idLimits->showRefusal(refused);
 }
 
 void dlgEvent::comboEventSource_Click() {
@@ -208,12 +209,12 @@ void dlgEvent::tdbnlSpecificEventId_Change() {
 
 void dlgEvent::optionEventId_Click(int index) {
     core::procedure(module, "optionEventId_Click", [&](core::Frame&) {
-        tdbnlSpecificEventId->setVisible(index == specificEventId);
-        if (index == allEventIds) {
-            tdbnlSpecificEventId->setText("-1");
+        id.tdbnlSpecificEventId->setVisible(index == ui::specificEventId);
+        if (index == ui::allEventIds) {
+            id.tdbnlSpecificEventId->setText("-1");
         } else {
-            tdbnlSpecificEventId->clear();
-            tdbnlSpecificEventId->setFocus();
+            id.tdbnlSpecificEventId->clear();
+            id.tdbnlSpecificEventId->setFocus();
         }
         updateOkButton();
     });
@@ -238,13 +239,13 @@ void dlgEvent::cmdCancel_Click() {
 void dlgEvent::cmdImportFromClipboard_Click() {
     core::procedure(module, "cmdImportFromClipboard_Click", [&](core::Frame&) {
         const std::optional<ui::CopiedEvent> event =
-            ui::takeCopiedEvent(*comboEventSource, *tdbnlSpecificEventId);
+            ui::takeCopiedEvent(*comboEventSource, *id.tdbnlSpecificEventId);
         if (!event) {
             ui::warnNoEventData();
             return;
         }
-        optionEventId[specificEventId]->click();
-        tdbnlSpecificEventId->setText(event->id);
+        id.optionEventId[ui::specificEventId]->click();
+        id.tdbnlSpecificEventId->setText(event->id);
         comboEventType->setCurrentIndex(event->type);
     });
 }
@@ -258,7 +259,7 @@ void dlgEvent::cmdOpenEventViewer_Click() {
 mdlDatabase::NewEvent dlgEvent::newEvent() const {
     mdlDatabase::NewEvent event;
     event.eventSource = ui::toUtf8(comboEventSource->currentText());
-    event.eventId = ui::toUtf8(tdbnlSpecificEventId->text());
+    event.eventId = ui::toUtf8(id.tdbnlSpecificEventId->text());
     event.eventTitle = ui::toUtf8(txtEventTitle->text());
     event.eventType = static_cast<short>(mdlDatabase::mapEventType(comboEventType->currentIndex(), false));
     event.content = content->shown();

@@ -3,10 +3,9 @@
 #pragma once
 
 #include <QDialog>
-#include <string>
-#include <vector>
 
 #include "database/events.h"
+#include "ui/eventIdChoice.h"
 
 class QComboBox;
 class QGroupBox;
@@ -14,11 +13,10 @@ class QLabel;
 class QLayout;
 class QLineEdit;
 class QPushButton;
-class QRadioButton;
 
 namespace ui {
 class ContentGroup;
-class NumberBox;
+class LimitsSign;
 }  // namespace ui
 
 class dlgEvent : public QDialog {
@@ -45,6 +43,7 @@ class dlgEvent : public QDialog {
     void Form_Load();
     void fillSources();
     void updateOkButton();
+    void showWhetherIdFits();
     void comboEventSource_Click();
     void tdbnlSpecificEventId_Change();
     void optionEventId_Click(int index);
@@ -56,8 +55,8 @@ class dlgEvent : public QDialog {
     QLabel* lblEventSource;
     QComboBox* comboEventSource;
     QGroupBox* frameEventId;
-    std::vector<QRadioButton*> optionEventId;
-    ui::NumberBox* tdbnlSpecificEventId;
+    ui::EventIdControls id;
+    ui::LimitsSign* idLimits;
     QLabel* lblEventType;
     QComboBox* comboEventType;
     QLabel* lblEventTitle;

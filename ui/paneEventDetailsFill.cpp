@@ -6,11 +6,10 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include "core/state.h"
 #include "database/events.h"
-#include "server/eventSources.h"
 #include "ui/contentGroup.h"
 #include "ui/controls.h"
+#include "ui/eventSourceList.h"
 #include "ui/insertionVariables.h"
 #include "ui/mdlRecDevices.h"
 #include "ui/paneEventDetails.h"
@@ -91,13 +90,7 @@ void paneEventDetails::fillSources(core::Frame& frame, bool catchAll) {
         lockList(*comboEventSource);
         return;
     }
-    frame.step([&] {
-        QStringList sources;
-        for (const std::string& source : mdlUtility::getEventSources(core::gCorvaneFourOrLater, false, false))
-            sources.append(ui::fromUtf8(source));
-        comboEventSource->addItems(sources);
-        comboEventSource->setCurrentIndex(-1);
-    });
+    frame.step([&] { ui::fillEventSources(*comboEventSource); });
     comboEventSource->setEnabled(true);
     // Nothing shows the button again in this run: the tree's branch of exclusions is the standing way. It
     // stays so.
