@@ -5,8 +5,6 @@
 #include <QLabel>
 #include <QSignalBlocker>
 
-#include "database/settings.h"
-#include "platform/failure.h"
 #include "ui/text.h"
 
 namespace ui {
@@ -74,18 +72,6 @@ void setTabOrder(std::initializer_list<QWidget*> controls) {
             QWidget::setTabOrder(before, control);
         before = control;
     }
-}
-
-int priorityRow(const std::string& storedPriority) {
-    bool isNumber = false;
-    const int stored = fromUtf8(storedPriority).toInt(&isNumber);
-    return static_cast<int>(mdlDatabase::mapPriority(isNumber ? stored : 2));
-}
-
-void showPriority(QComboBox& list, int row) {
-    list.setCurrentIndex(row < list.count() ? row : -1);
-    if (row >= list.count())
-        throw platform::makeFailure(platform::invalidProcedureCall, toUtf8(list.objectName()));
 }
 
 }  // namespace ui

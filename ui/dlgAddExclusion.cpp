@@ -9,10 +9,9 @@
 #include <QSignalBlocker>
 
 #include "core/procedure.h"
-#include "core/state.h"
-#include "server/eventSources.h"
 #include "ui/clipboardImport.h"
 #include "ui/controls.h"
+#include "ui/eventSourceList.h"
 #include "ui/formFonts.h"
 #include "ui/text.h"
 #include "ui/widgets/numberBox.h"
@@ -37,6 +36,7 @@ void dlgAddExclusion::createControls() {
     comboEventSource = ui::makeControl<QComboBox>(this, "comboEventSource");
     Frame1 = ui::makeControl<QGroupBox>(this, "Frame1");
     id = ui::makeEventIdControls(*Frame1);
+    ui::layOutEventIdControls(*Frame1, id);
     cmdImportFromClipboard = ui::makeControl<QPushButton>(this, "cmdImportFromClipboard");
     cmdOk = ui::makeControl<QPushButton>(this, "cmdOk");
     cmdCancel = ui::makeControl<QPushButton>(this, "cmdCancel");
@@ -69,7 +69,7 @@ void dlgAddExclusion::dlgAddExclusion_ControlInit() {
     core::procedure(module, "dlgAddExclusion_ControlInit", [&](core::Frame&) {
         setWindowTitle(ui::text(1305));
         lblEventSource->setText(ui::text(1309));
-        ui::captionEventIdControls(*Frame1, id);
+        ui::captionEventIdControls(*Frame1, id, ui::exclusionIdCaptions);
         cmdImportFromClipboard->setText(ui::text(1055));
         cmdImportFromClipboard->setToolTip(ui::text(1056));
         cmdOk->setText(ui::text(1001));
@@ -107,17 +107,12 @@ void dlgAddExclusion::displayForm() {
 
 void dlgAddExclusion::fillSources() {
     const QSignalBlocker fillingIsNoClick(comboEventSource);
-    comboEventSource->clear();
-    for (const std::string& source : mdlUtility::getEventSources(core::gCorvaneFourOrLater, false, false))
-        comboEventSource->addItem(ui::fromUtf8(source));
-    comboEventSource->setCurrentIndex(-1);
+    ui::fillEventSources(*comboEventSource);
 }
 
 void dlgAddExclusion::updateOkButton() {
     core::procedure(module, "updateOkButton", [&](core::Frame&) {
-        const bool idMissing =
-            id.optionEventId[ui::specificEventId]->isChecked() && !id.tdbnlSpecificEventId->hasNumber();
-        cmdOk->setEnabled(!comboEventSource->currentText().isEmpty() && !idMissing);
+        cmdOk->setEnabled(!comboEventSource->currentText().isEmpty() && !ui::isEventIdMissing(id));
     });
 }
 
