@@ -27,8 +27,7 @@ dlgAddExclusion::dlgAddExclusion(QWidget* parent) : QDialog(parent) {
     setObjectName("dlgAddExclusion");
     createControls();
     buildLayout();
-    dlgAddExclusion_ControlInit();
-    ui::setFormFonts(*this);
+    Form_Load();
     connectControls();
 }
 
@@ -63,6 +62,13 @@ void dlgAddExclusion::buildLayout() {
                      id.optionEventId[ui::specificEventId], id.tdbnlSpecificEventId, cmdImportFromClipboard,
                      cmdOk, cmdCancel});
     resize(460, sizeHint().height());
+}
+
+void dlgAddExclusion::Form_Load() {
+    core::procedure(module, "Form_Load", [&](core::Frame& frame) {
+        frame.step([&] { dlgAddExclusion_ControlInit(); });
+        frame.step([&] { ui::setFormFonts(*this); });
+    });
 }
 
 void dlgAddExclusion::dlgAddExclusion_ControlInit() {

@@ -32,6 +32,7 @@ class dlgAddExclusion : public QDialog {
     void createControls();
     void buildLayout();
     void connectControls();
+    void Form_Load();
     void fillSources();
     void updateOkButton();
     void tdbnlSpecificEventId_Change();
