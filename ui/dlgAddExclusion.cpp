@@ -85,11 +85,12 @@ void dlgAddExclusion::dlgAddExclusion_ControlInit() {
 }
 
 void dlgAddExclusion::connectControls() {
-    connect(comboEventSource, &QComboBox::currentIndexChanged, this, [this] { updateOkButton(); });
+    connect(comboEventSource, &QComboBox::currentIndexChanged, this,
+            [this] { noteChoice("comboEventSource_Click"); });
     for (const QRadioButton* option : id.optionEventId)
         connect(option, &QRadioButton::toggled, this, [this](bool on) {
             if (on)
-                updateOkButton();
+                noteChoice("optionEventId_Click");
         });
     connect(id.tdbnlSpecificEventId, &QLineEdit::textChanged, this,
             &dlgAddExclusion::tdbnlSpecificEventId_Change);
@@ -117,6 +118,10 @@ void dlgAddExclusion::fillSources() {
     for (const std::string& source : mdlUtility::getEventSources(core::gCorvaneFourOrLater, false, false))
         comboEventSource->addItem(ui::fromUtf8(source));
     comboEventSource->setCurrentIndex(-1);
+}
+
+void dlgAddExclusion::noteChoice(const char* handler) {
+    core::procedure(module, handler, [&](core::Frame&) { updateOkButton(); });
 }
 
 void dlgAddExclusion::updateOkButton() {

@@ -35,6 +35,8 @@ class dlgAddExclusion : public QDialog {
     void Form_Load();
     void fillSources();
     void updateOkButton();
+    // `handler` is the name in the log of what noticed the choice.
+    void noteChoice(const char* handler);
     void tdbnlSpecificEventId_Change();
     void cmdImportFromClipboard_Click();
     void cmdOk_Click();

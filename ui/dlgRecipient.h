@@ -35,6 +35,7 @@ class dlgRecipient : public QDialog {
     void buildLayout();
     void Form_Load();
     void updateOkButton();
+    void txtRecipientName_Change();
     void cmdOk_Click();
     void cmdCancel_Click();
 
