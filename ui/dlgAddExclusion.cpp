@@ -26,8 +26,7 @@ dlgAddExclusion::dlgAddExclusion(QWidget* parent) : QDialog(parent) {
     setObjectName("dlgAddExclusion");
     createControls();
     buildLayout();
-    dlgAddExclusion_ControlInit();
-    ui::setFormFonts(*this);
+    Form_Load();
     connectControls();
 }
 
@@ -65,6 +64,13 @@ void dlgAddExclusion::buildLayout() {
     resize(460, sizeHint().height());
 }
 
+void dlgAddExclusion::Form_Load() {
+    core::procedure(module, "Form_Load", [&](core::Frame& frame) {
+        frame.step([&] { dlgAddExclusion_ControlInit(); });
+        frame.step([&] { ui::setFormFonts(*this); });
+    });
+}
+
 void dlgAddExclusion::dlgAddExclusion_ControlInit() {
     core::procedure(module, "dlgAddExclusion_ControlInit", [&](core::Frame&) {
         setWindowTitle(ui::text(1305));
@@ -79,11 +85,12 @@ void dlgAddExclusion::dlgAddExclusion_ControlInit() {
 }
 
 void dlgAddExclusion::connectControls() {
-    connect(comboEventSource, &QComboBox::currentIndexChanged, this, [this] { updateOkButton(); });
+    connect(comboEventSource, &QComboBox::currentIndexChanged, this,
+            [this] { noteChoice("comboEventSource_Click"); });
     for (const QRadioButton* option : id.optionEventId)
         connect(option, &QRadioButton::toggled, this, [this](bool on) {
             if (on)
-                updateOkButton();
+                noteChoice("optionEventId_Click");
         });
     connect(id.tdbnlSpecificEventId, &QLineEdit::textChanged, this,
             &dlgAddExclusion::tdbnlSpecificEventId_Change);
@@ -108,6 +115,10 @@ void dlgAddExclusion::displayForm() {
 void dlgAddExclusion::fillSources() {
     const QSignalBlocker fillingIsNoClick(comboEventSource);
     ui::fillEventSources(*comboEventSource);
+}
+
+void dlgAddExclusion::noteChoice(const char* handler) {
+    core::procedure(module, handler, [&](core::Frame&) { updateOkButton(); });
 }
 
 void dlgAddExclusion::updateOkButton() {
