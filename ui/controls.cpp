@@ -2,6 +2,7 @@
 
 #include <QComboBox>
 #include <QEvent>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QSignalBlocker>
 
@@ -63,6 +64,16 @@ void nameByBuddy(QWidget& window) {
 void ignoreWheelWithoutFocus(QComboBox& combo) {
     combo.setFocusPolicy(Qt::StrongFocus);
     combo.installEventFilter(new WheelGuard(combo));
+}
+
+QHBoxLayout* buttonRow(std::initializer_list<QWidget*> left, std::initializer_list<QWidget*> right) {
+    auto* row = new QHBoxLayout;
+    for (QWidget* control : left)
+        row->addWidget(control);
+    row->addStretch();
+    for (QWidget* control : right)
+        row->addWidget(control);
+    return row;
 }
 
 void setTabOrder(std::initializer_list<QWidget*> controls) {

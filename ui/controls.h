@@ -9,6 +9,7 @@
 #include <string>
 
 class QComboBox;
+class QHBoxLayout;
 
 namespace ui {
 
@@ -44,6 +45,9 @@ void nameByBuddy(QWidget& window);
 
 // The wheel over a list changes it only while the list has the focus; else it scrolls what is around.
 void ignoreWheelWithoutFocus(QComboBox& combo);
+
+// A row with controls at its left end and at its right one, for the caller's layout to take.
+QHBoxLayout* buttonRow(std::initializer_list<QWidget*> left, std::initializer_list<QWidget*> right);
 
 // Tab order along the list.
 void setTabOrder(std::initializer_list<QWidget*> controls);

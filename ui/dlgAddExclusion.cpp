@@ -45,18 +45,13 @@ void dlgAddExclusion::buildLayout() {
     auto* source = new QHBoxLayout;
     source->addWidget(lblEventSource);
     source->addWidget(comboEventSource, 1);
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(cmdImportFromClipboard);
-    buttons->addStretch();
-    buttons->addWidget(cmdOk);
-    buttons->addWidget(cmdCancel);
     cmdOk->setDefault(true);
     cmdImportFromClipboard->setAutoDefault(false);
     auto* whole = new QVBoxLayout(this);
     whole->addLayout(source);
     whole->addWidget(Frame1);
     whole->addStretch();
-    whole->addLayout(buttons);
+    whole->addLayout(ui::buttonRow({cmdImportFromClipboard}, {cmdOk, cmdCancel}));
     lblEventSource->setBuddy(comboEventSource);
     ui::setTabOrder({comboEventSource, id.optionEventId[ui::allEventIds],
                      id.optionEventId[ui::specificEventId], id.tdbnlSpecificEventId, cmdImportFromClipboard,
@@ -103,18 +98,16 @@ void dlgAddExclusion::connectControls() {
 void dlgAddExclusion::displayForm() {
     core::procedure(module, "displayForm", [&](core::Frame& frame) {
         cancelled = true;
-        frame.step([&] { fillSources(); });
+        frame.step([&] {
+            const QSignalBlocker fillingIsNoClick(comboEventSource);
+            ui::fillEventSources(*comboEventSource);
+        });
         // The id that was typed last stays; it counts once its option is chosen.
         id.optionEventId[ui::allEventIds]->setChecked(true);
         updateOkButton();
         comboEventSource->setFocus();
         exec();
     });
-}
-
-void dlgAddExclusion::fillSources() {
-    const QSignalBlocker fillingIsNoClick(comboEventSource);
-    ui::fillEventSources(*comboEventSource);
 }
 
 void dlgAddExclusion::noteChoice(const char* handler) {

@@ -33,7 +33,6 @@ class dlgAddExclusion : public QDialog {
     void buildLayout();
     void connectControls();
     void Form_Load();
-    void fillSources();
     void updateOkButton();
     // `handler` is the name in the log of what noticed the choice.
     void noteChoice(const char* handler);

@@ -81,24 +81,14 @@ QLayout* dlgEvent::matchLayout() {
     return match;
 }
 
-QLayout* dlgEvent::buttonsLayout() {
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(cmdImportFromClipboard);
-    buttons->addWidget(cmdOpenEventViewer);
-    buttons->addStretch();
-    buttons->addWidget(cmdOk);
-    buttons->addWidget(cmdCancel);
-    cmdOk->setDefault(true);
-    for (QPushButton* helper : {cmdImportFromClipboard, cmdOpenEventViewer})
-        helper->setAutoDefault(false);
-    return buttons;
-}
-
 void dlgEvent::buildLayout() {
     auto* whole = new QVBoxLayout(this);
     whole->addLayout(matchLayout());
     whole->addWidget(frameContent, 1);
-    whole->addLayout(buttonsLayout());
+    whole->addLayout(ui::buttonRow({cmdImportFromClipboard, cmdOpenEventViewer}, {cmdOk, cmdCancel}));
+    cmdOk->setDefault(true);
+    for (QPushButton* helper : {cmdImportFromClipboard, cmdOpenEventViewer})
+        helper->setAutoDefault(false);
 
     lblEventSource->setBuddy(comboEventSource);
     lblEventType->setBuddy(comboEventType);
@@ -153,7 +143,10 @@ void dlgEvent::connectControls() {
 
 void dlgEvent::displayForm() {
     core::procedure(module, "displayForm", [&](core::Frame& frame) {
-        frame.step([&] { fillSources(); });
+        frame.step([&] {
+            const QSignalBlocker fillingIsNoClick(comboEventSource);
+            ui::fillEventSources(*comboEventSource);
+        });
         id.optionEventId[ui::allEventIds]->setChecked(true);
         id.tdbnlSpecificEventId->hide();
         comboEventType->setCurrentIndex(0);
@@ -173,11 +166,6 @@ void dlgEvent::displayForm() {
         comboEventSource->setFocus();
         exec();
     });
-}
-
-void dlgEvent::fillSources() {
-    const QSignalBlocker fillingIsNoClick(comboEventSource);
-    ui::fillEventSources(*comboEventSource);
 }
 
 void dlgEvent::updateOkButton() {

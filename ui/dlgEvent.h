@@ -38,10 +38,8 @@ class dlgEvent : public QDialog {
     void createControls();
     void buildLayout();
     QLayout* matchLayout();
-    QLayout* buttonsLayout();
     void connectControls();
     void Form_Load();
-    void fillSources();
     void updateOkButton();
     void showWhetherIdFits();
     void comboEventSource_Click();

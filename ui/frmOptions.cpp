@@ -100,14 +100,10 @@ void frmOptions::buildLayout() {
     auto* defaults = new QWidget(sstabOptions);
     content = new ui::ContentGroup(module, *this, *defaults, {"lblEmailBody", "lblRightClick"});
     sstabOptions->addTab(defaults, QString());
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    for (QPushButton* button : {cmdOk, cmdCancel, cmdApply})
-        buttons->addWidget(button);
     cmdOk->setDefault(true);
     auto* whole = new QVBoxLayout(this);
     whole->addWidget(sstabOptions, 1);
-    whole->addLayout(buttons);
+    whole->addLayout(ui::buttonRow({}, {cmdOk, cmdCancel, cmdApply}));
     ui::setTabOrder({sstabOptions->tabBar(), tdbnumliteNoficationInterval, tdbnumliteEventlogPollingInterval,
                      tdbnumliteReportDataAging, chkWarnOnDuplicateMonitoredEvents, chkMaxDiagnostics});
     content->followInTabOrder(*chkMaxDiagnostics);

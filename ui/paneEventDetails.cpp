@@ -110,14 +110,10 @@ void paneEventDetails::buildLayout() {
     area->setWidget(inner);
     area->setWidgetResizable(true);
     area->setFrameShape(QFrame::NoFrame);
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(cmdExclusions);
-    buttons->addStretch();
-    buttons->addWidget(cmdEventApply);
     auto* outer = new QVBoxLayout(this);
     outer->setContentsMargins(6, 4, 6, 6);
     outer->addWidget(area, 1);
-    outer->addLayout(buttons);
+    outer->addLayout(ui::buttonRow({cmdExclusions}, {cmdEventApply}));
 
     lblEventSource->setBuddy(comboEventSource);
     lblEventId->setBuddy(comboEventId);

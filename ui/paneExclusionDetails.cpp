@@ -47,16 +47,13 @@ void paneExclusionDetails::buildLayout() {
     auto* source = new QHBoxLayout;
     source->addWidget(Label4);
     source->addWidget(txtExclusionSource, 1);
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(cmdExclusionApply);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 4, 6, 6);
     layout->setSpacing(10);
     layout->addLayout(source);
     layout->addWidget(Frame2);
     layout->addStretch();
-    layout->addLayout(buttons);
+    layout->addLayout(ui::buttonRow({}, {cmdExclusionApply}));
     Label4->setBuddy(txtExclusionSource);
     ui::setTabOrder({txtExclusionSource, id_.optionEventId[ui::allEventIds],
                      id_.optionEventId[ui::specificEventId], id_.tdbnlSpecificEventId, cmdExclusionApply});
