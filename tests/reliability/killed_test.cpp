@@ -1,71 +1,30 @@
+#include "killed.h"
+
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <map>
-
-#include "core/classLog.h"
-#include "core/state.h"
-#include "database/addressDetails.h"
-#include "database/events.h"
-#include "database/lifecycle.h"
-#include "database/settings.h"
 #include "platform/files.h"
 #include "platform/host.h"
 #include "platform/registry.h"
-#include "server/mdlCorvaneDatabase.h"
-#include "support/killHarness.h"
 #include "support/scriptedPrompts.h"
 
 namespace {
 
-namespace fs = std::filesystem;
+using namespace killed;
 using platform::BoxAnswer;
 using platform::BoxButtons;
 using platform::BoxIcon;
-using support::KilledOperation;
-using support::TemporaryHost;
 
 constexpr long eventKey = 10;
 constexpr char eventName[] = "Backup (17)";
 
-std::string one(const fs::path& database, const std::string& statement) {
-    const auto rows = support::query(database, statement);
-    return rows.size() == 1 ? rows.front() : "(" + std::to_string(rows.size()) + " rows)";
-}
-
-std::string lookUp(const std::map<std::string, std::string>& allowed, const std::string& state) {
-    const auto found = allowed.find(state);
-    if (found == allowed.end())
-        std::printf("found: %s\n", state.c_str());
-    return found == allowed.end() ? std::string() : found->second;
-}
-
-// The database's part of the start-up, in its order.
-void startUp() {
-    mdlDatabase::openDatabase();
-    mdlDatabase::upgradeDatabase();
-    mdlCorvaneDatabase::openCorvaneDB(core::gCorvaneDb);
-    core::gIgnoreEventKey = mdlDatabase::getIgnoreEventKey();
-    mdlDatabase::rebuildAddressDetailsTable();
-    mdlDatabase::makeInitialDatabaseChanges();
-}
-
-void prepareHost(TemporaryHost& host) {
-    host.setRegistry(core::productRegistryKey, "DatabasePath", host.databaseFolder().string());
-    host.makeDirectory({"CREATE TABLE GlobalSubscriber(DisplayName, DirectoryId, DtmfAccessId)",
-                        "CREATE TABLE DistributionList(DisplayName, DirectoryId)"});
-}
-
 // A database with one active event that has contents, devices and a last notification.
 void prepareEvent(TemporaryHost& host) {
-    prepareHost(host);
-    fs::copy_file(host.databaseFolder() / "QLNDB_FRESH.MDB", host.databaseFile());
-    support::run(host.databaseFile(),
-                 "UPDATE Configuration SET Value = '0' WHERE Setting = 'WarnOnDuplicateMonitoredEvents';"
-                 "INSERT INTO Events VALUES(10, 'Backup', 17, 'old', 1, -1, 0, '2026-01-02 03:04:05');"
-                 "INSERT INTO Contents VALUES(10, 1, 'old.wav', 0, 'old', 'old');"
-                 "INSERT INTO Contents VALUES(10, 3, NULL, 0, 'old', 'old');"
-                 "INSERT INTO EventDevice VALUES(10, 1, -1), (10, 2, -1);");
+    prepareDatabase(host,
+                    "UPDATE Configuration SET Value = '0' WHERE Setting = 'WarnOnDuplicateMonitoredEvents';"
+                    "INSERT INTO Events VALUES(10, 'Backup', 17, 'old', 1, -1, 0, '2026-01-02 03:04:05');"
+                    "INSERT INTO Contents VALUES(10, 1, 'old.wav', 0, 'old', 'old');"
+                    "INSERT INTO Contents VALUES(10, 3, NULL, 0, 'old', 'old');"
+                    "INSERT INTO EventDevice VALUES(10, 1, -1), (10, 2, -1);");
 }
 
 void changeEvent() {
