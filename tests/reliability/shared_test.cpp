@@ -10,12 +10,19 @@
 #include <thread>
 
 #include "core/state.h"
+#include "database/addressDetails.h"
+#include "database/assignment.h"
+#include "database/deviceType.h"
+#include "database/devices.h"
 #include "database/events.h"
+#include "database/exclusions.h"
 #include "database/lifecycle.h"
+#include "database/recipients.h"
 #include "database/settings.h"
 #include "platform/ado.h"
 #include "support/childProcess.h"
 #include "support/killHarness.h"
+#include "support/scriptedPrompts.h"
 #include "support/temporaryHost.h"
 
 namespace {
@@ -45,12 +52,23 @@ class Shared : public ::testing::Test {
     }
 
     // Writes the service's log and columns in transactions without a pause, until it is killed. The log's
-    // last row and the catch-all event's notification agree at every moment between two of them.
+    // last row and the catch-all event's notification agree at every moment between two of them. In each it
+    // reads whom to notify: a device that an event names is there, with its recipient.
     ChildProcess::Work service() {
         return [this](const ChildProcess::Ready& ready) {
             platform::Connection database;
             database.open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + host.databaseFile().string());
             for (int i = 1;; ++i) {
+                platform::Recordset lost;
+                lost.open(
+                    "SELECT EventDevice.DeviceKey FROM EventDevice LEFT JOIN (Device INNER JOIN "
+                    "DeviceRecipient "
+                    "ON Device.DeviceKey = DeviceRecipient.DeviceKey) ON EventDevice.DeviceKey = "
+                    "Device.DeviceKey WHERE Device.DeviceKey IS NULL",
+                    database);
+                if (!lost.EOF_())
+                    throw std::runtime_error("an event names a device that is not there");
+                lost.close();
                 const std::string number = std::to_string(i);
                 for (const std::string& statement :
                      {std::string("BEGIN IMMEDIATE"),
@@ -88,14 +106,33 @@ class Shared : public ::testing::Test {
                   std::vector<std::string>{"1|1"})
             << database;
     }
-    void expectLockedLine() {
-        EXPECT_GE(host.countInLog("Err.Number = -2147467259 Err.Description = database is locked: " +
+    // The line of each statement that gave up.
+    void expectLockedLines(long count = 1) {
+        EXPECT_EQ(host.countInLog("Err.Number = -2147467259 Err.Description = database is locked: " +
                                   host.databaseFile().string()),
-                  1);
+                  count);
     }
-    void expectBusyTimeout(milliseconds waited) {
-        EXPECT_GE(waited, busyTimeout - 100ms);
-        EXPECT_LE(waited, busyTimeout + 2000ms);
+    void expectBusyTimeout(milliseconds waited, long statements = 1) {
+        EXPECT_GE(waited, statements * (busyTimeout - 100ms));
+        EXPECT_LE(waited, statements * busyTimeout + 2000ms);
+    }
+    // An operation of two writes while another keeps the lock: each gives up, the table stays as it is. Once
+    // the lock is gone the same operation on the same connection makes the table what it is to be.
+    void expectNothingLost(const std::function<void()>& operation, const std::string& table,
+                           const std::vector<std::string>& result) {
+        ChildProcess holder(holderOf("IMMEDIATE"));
+        mdlDatabase::openDatabase();
+        const auto before = query(host.databaseFile(), "SELECT * FROM " + table);
+        takeLock(holder);
+        expectBusyTimeout(timeOf(operation), 2);
+        expectLockedLines(2);
+        EXPECT_EQ(host.countInLog("Err.Number"), 2);
+        holder.kill();
+        holder.wait();
+        EXPECT_EQ(query(host.databaseFile(), "SELECT * FROM " + table), before);
+        operation();
+        EXPECT_EQ(query(host.databaseFile(), "SELECT * FROM " + table), result);
+        EXPECT_EQ(host.countInLog("Err.Number"), 2);
     }
 
     support::TemporaryHost host;
@@ -173,7 +210,7 @@ TEST_F(Shared, AnOperationGivesUpAfterTheBusyTimeoutAndSaysSo) {
     mdlDatabase::openDatabase();
     takeLock(holder);
     expectBusyTimeout(timeOf([] { mdlDatabase::setEventActiveState(10, true); }));
-    expectLockedLine();
+    expectLockedLines();
     holder.kill();
     holder.wait();
     const auto event = [&] {
@@ -191,7 +228,7 @@ TEST_F(Shared, ANewEventThatCannotBeWrittenIsToldByItsKey) {
     takeLock(holder);
     const mdlDatabase::NewEvent event{"Cluster", "5", "", 1, {"a.wav", 1, "s", "n", 1}};
     expectBusyTimeout(timeOf([&] { EXPECT_EQ(mdlDatabase::addNewEvent(event), 0); }));
-    expectLockedLine();
+    expectLockedLines();
     holder.kill();
     holder.wait();
     EXPECT_EQ(query(host.databaseFile(), "SELECT count(*) FROM Events WHERE EventKey > 10"),
@@ -209,9 +246,154 @@ TEST_F(Shared, ABackupThatCannotBeTakenLeavesTheOldOne) {
     support::run(backup, "DELETE FROM Events");
     takeLock(holder);
     expectBusyTimeout(timeOf([] { mdlDatabase::copyDatabase(); }));
-    expectLockedLine();
+    expectLockedLines();
     EXPECT_EQ(query(backup, "SELECT count(*) FROM Events"), std::vector<std::string>{"0"});
     EXPECT_FALSE(fs::exists(backup.string() + ".new"));
+}
+
+// A recipient as a round makes him, and as it then changes him: of his devices one pager stays, with another
+// number, and the syslog device with another host; a pager and the trap are new; the others go.
+mdlDatabase::RecipientRecord recordOf(long number) {
+    mdlDatabase::RecipientRecord record;
+    record.name = "R" + std::to_string(number);
+    record.voiceMailDirectoryId = "v";
+    record.pagerNumbers = {{"", "1"}, {"", "2"}};
+    record.smtpAddresses = {{"", "s"}};
+    record.syslogEnabled = 1;
+    record.syslogHostAddress = "h";
+    return record;
+}
+
+mdlDatabase::RecipientRecord changedRecordOf(long number, const std::string& keptPager) {
+    mdlDatabase::RecipientRecord record;
+    record.name = "R" + std::to_string(number) + " changed";
+    record.pagerNumbers = {{keptPager, "1 x"}, {"", "3"}};
+    record.snmpTrapEnabled = record.syslogEnabled = 1;
+    record.syslogHostAddress = "h2";
+    return record;
+}
+
+// The keys of the devices that the recipient of the round was made with, by type.
+std::vector<std::string> selectionKeysOf(long recipient) {
+    std::vector<std::string> keys;
+    for (auto rows = mdlDatabase::openDevicesForRecipient(recipient); !rows.EOF_(); rows.moveNext())
+        keys.push_back(mdlDatabase::selectionKey(rows.number("DeviceKey")));
+    return keys;
+}
+
+// One recipient after the other comes, is put on the event, changed, and takes the place of the one before.
+TEST_F(Shared, RecipientsAndAssignmentsLoseNothingUnderAServiceThatNeverRests) {
+    const std::chrono::seconds duration(support::numberFromEnvironment("QLN_LOAD_SECONDS", 3));
+    host.makeDirectory({"CREATE TABLE GlobalSubscriber(DisplayName, DirectoryId)",
+                        "CREATE TABLE DistributionList(DisplayName, DirectoryId)",
+                        "INSERT INTO GlobalSubscriber VALUES('Ann', 'v')"});
+    ChildProcess writer(service());
+    writer.awaitReady();
+    mdlDatabase::openDatabase();
+    core::gCorvaneDb.open("Provider=SQLOLEDB;Initial Catalog=CorvaneDb");
+    support::ScriptedPrompts prompts;
+    long operations = 0, round = 0, before = 0;
+    milliseconds longest = 0ms;
+    const auto timed = [&](const std::function<void()>& action) {
+        longest = std::max(longest, timeOf(action));
+        ++operations;
+    };
+    for (const auto end = steady_clock::now() + duration; steady_clock::now() < end && !HasFailure();) {
+        ++round;
+        long key = 0;
+        timed([&] { key = mdlDatabase::addNewRecipient(recordOf(round)); });
+        timed([] { mdlDatabase::rebuildAddressDetailsTable(); });
+        std::vector<std::string> devices;
+        timed([&] { devices = selectionKeysOf(key); });
+        ASSERT_EQ(devices.size(), 5u);
+        mdlDatabase::DeviceSelection selection;
+        for (const std::string& device : {devices[0], devices[1], devices[2]})
+            selection.set(device, true);
+        timed([&] { mdlDatabase::addRecipientToEvent(10, selection, false); });
+        timed([&] { mdlDatabase::modifyRecipient(key, changedRecordOf(round, devices[1])); });
+        selection.clear();
+        selection.set(devices[1], true);
+        timed([&] { EXPECT_TRUE(mdlDatabase::changeRecipientsForEvent(10, selection)); });
+        core::Dictionary<long> exclusions;
+        exclusions.set("S" + std::to_string(round), round);
+        exclusions.set("T", mdlDatabase::allExclusionIds);
+        timed([&] { mdlDatabase::replaceExclusions(exclusions); });
+        if (before != 0) {
+            timed([&] { EXPECT_TRUE(mdlDatabase::removeRecipientFromEvent(10, before)); });
+            prompts.expect(
+                {"Are your sure you want to delete recipient: R" + std::to_string(round - 1) + " changed",
+                 "Delete Selected Recipient?", platform::BoxIcon::question, platform::BoxButtons::yesNo},
+                platform::BoxAnswer::yes);
+            timed([&] { EXPECT_TRUE(mdlDatabase::deleteRecipient(before)); });
+        }
+        timed([] { mdlDatabase::rebuildAddressDetailsTable(); });
+        timed([] {
+            EXPECT_EQ(mdlDatabase::analyzeEvent(10),
+                      (mdlDatabase::EventAnalysis{
+                          {"ActiveDevices", 1}, {"ActiveRecipients", 1}, {"Recipients", 1}}));
+        });
+        before = key;
+    }
+    writer.kill();
+    EXPECT_EQ(writer.wait(), -SIGKILL) << "the service gave up before";
+    EXPECT_EQ(host.countInLog("ERROR"), 0);
+    EXPECT_LE(longest, busyTimeout);
+    const std::string number = std::to_string(round);
+    EXPECT_EQ(query(host.databaseFile(),
+                    "SELECT RecipientName, DeviceType, DeviceAddress, DisplayName, Active FROM Recipients "
+                    "JOIN DeviceRecipient USING(RecipientKey) JOIN Device USING(DeviceKey) JOIN "
+                    "AddressDetails USING(DeviceKey, DeviceAddress) LEFT JOIN EventDevice USING(DeviceKey) "
+                    "ORDER BY DeviceKey"),
+              (std::vector<std::string>{"R" + number + " changed|2|1 x|1 x (Pager)|-1",
+                                        "R" + number + " changed|6|h2| (SYSLOG)|NULL",
+                                        "R" + number + " changed|2|3|3 (Pager)|0",
+                                        "R" + number + " changed|5|SNMP TRAP| (SNMP Trap)|0"}));
+    EXPECT_EQ(query(host.databaseFile(),
+                    "SELECT (SELECT count(*) FROM Recipients), (SELECT count(*) FROM Device), (SELECT "
+                    "count(*) FROM DeviceRecipient), (SELECT count(*) FROM AddressDetails), (SELECT "
+                    "count(*) FROM EventDevice)"),
+              std::vector<std::string>{"1|4|4|4|3"});
+    EXPECT_EQ(query(host.databaseFile(), "SELECT EventSource, EventId FROM Exclusions ORDER BY 1"),
+              (std::vector<std::string>{"S" + number + "|" + number, "T|-1"}));
+    expectConsistent(host.databaseFile());
+    std::printf(
+        "[ SHARED   ] %ld operations in %ld rounds, longest %ld ms, beside %s writes of the service\n",
+        operations, round, static_cast<long>(longest.count()),
+        query(host.databaseFile(), "SELECT count(*) FROM NotificationLog").at(0).c_str());
+}
+
+TEST_F(Shared, ARecipientThatCannotBeSavedStaysAsHeIs) {
+    support::run(host.databaseFile(),
+                 "INSERT INTO Recipients VALUES(5, 'Ann', 0); INSERT INTO Device VALUES(1, 2, 'p', 0);"
+                 "INSERT INTO DeviceRecipient VALUES(1, 5)");
+    mdlDatabase::RecipientRecord record;
+    record.name = "Anna";
+    record.pagerNumbers = {{"DeviceKey:1", "p2"}};
+    expectNothingLost([&] { mdlDatabase::modifyRecipient(5, record); },
+                      "Recipients JOIN DeviceRecipient USING(RecipientKey) JOIN Device USING(DeviceKey)",
+                      {"5|Anna|-1|1|2|p2|-1"});
+}
+
+TEST_F(Shared, AnAssignmentThatCannotBeChangedStaysAsItIs) {
+    support::run(host.databaseFile(),
+                 "INSERT INTO Device VALUES(1, 2, 'p', -1), (2, 2, 'q', -1); INSERT INTO EventDevice "
+                 "VALUES(10, 1, -1)");
+    const auto change = [] {
+        mdlDatabase::DeviceSelection selection;
+        selection.set(mdlDatabase::selectionKey(2), true);
+        EXPECT_TRUE(mdlDatabase::changeRecipientsForEvent(10, selection));
+    };
+    expectNothingLost(change, "EventDevice", {"10|1|0", "10|2|-1"});
+}
+
+TEST_F(Shared, ExclusionsThatCannotBeRewrittenStayAsTheyAre) {
+    support::run(host.databaseFile(), "INSERT INTO Exclusions VALUES(0, 'old', 1), (1, 'older', 2)");
+    const auto rewrite = [] {
+        core::Dictionary<long> exclusions;
+        exclusions.set("new", 3);
+        mdlDatabase::replaceExclusions(exclusions);
+    };
+    expectNothingLost(rewrite, "Exclusions", {"2|new|3"});
 }
 
 }  // namespace
