@@ -12,7 +12,6 @@
 #include "core/state.h"
 #include "database/addressDetails.h"
 #include "database/assignment.h"
-#include "database/deviceType.h"
 #include "database/devices.h"
 #include "database/events.h"
 #include "database/exclusions.h"
@@ -20,6 +19,7 @@
 #include "database/recipients.h"
 #include "database/settings.h"
 #include "platform/ado.h"
+#include "server/mdlCorvaneDatabase.h"
 #include "support/childProcess.h"
 #include "support/killHarness.h"
 #include "support/scriptedPrompts.h"
@@ -48,7 +48,8 @@ class Shared : public ::testing::Test {
         host.setRegistry(core::productRegistryKey, "DatabasePath", host.databaseFolder().string());
         fs::copy_file(host.databaseFolder() / "QLNDB_FRESH.MDB", host.databaseFile());
         support::run(host.databaseFile(),
-                     "INSERT INTO Events VALUES(10, 'Backup', 17, 'old', 1, 0, 0, '2026-01-02 03:04:05')");
+                     "INSERT INTO Events VALUES(10, 'Backup', 17, 'old', 1, 0, 0, '2026-01-02 03:04:05');"
+                     "UPDATE Configuration SET Value = '0' WHERE Setting = 'WarnOnDuplicateMonitoredEvents'");
     }
 
     // Writes the service's log and columns in transactions without a pause, until it is killed. The log's
@@ -81,6 +82,30 @@ class Shared : public ::testing::Test {
                     ready();
             }
         };
+    }
+    void timed(const std::function<void()>& action) {
+        longest_ = std::max(longest_, timeOf(action));
+        ++operations_;
+    }
+    // Rounds of operations, each `timed`, beside the service: none fails, or waits for as long as a lock is
+    // waited for. The number of rounds, which count from 0.
+    long besideTheService(const std::function<void(long)>& round) {
+        const std::chrono::seconds duration(support::numberFromEnvironment("QLN_LOAD_SECONDS", 3));
+        ChildProcess writer(service());
+        writer.awaitReady();
+        mdlDatabase::openDatabase();
+        long rounds = 0;
+        for (const auto end = steady_clock::now() + duration; steady_clock::now() < end && !HasFailure();)
+            round(rounds++);
+        writer.kill();
+        EXPECT_EQ(writer.wait(), -SIGKILL) << "the service gave up before";
+        EXPECT_EQ(host.countInLog("ERROR"), 0);
+        EXPECT_LE(longest_, busyTimeout);
+        expectConsistent(host.databaseFile());
+        std::printf("[ SHARED   ] %ld operations, longest %ld ms, beside %s writes of the service\n",
+                    operations_, static_cast<long>(longest_.count()),
+                    query(host.databaseFile(), "SELECT count(*) FROM NotificationLog").at(0).c_str());
+        return rounds;
     }
     // Takes the lock when told to, and keeps it until it is killed.
     ChildProcess::Work holderOf(const std::string& lock) {
@@ -136,23 +161,16 @@ class Shared : public ::testing::Test {
     }
 
     support::TemporaryHost host;
+
+  private:
+    long operations_ = 0;
+    milliseconds longest_ = 0ms;
 };
 
 TEST_F(Shared, TheConsoleLosesNothingUnderAServiceThatNeverRests) {
-    const std::chrono::seconds duration(support::numberFromEnvironment("QLN_LOAD_SECONDS", 3));
-    ChildProcess writer(service());
-    writer.awaitReady();
-    mdlDatabase::openDatabase();
-    mdlDatabase::setConfigurationSetting("WarnOnDuplicateMonitoredEvents", "0");
-    std::vector<long> keys;
-    long operations = 0;
-    milliseconds longest = 0ms;
-    const auto timed = [&](const std::function<void()>& action) {
-        longest = std::max(longest, timeOf(action));
-        ++operations;
-    };
-    for (const auto end = steady_clock::now() + duration; steady_clock::now() < end;) {
-        const std::string number = std::to_string(keys.size());
+    long first = 0;
+    const long rounds = besideTheService([&](long round) {
+        const std::string number = std::to_string(round);
         long key = 0;
         timed([&] { key = mdlDatabase::addNewEvent({"Backup", number, "", 1, {"a.wav", 1, "s", "n", 1}}); });
         timed([&] {
@@ -160,27 +178,19 @@ TEST_F(Shared, TheConsoleLosesNothingUnderAServiceThatNeverRests) {
         });
         timed([&] { mdlDatabase::setEventActiveState(key, true); });
         timed([&] { mdlDatabase::setConfigurationSetting("PollingInterval", number); });
-        keys.push_back(key);
-    }
-    writer.kill();
-    EXPECT_EQ(writer.wait(), -SIGKILL) << "the service gave up before";
-    EXPECT_EQ(host.countInLog("ERROR"), 0);
-    EXPECT_LE(longest, busyTimeout);
+        first = first == 0 ? key : first;
+    });
+    const std::string count = std::to_string(rounds);
     EXPECT_EQ(query(host.databaseFile(),
-                    "SELECT count(*), min(EventId = EventKey - " + std::to_string(keys.at(0)) +
+                    "SELECT count(*), min(EventId = EventKey - " + std::to_string(first) +
                         " AND EventActive = -1 AND EventType = 2 AND EventTitle = 'changed') FROM Events "
                         "WHERE EventKey > 10"),
-              std::vector<std::string>{std::to_string(keys.size()) + "|1"});
+              std::vector<std::string>{count + "|1"});
     EXPECT_EQ(query(host.databaseFile(),
                     "SELECT ContentType, ContentSubject, count(*) FROM Contents WHERE EventKey > 10 GROUP BY "
                     "1, 2 ORDER BY 1"),
-              (std::vector<std::string>{"1|t|" + std::to_string(keys.size()),
-                                        "3|t|" + std::to_string(keys.size())}));
-    EXPECT_EQ(mdlDatabase::getConfigurationSetting("PollingInterval"), std::to_string(keys.size() - 1));
-    expectConsistent(host.databaseFile());
-    std::printf("[ SHARED   ] %ld operations, longest %ld ms, beside %s writes of the service\n", operations,
-                static_cast<long>(longest.count()),
-                query(host.databaseFile(), "SELECT count(*) FROM NotificationLog").at(0).c_str());
+              (std::vector<std::string>{"1|t|" + count, "3|t|" + count}));
+    EXPECT_EQ(mdlDatabase::getConfigurationSetting("PollingInterval"), std::to_string(rounds - 1));
 }
 
 TEST_F(Shared, EveryExitUnderAServiceThatNeverRestsLeavesAWholeBackup) {
@@ -253,9 +263,9 @@ TEST_F(Shared, ABackupThatCannotBeTakenLeavesTheOldOne) {
 
 // A recipient as a round makes him, and as it then changes him: of his devices one pager stays, with another
 // number, and the syslog device with another host; a pager and the trap are new; the others go.
-mdlDatabase::RecipientRecord recordOf(long number) {
+mdlDatabase::RecipientRecord recordOf(long round) {
     mdlDatabase::RecipientRecord record;
-    record.name = "R" + std::to_string(number);
+    record.name = "R" + std::to_string(round);
     record.voiceMailDirectoryId = "v";
     record.pagerNumbers = {{"", "1"}, {"", "2"}};
     record.smtpAddresses = {{"", "s"}};
@@ -264,102 +274,78 @@ mdlDatabase::RecipientRecord recordOf(long number) {
     return record;
 }
 
-mdlDatabase::RecipientRecord changedRecordOf(long number, const std::string& keptPager) {
+mdlDatabase::RecipientRecord changedRecordOf(long round, const std::string& keptPager) {
     mdlDatabase::RecipientRecord record;
-    record.name = "R" + std::to_string(number) + " changed";
+    record.name = "R" + std::to_string(round) + " changed";
     record.pagerNumbers = {{keptPager, "1 x"}, {"", "3"}};
     record.snmpTrapEnabled = record.syslogEnabled = 1;
     record.syslogHostAddress = "h2";
     return record;
 }
 
-// The keys of the devices that the recipient of the round was made with, by type.
-std::vector<std::string> selectionKeysOf(long recipient) {
-    std::vector<std::string> keys;
-    for (auto rows = mdlDatabase::openDevicesForRecipient(recipient); !rows.EOF_(); rows.moveNext())
-        keys.push_back(mdlDatabase::selectionKey(rows.number("DeviceKey")));
-    return keys;
+// Of his first three devices by type, a voice mail device and both pagers.
+mdlDatabase::DeviceSelection selectionOf(long recipient) {
+    mdlDatabase::DeviceSelection selection;
+    auto rows = mdlDatabase::openDevicesForRecipient(recipient);
+    EXPECT_EQ(rows.recordCount(), 5);
+    for (int i = 0; i < 3; ++i, rows.moveNext())
+        selection.set(mdlDatabase::selectionKey(rows.number("DeviceKey")), true);
+    return selection;
+}
+
+void deleteRecipient(long key, const std::string& name) {
+    support::ScriptedPrompts prompts;
+    prompts.expect({"Are your sure you want to delete recipient: " + name, "Delete Selected Recipient?",
+                    platform::BoxIcon::question, platform::BoxButtons::yesNo},
+                   platform::BoxAnswer::yes);
+    EXPECT_TRUE(mdlDatabase::deleteRecipient(key));
 }
 
 // One recipient after the other comes, is put on the event, changed, and takes the place of the one before.
 TEST_F(Shared, RecipientsAndAssignmentsLoseNothingUnderAServiceThatNeverRests) {
-    const std::chrono::seconds duration(support::numberFromEnvironment("QLN_LOAD_SECONDS", 3));
     host.makeDirectory({"CREATE TABLE GlobalSubscriber(DisplayName, DirectoryId)",
                         "CREATE TABLE DistributionList(DisplayName, DirectoryId)",
                         "INSERT INTO GlobalSubscriber VALUES('Ann', 'v')"});
-    ChildProcess writer(service());
-    writer.awaitReady();
-    mdlDatabase::openDatabase();
-    core::gCorvaneDb.open("Provider=SQLOLEDB;Initial Catalog=CorvaneDb");
-    support::ScriptedPrompts prompts;
-    long operations = 0, round = 0, before = 0;
-    milliseconds longest = 0ms;
-    const auto timed = [&](const std::function<void()>& action) {
-        longest = std::max(longest, timeOf(action));
-        ++operations;
-    };
-    for (const auto end = steady_clock::now() + duration; steady_clock::now() < end && !HasFailure();) {
-        ++round;
+    long previous = 0;
+    const long rounds = besideTheService([&](long round) {
+        mdlCorvaneDatabase::openCorvaneDB(core::gCorvaneDb);
         long key = 0;
+        mdlDatabase::DeviceSelection selection;
         timed([&] { key = mdlDatabase::addNewRecipient(recordOf(round)); });
         timed([] { mdlDatabase::rebuildAddressDetailsTable(); });
-        std::vector<std::string> devices;
-        timed([&] { devices = selectionKeysOf(key); });
-        ASSERT_EQ(devices.size(), 5u);
-        mdlDatabase::DeviceSelection selection;
-        for (const std::string& device : {devices[0], devices[1], devices[2]})
-            selection.set(device, true);
+        timed([&] { selection = selectionOf(key); });
         timed([&] { mdlDatabase::addRecipientToEvent(10, selection, false); });
-        timed([&] { mdlDatabase::modifyRecipient(key, changedRecordOf(round, devices[1])); });
+        const std::string keptPager = selection.keys().at(1);
+        timed([&] { mdlDatabase::modifyRecipient(key, changedRecordOf(round, keptPager)); });
         selection.clear();
-        selection.set(devices[1], true);
+        selection.set(keptPager, true);
         timed([&] { EXPECT_TRUE(mdlDatabase::changeRecipientsForEvent(10, selection)); });
         core::Dictionary<long> exclusions;
-        exclusions.set("S" + std::to_string(round), round);
+        exclusions.set("S", round);
         exclusions.set("T", mdlDatabase::allExclusionIds);
         timed([&] { mdlDatabase::replaceExclusions(exclusions); });
-        if (before != 0) {
-            timed([&] { EXPECT_TRUE(mdlDatabase::removeRecipientFromEvent(10, before)); });
-            prompts.expect(
-                {"Are your sure you want to delete recipient: R" + std::to_string(round - 1) + " changed",
-                 "Delete Selected Recipient?", platform::BoxIcon::question, platform::BoxButtons::yesNo},
-                platform::BoxAnswer::yes);
-            timed([&] { EXPECT_TRUE(mdlDatabase::deleteRecipient(before)); });
+        if (previous != 0) {
+            timed([&] { EXPECT_TRUE(mdlDatabase::removeRecipientFromEvent(10, previous)); });
+            timed([&] { deleteRecipient(previous, changedRecordOf(round - 1, "").name); });
         }
         timed([] { mdlDatabase::rebuildAddressDetailsTable(); });
-        timed([] {
-            EXPECT_EQ(mdlDatabase::analyzeEvent(10),
-                      (mdlDatabase::EventAnalysis{
-                          {"ActiveDevices", 1}, {"ActiveRecipients", 1}, {"Recipients", 1}}));
-        });
-        before = key;
-    }
-    writer.kill();
-    EXPECT_EQ(writer.wait(), -SIGKILL) << "the service gave up before";
-    EXPECT_EQ(host.countInLog("ERROR"), 0);
-    EXPECT_LE(longest, busyTimeout);
-    const std::string number = std::to_string(round);
+        previous = key;
+    });
+    const std::string name = changedRecordOf(rounds - 1, "").name;
     EXPECT_EQ(query(host.databaseFile(),
                     "SELECT RecipientName, DeviceType, DeviceAddress, DisplayName, Active FROM Recipients "
                     "JOIN DeviceRecipient USING(RecipientKey) JOIN Device USING(DeviceKey) JOIN "
                     "AddressDetails USING(DeviceKey, DeviceAddress) LEFT JOIN EventDevice USING(DeviceKey) "
                     "ORDER BY DeviceKey"),
-              (std::vector<std::string>{"R" + number + " changed|2|1 x|1 x (Pager)|-1",
-                                        "R" + number + " changed|6|h2| (SYSLOG)|NULL",
-                                        "R" + number + " changed|2|3|3 (Pager)|0",
-                                        "R" + number + " changed|5|SNMP TRAP| (SNMP Trap)|0"}));
+              (std::vector<std::string>{name + "|2|1 x|1 x (Pager)|-1", name + "|6|h2| (SYSLOG)|NULL",
+                                        name + "|2|3|3 (Pager)|0", name + "|5|SNMP TRAP| (SNMP Trap)|0"}));
     EXPECT_EQ(query(host.databaseFile(),
                     "SELECT (SELECT count(*) FROM Recipients), (SELECT count(*) FROM Device), (SELECT "
                     "count(*) FROM DeviceRecipient), (SELECT count(*) FROM AddressDetails), (SELECT "
                     "count(*) FROM EventDevice)"),
               std::vector<std::string>{"1|4|4|4|3"});
     EXPECT_EQ(query(host.databaseFile(), "SELECT EventSource, EventId FROM Exclusions ORDER BY 1"),
-              (std::vector<std::string>{"S" + number + "|" + number, "T|-1"}));
-    expectConsistent(host.databaseFile());
-    std::printf(
-        "[ SHARED   ] %ld operations in %ld rounds, longest %ld ms, beside %s writes of the service\n",
-        operations, round, static_cast<long>(longest.count()),
-        query(host.databaseFile(), "SELECT count(*) FROM NotificationLog").at(0).c_str());
+              (std::vector<std::string>{"S|" + std::to_string(rounds - 1), "T|-1"}));
 }
 
 TEST_F(Shared, ARecipientThatCannotBeSavedStaysAsHeIs) {
