@@ -1,10 +1,9 @@
-// Kills of what writes recipients, their assignments, the exclusions and the address details. The order of
-// writes is told once more here, as statements; the states that they make, one after the other, are all that
-// a kill may leave.
+// Kills of what writes events, recipients, their assignments, the exclusions and the address details. The
+// order of writes is told once more here, as statements; the states that they make, one after the other, are
+// all that a kill may leave.
 #include <gtest/gtest.h>
 
 #include "database/assignment.h"
-#include "database/deviceType.h"
 #include "database/exclusions.h"
 #include "database/openRecordset.h"
 #include "database/recipients.h"
@@ -19,9 +18,12 @@ using platform::BoxAnswer;
 using Lines = std::vector<std::string>;
 
 // Ann (5) has one or more devices of each kind but the trap, and is on both events; Ben (6) has a pager.
-constexpr long ann = 5, event = 10;
+constexpr long ann = 5, event = 10, inactiveEvent = 11;
 constexpr char team[] =
-    "INSERT INTO Events VALUES(10, 'Backup', 17, '', 1, -1, 0, NULL), (11, 'Cluster', 5, '', 1, -1, 0, NULL);"
+    "UPDATE Configuration SET Value = '0' WHERE Setting = 'WarnOnDuplicateMonitoredEvents';"
+    "INSERT INTO Events VALUES(10, 'Backup', 17, 'old', 1, -1, 0, '2026-01-02 03:04:05'),"
+    "(11, 'Cluster', 5, '', 1, 0, 0, '2026-01-02 03:04:05');"
+    "INSERT INTO Contents VALUES(10, 1, 'old.wav', 0, 'old', 'old'), (10, 3, NULL, 0, 'old', 'old');"
     "INSERT INTO Recipients VALUES(5, 'Ann', 0), (6, 'Ben', -1);"
     "INSERT INTO Device VALUES(1, 1, 'v', 0), (2, 3, 'lost', -1), (3, 2, 'p1', -1), (4, 2, 'p2', 0),"
     "(5, 2, 'p3', -1), (6, 4, 's1', -1), (7, 6, 'h', -1), (8, 7, 'Failover', -1), (20, 2, 'b', -1);"
@@ -68,8 +70,8 @@ std::string contentOf(const TemporaryHost& host) {
             "DeviceRecipient USING(DeviceKey))"),
         "0");
     std::string content;
-    for (const std::string table :
-         {"Events", "Recipients", "Device", "DeviceRecipient", "EventDevice", "AddressDetails", "Exclusions"})
+    for (const std::string table : {"Events", "Contents", "Recipients", "Device", "DeviceRecipient",
+                                    "EventDevice", "AddressDetails", "Exclusions"})
         for (const std::string& row :
              support::query(host.databaseFile(), "SELECT * FROM " + table + " ORDER BY 1, 2"))
             content.append(table).append(" ").append(row).append("\n");
@@ -107,6 +109,90 @@ void killInOrder(const OrderedOperation& row) {
                                  row.onceMore();
                              },
                              row.afterwards});
+}
+
+TEST(Killed, AddingAnEvent) {
+    const auto add = [] {
+        EXPECT_GT(addNewEvent({"Disk", "5", "added", 4, {"a.wav", 1, "s", "n", 2}}), inactiveEvent);
+    };
+    killInOrder({"add an event",
+                 add,
+                 {{"inactive event", "INSERT INTO Events VALUES(12, 'Disk', 5, 'added', 4, 0, 0, NULL)"},
+                  {"and voice content", "INSERT INTO Contents VALUES(12, 1, 'a.wav', 1, 's', 'n')"},
+                  {"and both contents", "INSERT INTO Contents VALUES(12, 3, NULL, 2, 's', 'n')"}},
+                 add,
+                 [](const TemporaryHost& host) {
+                     EXPECT_EQ(one(host.databaseFile(),
+                                   "SELECT group_concat(ContentType) FROM Contents WHERE EventKey = (SELECT "
+                                   "max(EventKey) FROM Events)"),
+                               "1,3");
+                     EXPECT_EQ(
+                         one(host.databaseFile(), "SELECT min(EventActive) FROM Events WHERE EventKey > 11"),
+                         "0")
+                         << "what a kill left half-made stays inactive";
+                 }});
+}
+
+TEST(Killed, ModifyingAnEvent) {
+    const auto modify = [] {
+        modifyEvent({event, "Backup", "18", "new", 2, true, {"new.wav", 2, "new", "new", 1}});
+    };
+    killInOrder(
+        {"modify an event",
+         modify,
+         {{"event",
+           "UPDATE Events SET EventId = 18, EventTitle = 'new', EventType = 2, EventLastNotification = "
+           "NULL WHERE EventKey = 10"},
+          {"and voice content",
+           "UPDATE Contents SET ContentAttachment = 'new.wav', ContentPriority = 2, ContentSubject = "
+           "'new', ContentNote = 'new' WHERE ContentType = 1 AND EventKey = 10"},
+          {"and e-mail content",
+           "UPDATE Contents SET ContentPriority = 1, ContentSubject = 'new', ContentNote = 'new' WHERE "
+           "ContentType = 3 AND EventKey = 10"}},
+         modify,
+         [](const TemporaryHost& host) {
+             EXPECT_EQ(one(host.databaseFile(), "SELECT * FROM Events WHERE EventKey = 10"),
+                       "10|Backup|18|new|2|-1|0|NULL");
+             EXPECT_EQ(support::query(host.databaseFile(), "SELECT * FROM Contents WHERE EventKey = 10"),
+                       (Lines{"10|1|new.wav|2|new|new", "10|3|NULL|1|new|new"}));
+         }});
+}
+
+TEST(Killed, DeletingAnEvent) {
+    const auto remove = [] {
+        support::ScriptedPrompts prompts;
+        prompts.expect({"Are your sure you want to delete event: Backup (17)", "Delete Selected Event?",
+                        platform::BoxIcon::question, platform::BoxButtons::yesNo},
+                       BoxAnswer::yes);
+        EXPECT_TRUE(deleteEvent(event, "Backup (17)"));
+    };
+    killInOrder(
+        {"delete an event",
+         remove,
+         {{"contents gone", "DELETE FROM Contents WHERE EventKey = 10"},
+          {"and devices", "DELETE FROM EventDevice WHERE EventKey = 10"},
+          {"and event", "DELETE FROM Events WHERE EventKey = 10"}},
+         remove,
+         [](const TemporaryHost& host) {
+             EXPECT_EQ(one(host.databaseFile(),
+                           "SELECT (SELECT count(*) FROM Events WHERE EventKey = 10) + (SELECT count(*) FROM "
+                           "Contents WHERE EventKey = 10) + (SELECT count(*) FROM EventDevice WHERE EventKey "
+                           "= 10)"),
+                       "0");
+         }});
+}
+
+TEST(Killed, ActivatingAnEvent) {
+    const auto activate = [] { setEventActiveState(inactiveEvent, true); };
+    killInOrder(
+        {"activate an event",
+         activate,
+         {{"active", "UPDATE Events SET EventActive = -1, EventLastNotification = NULL WHERE EventKey = 11"}},
+         activate,
+         [](const TemporaryHost& host) {
+             EXPECT_EQ(one(host.databaseFile(), "SELECT * FROM Events WHERE EventKey = 11"),
+                       "11|Cluster|5||1|-1|0|NULL");
+         }});
 }
 
 // A recipient's devices, new ones (above Ben's) without their keys, with their switches on the events.
