@@ -1,6 +1,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <unordered_set>
 
 #include "bench/bareWindows.h"
 #include "database/deviceType.h"
@@ -11,9 +12,9 @@ BareSelection::BareSelection(Peer& peer)
     : peer_(peer),
       tree_(new QTreeWidget(this)),
       recipients_(peer.engine(), "SELECT RecipientKey, RecipientName FROM Recipients ORDER BY RecipientName"),
-      count_(peer.engine(),
-             "SELECT count(*) FROM DeviceRecipient l JOIN Device d ON d.DeviceKey = l.DeviceKey WHERE "
-             "l.RecipientKey = ?1"),
+      owners_(peer.engine(),
+              "SELECT DISTINCT l.RecipientKey FROM DeviceRecipient l JOIN Device d ON d.DeviceKey = "
+              "l.DeviceKey"),
       devices_(peer.engine(),
                "SELECT d.DeviceKey, d.DeviceType, a.DisplayName FROM DeviceRecipient l JOIN Device d ON "
                "d.DeviceKey = l.DeviceKey JOIN AddressDetails a ON a.DeviceKey = d.DeviceKey WHERE "
@@ -84,11 +85,13 @@ QTreeWidgetItem* BareSelection::addDevice(QTreeWidgetItem* parent, long type, co
 void BareSelection::fill(long event) {
     peer_.called("[mdlRecDevices]populateRecipientsList");
     const Assignments assignments = readAssignments(event);
+    std::unordered_set<long> owners;
+    while (owners_.row())
+        owners.insert(owners_.number(0));
     beginFill();
     while (recipients_.row()) {
         const long key = recipients_.number(0);
-        peer_.called("[mdlDatabase]countDevices");
-        if (count_.bind(1, key).one() == 0)
+        if (!owners.contains(key))
             continue;
         addDevices(addRecipient(recipients_.text(1), peer_.active(key)), key, assignments);
     }

@@ -106,7 +106,7 @@ class BareSelection : public QDialog {
     Peer& peer_;
     QTreeWidget* tree_;
     Prepared recipients_;
-    Prepared count_;
+    Prepared owners_;
     Prepared devices_;
     Prepared assigned_;
     Prepared deviceActive_;
