@@ -2,11 +2,16 @@
 // same rows of the same database.
 
 #include <QApplication>
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
 
 #include "bench/bareWindows.h"
 #include "bench/driving.h"
 #include "bench/largeInstallation.h"
 #include "bench/rows.h"
+#include "core/classLog.h"
 #include "ui/dlgEditRecipients.h"
 #include "ui/frmMain.h"
 #include "ui/paneMonitoredEvents.h"
@@ -39,11 +44,17 @@ Side logging(Peer& peer, Side side) {
             }};
 }
 
+long linesOf(const std::filesystem::path& file) {
+    std::ifstream stream(file);
+    return std::count(std::istreambuf_iterator<char>(stream), {}, '\n');
+}
+
 class Windows {
   public:
     Windows(Table& table, const LargeInstallation& place)
         : table_(table),
-          peer_(place.database(), place.directory(), place.peerLog()),
+          peerLog_(place.peerLog()),
+          peer_(place.database(), place.directory(), peerLog_),
           bareTree_(peer_),
           bareEvents_(peer_.engine()),
           bareRecipients_(peer_.engine()) {
@@ -60,10 +71,8 @@ class Windows {
         };
         bareTree_.rebuild(true);
         insist(window_.tvNavigation->count() == bareTree_.count(), "both trees have the same nodes");
-        const Side peer{"bare Qt tree, same queries", bare(true)};
-        table_.compare({"tree rebuild, 1,000 events, 5,000 recipients", 1, Show::timePerUnit, rounds, reach},
-                       ours, peer);
-        table_.compare({"the same", 1, Show::timePerUnit, rounds}, ours, logging(peer_, peer));
+        compareBoth("tree rebuild, 1,000 events, 5,000 recipients", ours,
+                    {"bare Qt tree, same queries", bare(true)});
         table_.compare({"the same", 1, Show::timePerUnit, rounds}, ours,
                        {"bare Qt tree, no states", bare(false)});
     }
@@ -113,14 +122,35 @@ class Windows {
         ours.run();
         peer.run();
         insist(tree.count() == bare.count(), "both dialogs have the same nodes");
-        table_.compare({"open the choice of 5,000 recipients", 1, Show::timePerUnit, rounds, reach}, ours,
-                       peer);
-        table_.compare({"the same", 1, Show::timePerUnit, rounds}, ours, logging(peer_, peer));
+        compareBoth("open the choice of 5,000 recipients", ours, peer);
         table_.compare({"the same", 1, Show::timePerUnit, rounds}, ours,
                        {"bare Qt dialog, one query", peerRun(&BareSelection::fillPlain)});
     }
 
   private:
+    // Against the peer as it is, and against one that writes as long a log. The reach is for the latter: the
+    // lines must be written.
+    void compareBoth(const char* what, const Side& ours, const Side& peer) {
+        const Side writing = logging(peer_, peer);
+        requireSameLines(ours, writing);
+        table_.compare({what, 1, Show::timePerUnit, rounds}, ours, peer);
+        table_.compare({"the same", 1, Show::timePerUnit, rounds, reach}, ours, writing);
+    }
+
+    // One run of each leaves as many lines, to one in fifty.
+    void requireSameLines(const Side& ours, const Side& peer) const {
+        const auto written = [](const std::filesystem::path& log, const Side& side) {
+            const long before = linesOf(log);
+            side.run();
+            return linesOf(log) - before;
+        };
+        const long lines = written(core::gLog().strLogFile(), ours);
+        const long peerLines = written(peerLog_, peer);
+        insist(lines > 0 && std::abs(lines - peerLines) * 50 <= lines,
+               "both sides write the same lines: " + std::to_string(lines) + " and " +
+                   std::to_string(peerLines));
+    }
+
     static void showBeside(BareTable& bare, const QWidget& ours) {
         bare.resize(ours.size());
         bare.show();
@@ -141,12 +171,11 @@ class Windows {
                                 bareRecipients_.setCurrentCell(row - 1, 0);
                             });
                         }};
-        table_.compare({"switch one of 5,000 recipients on or off", 1, Show::timePerUnit, rounds, reach},
-                       {"ours", ours}, peer);
-        table_.compare({"the same", 1, Show::timePerUnit, rounds}, {"ours", ours}, logging(peer_, peer));
+        compareBoth("switch one of 5,000 recipients on or off", {"ours", ours}, peer);
     }
 
     Table& table_;
+    std::filesystem::path peerLog_;
     Peer peer_;
     frmMain window_;
     BareTree bareTree_;
