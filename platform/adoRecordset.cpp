@@ -36,6 +36,13 @@ bool isNamed(std::string_view field, std::string_view name) noexcept {
     return field == name || ado::equalsIgnoringCase(field, name);
 }
 
+// A column of the caller's own may hide the row id.
+std::int64_t idIn(const ado::Cell& cell) {
+    if (cell.kind != ado::CellKind::integer)
+        throw makeFailure(typeMismatch, idColumn);
+    return cell.integer;
+}
+
 template <typename ImplPointer>
 auto& opened(const ImplPointer& impl) {
     if (!impl)
@@ -149,7 +156,7 @@ void Recordset::Impl::readRows(std::size_t limit) {
         Row& row = rows.emplace_back();
         row.values = values;
         if (writable)
-            row.id = values[fields.size()].integer;
+            row.id = idIn(values[fields.size()]);
     }
 }
 

@@ -56,7 +56,7 @@ struct Recordset::Impl {
     Impl(std::string_view statement, Connection& owner, std::unique_ptr<ado::RowSource> opened);
 
     struct Row {
-        ado::Cell* values = nullptr;     // as many as fields, in one of the blocks of `cells`
+        ado::Cell* values = nullptr;     // of the fields, in one of the blocks of `cells`
         std::optional<std::int64_t> id;  // of a writable recordset's row, once it is in the table
         bool deleted = false;
         bool stale = false;  // written here; the values are to be read back before they are shown
