@@ -70,6 +70,12 @@ class ConsoleStyle : public QProxyStyle {
         }
     }
 
+    // A chosen row keeps its icon's own colours: a tint of the highlight would hide the icon on it.
+    QPixmap generatedIconPixmap(QIcon::Mode mode, const QPixmap& pixmap,
+                                const QStyleOption* option) const override {
+        return mode == QIcon::Selected ? pixmap : QProxyStyle::generatedIconPixmap(mode, pixmap, option);
+    }
+
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* result) const override {
         // Buttons carry their words alone.
