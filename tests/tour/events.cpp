@@ -177,6 +177,7 @@ void playEvents(const Play& play) {
     waitFor([&] { return control<QLabel>(play.window, "tooltip").isVisible(); },
             "the tree's tip does not come");
     takePicture("tree-tip");
+    QTest::mouseMove(&control<QWidget>(play.window, "sbStatusBar"));
     play.script.expectMenu("mnuPopupDeleteEvent", [](QWidget&) { takePicture("tree-menu"); });
     expectBox(play.script, 1247, QMessageBox::No);
     clickNode(tree, node, Qt::RightButton);

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QPainter>
+#include <QPalette>
 #include <QTimer>
 #include <QtTest/QTest>
 #include <cstdio>
@@ -58,11 +59,23 @@ void draw(QPainter& painter, QWidget& window, const QPoint& origin) {
             painter.fontMetrics().elidedText(window.windowTitle(), Qt::ElideRight, title.width() - 20));
     }
     painter.drawPixmap(window.geometry().topLeft() - origin, window.grab());
+    if (window.windowType() == Qt::ToolTip)
+        return;  // which has a frame of its own
     painter.setPen(dark);
     painter.drawRect(frame.adjusted(0, 0, -1, -1));
 }
 
 }  // namespace
+
+void darken() {
+    QPalette dark(QColor(60, 63, 68), QColor(45, 47, 51));
+    dark.setColor(QPalette::Base, QColor(30, 32, 35));
+    dark.setColor(QPalette::AlternateBase, QColor(38, 40, 44));
+    dark.setColor(QPalette::Highlight, QColor(42, 110, 180));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    dark.setColor(QPalette::Link, QColor(130, 177, 255));
+    QApplication::setPalette(dark);
+}
 
 void setPictures(const QString& folder, int round) {
     pictureFolder = folder;
@@ -75,8 +88,14 @@ void takePicture(const QString& name) {
     const QWidgetList visible = visibleWindows();
     insist(!visible.isEmpty(), "nothing on the screen at the stop " + name);
     QRect area;
-    for (const QWidget* window : visible)
-        area |= frameOf(*window);
+    // The smallest screen that the console is made for.
+    constexpr QSize smallestScreen(1280, 1024);
+    for (const QWidget* window : visible) {
+        const QRect frame = frameOf(*window);
+        insist(frame.width() <= smallestScreen.width() && frame.height() <= smallestScreen.height(),
+               "too large for a small screen: " + window->windowTitle());
+        area |= frame;
+    }
     const qreal scale = visible.first()->devicePixelRatio();
     QImage picture((QSizeF(area.size()) * scale).toSize(), QImage::Format_RGB32);
     picture.setDevicePixelRatio(scale);

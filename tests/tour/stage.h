@@ -7,6 +7,8 @@
 
 namespace tour {
 
+// A dark palette, as a desktop may have; comes before the console's own appearance.
+void darken();
 // Folder for the pictures, and the number of the round, with which their names begin.
 void setPictures(const QString& folder, int round);
 // Writes a picture of all visible windows, as they lie over each other, under the next number.

@@ -2,7 +2,8 @@
 // first round is the run that installs the service; the second, with a newer service at hand, is a later one
 // that ends with the service's removal.
 //
-// Usage: tour HOSTROOT PICTUREDIR first|later, where HOSTROOT holds the host and the installation tree.
+// Usage: tour HOSTROOT PICTUREDIR first|later, where HOSTROOT holds the host and the installation tree. The
+// language is the environment's, the scale QT_SCALE_FACTOR; TOUR_LOOK=dark gives the screen a dark palette.
 
 #include <unistd.h>
 
@@ -88,7 +89,11 @@ int main(int argc, char** argv) {
     }
     root = std::filesystem::absolute(argv[1]);
     platform::setDateOrder(platform::userDateOrder());
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" TOUR_SCREEN);
     QApplication application(argc, argv);
+    if (qEnvironmentVariable("TOUR_LOOK") == "dark")
+        tour::darken();
     ui::applyAppearance();
     QApplication::setQuitOnLastWindowClosed(false);
     tour::setPictures(QString::fromLocal8Bit(argv[2]), first ? 1 : 2);

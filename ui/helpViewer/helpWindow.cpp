@@ -25,7 +25,7 @@ namespace {
 
 constexpr int firstWidth = 940;  // pixels
 constexpr int firstHeight = 680;
-constexpr int sidebarWidth = 320;
+constexpr int sidebarWidth = 345;
 constexpr int pageRole = Qt::UserRole;
 
 QStringList wordsOf(const QString& text) {
