@@ -1,6 +1,7 @@
 // Monitored events: the one that catches all, new ones by hand, from a copied event and with a voice file,
 // and their list.
 
+#include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
 #include <QGuiApplication>
@@ -15,6 +16,7 @@
 #include "platform/files.h"
 #include "tour/chapters.h"
 #include "tour/hands.h"
+#include "tour/keyboard.h"
 #include "tour/stage.h"
 #include "ui/text.h"
 #include "ui/widgets/textList.h"
@@ -79,6 +81,7 @@ void addByHand(const Play& play) {
         insertVariable(play, dialog);
         chooseVoiceFile(play, dialog);
         insist(ok.isEnabled(), "OK stays disabled");
+        walkByKeyboard(dialog);
         takePicture("new-event-filled");
         press(dialog, "cmdOk");
     });
@@ -97,6 +100,7 @@ void copyAnEvent() {
     QTest::mouseClick(table.viewport(), Qt::LeftButton, {},
                       table.visualRect(table.model()->index(row, 3)).center());
     press(window, "cmdCopy");
+    walkByKeyboard(window);
     takePicture("event-viewer");
 }
 
@@ -126,8 +130,10 @@ void playCatchAll(const Play& play) {
     auto& grid = control<ui::KeyedGrid>(play.window, "vsflexgridMonitoredEvents");
     insist(play.tree().count() == 4 && grid.gridRowCount() == 1,
            "a fresh configuration shows the catch-all event alone");
+    walkByKeyboard(play.window);
     takePicture("start");
     clickNode(play.tree(), play.tree().childKeys("keyMonitoredEvents").front());
+    walkByKeyboard(play.window);
     takePicture("catch-all");
     play.script.expect("dlgExclusions", [](QWidget& dialog) {
         auto& available = control<ui::TextList>(dialog, "lstAvailableSources");
@@ -135,6 +141,7 @@ void playCatchAll(const Play& play) {
             QTest::mouseClick(available.viewport(), Qt::LeftButton, Qt::ControlModifier,
                               available.visualRect(available.model()->index(row, 0)).center());
         press(dialog, "cmdExclusionButtons_1");
+        walkByKeyboard(dialog);
         takePicture("exclusion-lists");
         press(dialog, "cmdOk");
     });
@@ -178,6 +185,8 @@ void playEvents(const Play& play) {
             "the tree's tip does not come");
     takePicture("tree-tip");
     QTest::mouseMove(&control<QWidget>(play.window, "sbStatusBar"));
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(tree.viewport(), &leave);
     play.script.expectMenu("mnuPopupDeleteEvent", [](QWidget&) { takePicture("tree-menu"); });
     expectBox(play.script, 1247, QMessageBox::No);
     clickNode(tree, node, Qt::RightButton);

@@ -8,6 +8,7 @@
 #include "database/exclusions.h"
 #include "tour/chapters.h"
 #include "tour/hands.h"
+#include "tour/keyboard.h"
 #include "tour/stage.h"
 #include "ui/text.h"
 #include "ui/widgets/boundGrid.h"
@@ -28,6 +29,7 @@ void chooseFromDirectory(const Play& play, QWidget& dialog, const char* option, 
         const QModelIndex third = grid.model()->index(2, 2);
         insist(third.isValid(), "the directory does not answer");
         QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, grid.visualRect(third).center());
+        walkByKeyboard(search);
         takePicture(picture);
         press(search, "cmdOk");
     });
@@ -88,6 +90,7 @@ void playRecipients(const Play& play) {
     auto& tabs = control<ui::DeviceTabs>(play.window, "sstabRecipientDevices");
     for (const int tab : {voiceMailTab, emailTab, smtpTab, snmpTab, syslogTab, failoverTab}) {
         showTab(tabs, tab);
+        walkByKeyboard(play.window);
         takePicture("recipient-" + QString::number(tab + 1));
     }
     expectBox(play.script, 1240, QMessageBox::Yes, "test-notification");
@@ -107,6 +110,7 @@ void playRecipients(const Play& play) {
     clickNode(tree, "keyRecipients");
     insist(control<ui::KeyedGrid>(play.window, "vsflexgridAllRecipients").gridRowCount() == 2,
            "the list does not show both recipients");
+    walkByKeyboard(play.window);
     takePicture("recipients");
 }
 
@@ -132,6 +136,7 @@ void playAssignment(const Play& play) {
         while (!recipients.parentKey(recipients.selectedKey()).empty())
             QTest::keyClick(&recipients, Qt::Key_Up);
         QTest::keyClick(&recipients, Qt::Key_Space);
+        walkByKeyboard(dialog);
         takePicture("edit-recipients");
         press(dialog, "cmdOk");
     });
@@ -139,6 +144,7 @@ void playAssignment(const Play& play) {
     press(pane, "cmdEventApply");
     insist(mdlDatabase::isEventActive(key) && mdlDatabase::getEventState(key) == 0,
            "the event is not complete");
+    walkByKeyboard(play.window);
     takePicture("event-active");
 
     // Leaving the changed event asks; Cancel stays.

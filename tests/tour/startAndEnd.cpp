@@ -12,6 +12,7 @@
 #include "platform/clock.h"
 #include "tour/chapters.h"
 #include "tour/hands.h"
+#include "tour/keyboard.h"
 #include "tour/stage.h"
 #include "ui/text.h"
 #include "ui/widgets/rowGrid.h"
@@ -23,6 +24,7 @@ namespace {
 void givePassword(support::WindowScript& script, const QString& password, const QString& picture) {
     script.expect("dlgServicePassword", [password, picture](QWidget& dialog) {
         type(control<QWidget>(dialog, "txtPassword"), password);
+        walkByKeyboard(dialog);
         takePicture(picture);
         press(dialog, "cmdOk");
     });
@@ -77,8 +79,14 @@ void playDormant(const Play& play) {
         auto& tabs = control<ui::DeviceTabs>(dialog, "sstabDevices");
         for (int tab = 0; tab < tabs.count(); ++tab) {
             showTab(tabs, tab);
+            walkByKeyboard(dialog);
             takePicture("all-devices-" + QString::number(tab + 1));
         }
+        // From one tab to the next the arrow keys lead.
+        const auto buttons = tabs.findChildren<QAbstractButton*>(QString(), Qt::FindDirectChildrenOnly);
+        buttons.last()->setFocus();
+        QTest::keyClick(buttons.last(), Qt::Key_Left);
+        insist(tabs.currentIndex() == tabs.count() - 2, "the arrow keys do not turn the tabs");
         press(dialog, "cmdCancel");
     });
     chooseMenu(play.window, {"mnuFile", "mnuFileNew", "mnuFileNewRecipient"});
@@ -93,6 +101,7 @@ void playDormant(const Play& play) {
         node.info.nodeType = type;
         play.tree().addNode(node);
         clickNode(play.tree(), key);
+        walkByKeyboard(play.window);
         takePicture(key);
     }
     press(play.window, "cmdFilterByDate");

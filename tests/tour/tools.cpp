@@ -18,6 +18,7 @@
 #include "platform/registry.h"
 #include "tour/chapters.h"
 #include "tour/hands.h"
+#include "tour/keyboard.h"
 #include "tour/stage.h"
 #include "ui/text.h"
 
@@ -27,12 +28,14 @@ namespace {
 
 void playOptions(const Play& play) {
     play.script.expect("frmOptions", [](QWidget& options) {
+        walkByKeyboard(options);
         takePicture("options");
         typeOver(options, "tdbnumliteReportDataAging", "99");
         takePicture("options-refusal");
         auto& tabs = control<QTabWidget>(options, "sstabOptions");
         QTest::mouseClick(tabs.tabBar(), Qt::LeftButton, {}, tabs.tabBar()->tabRect(1).center());
         insist(tabs.currentIndex() == 1, "the second tab does not come to the front");
+        walkByKeyboard(options);
         takePicture("options-content");
         press(options, "cmdCancel");
     });
@@ -74,6 +77,7 @@ void playLogFile() {
     find.setFocus();
     QTest::keyClicks(&find, "Main");
     press(window, "cmdNext");
+    walkByKeyboard(window);
     takePicture("log-file");
 }
 
@@ -97,6 +101,7 @@ void playHelp(const Play& play) {
     contents.setFocus();
     for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return})
         QTest::keyClick(&contents, key);
+    walkByKeyboard(help);
     takePicture("help-contents");
     QTest::keyClick(&help, Qt::Key_F, Qt::ControlModifier);
     auto& words = control<QLineEdit>(help, "helpSearch");
@@ -115,6 +120,7 @@ void chooseLanguage(const Play& play, const QString& language, const QString& pi
         press(about, "lblChangeLanguage");
         insist(ui::fromUtf8(modLocalize::languageIdToName(core::gLanguageId)) == language,
                "the language is not chosen: " + language);
+        walkByKeyboard(about);
         takePicture(picture + "-chosen");
         press(about, "cmdOk");
     });
@@ -128,16 +134,19 @@ void playExclusions(const Play& play) {
     play.script.expect("dlgAddExclusion", [](QWidget& dialog) {
         chooseByTyping(dialog, "comboEventSource", "MeridaneCorvane_L");
         typeOver(dialog, "tdbnlSpecificEventId", "4713");
+        walkByKeyboard(dialog);
         takePicture("new-exclusion");
         press(dialog, "cmdOk");
     });
     chooseMenu(play.window, {"mnuFile", "mnuFileNew", "mnuFileNewExclusion"});
     insist(tree.info(tree.selectedKey()).nodeType == nodeTypeExclusion, "the new exclusion is not selected");
+    walkByKeyboard(play.window);
     takePicture("exclusion");
     clickNode(tree, "keyExclusions");
     auto& grid = control<ui::KeyedGrid>(play.window, "vsflexgridAllExclusions");
     insist(grid.gridRowCount() == 3, "the grid does not show the exclusions");
     clickCell(grid, 1, "EventSource");
+    walkByKeyboard(play.window);
     takePicture("exclusions");
     expectBox(play.script, 1304, QMessageBox::No, "delete-exclusion");
     press(play.window, "cmdDeleteSelectedExclusion");
