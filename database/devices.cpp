@@ -145,16 +145,7 @@ DeviceCounts countDevicesByRecipient() {
 }
 
 bool isDeviceActive(long deviceKey) {
-    return core::procedure(module, "isDeviceActive", false, [&](Frame& frame, bool& active) {
-        Recordset row;
-        frame.step([&] { row = openForReading(deviceQuery("DeviceActive", deviceKey)); });
-        frame.step([&] {
-            if (row.EOF_())
-                throw rowNotFound("Device", "DeviceKey", deviceKey, "isDeviceActive");
-            active = row.boolean("DeviceActive");
-        });
-        frame.step([&] { row.close(); });
-    });
+    return activeProcedure("isDeviceActive", "Device", deviceQuery("DeviceActive", deviceKey), deviceKey);
 }
 
 long getDeviceType(long deviceKey) {

@@ -196,16 +196,7 @@ void setEventActiveState(long eventKey, bool active) {
 }
 
 bool isEventActive(long eventKey) {
-    return core::procedure(module, "isEventActive", false, [&](Frame& frame, bool& active) {
-        Recordset row;
-        frame.step([&] { row = openForReading(eventQuery("EventActive", eventKey)); });
-        frame.step([&] {
-            if (row.EOF_())
-                throw rowNotFound("Event", "EventKey", eventKey, "isEventActive");
-            active = row.boolean("EventActive");
-        });
-        frame.step([&] { row.close(); });
-    });
+    return activeProcedure("isEventActive", "Event", eventQuery("EventActive", eventKey), eventKey);
 }
 
 long findEvent(std::string_view eventSource, std::string_view eventId) {

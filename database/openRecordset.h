@@ -65,12 +65,23 @@ inline platform::Recordset queryProcedure(std::string_view name, std::string_vie
                            });
 }
 
-// A failure of our own for a row that must be there: number 1001 above the object-error base.
-inline platform::Failure rowNotFound(const std::string& what, const std::string& keyName, long key,
-                                     const std::string& procedure) {
-    constexpr long objectError = -2147221504;
-    return {objectError + 1001, what + " was not found.  " + keyName + " = " + std::to_string(key),
-            "[mdlDatabase]" + procedure};
+// The framed operation that reads whether a thing is active. False when there is no such row, with a failure
+// of our own in the log: number 1001 above the object-error base.
+inline bool activeProcedure(const std::string& name, const std::string& thing, std::string_view source,
+                            long key) {
+    return core::procedure("mdlDatabase", name, false, [&](core::Frame& frame, bool& active) {
+        platform::Recordset row;
+        frame.step([&] { row = openForReading(source); });
+        frame.step([&] {
+            constexpr long objectError = -2147221504;
+            if (row.EOF_())
+                throw platform::Failure(objectError + 1001,
+                                        thing + " was not found.  " + thing + "Key = " + std::to_string(key),
+                                        "[mdlDatabase]" + name);
+            active = row.boolean(thing + "Active");
+        });
+        frame.step([&] { row.close(); });
+    });
 }
 
 }  // namespace mdlDatabase

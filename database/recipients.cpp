@@ -155,16 +155,8 @@ void setRecipientActiveState(long recipientKey, bool active) {
 }
 
 bool isRecipientActive(long recipientKey) {
-    return core::procedure(module, "isRecipientActive", false, [&](Frame& frame, bool& active) {
-        Recordset row;
-        frame.step([&] { row = openForReading(recipientQuery("RecipientActive", recipientKey)); });
-        frame.step([&] {
-            if (row.EOF_())
-                throw rowNotFound("Recipient", "RecipientKey", recipientKey, "isRecipientActive");
-            active = row.boolean("RecipientActive");
-        });
-        frame.step([&] { row.close(); });
-    });
+    return activeProcedure("isRecipientActive", "Recipient", recipientQuery("RecipientActive", recipientKey),
+                           recipientKey);
 }
 
 bool invalidRecipientDevices(long recipientKey) {

@@ -2,11 +2,10 @@
 
 #include <QComboBox>
 #include <QEvent>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QSignalBlocker>
 
-#include "database/settings.h"
-#include "platform/failure.h"
 #include "ui/text.h"
 
 namespace ui {
@@ -67,6 +66,16 @@ void ignoreWheelWithoutFocus(QComboBox& combo) {
     combo.installEventFilter(new WheelGuard(combo));
 }
 
+QHBoxLayout* buttonRow(std::initializer_list<QWidget*> left, std::initializer_list<QWidget*> right) {
+    auto* row = new QHBoxLayout;
+    for (QWidget* control : left)
+        row->addWidget(control);
+    row->addStretch();
+    for (QWidget* control : right)
+        row->addWidget(control);
+    return row;
+}
+
 void setTabOrder(std::initializer_list<QWidget*> controls) {
     QWidget* before = nullptr;
     for (QWidget* control : controls) {
@@ -74,18 +83,6 @@ void setTabOrder(std::initializer_list<QWidget*> controls) {
             QWidget::setTabOrder(before, control);
         before = control;
     }
-}
-
-int priorityRow(const std::string& storedPriority) {
-    bool isNumber = false;
-    const int stored = fromUtf8(storedPriority).toInt(&isNumber);
-    return static_cast<int>(mdlDatabase::mapPriority(isNumber ? stored : 2));
-}
-
-void showPriority(QComboBox& list, int row) {
-    list.setCurrentIndex(row < list.count() ? row : -1);
-    if (row >= list.count())
-        throw platform::makeFailure(platform::invalidProcedureCall, toUtf8(list.objectName()));
 }
 
 }  // namespace ui

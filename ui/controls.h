@@ -9,6 +9,7 @@
 #include <string>
 
 class QComboBox;
+class QHBoxLayout;
 
 namespace ui {
 
@@ -45,14 +46,10 @@ void nameByBuddy(QWidget& window);
 // The wheel over a list changes it only while the list has the focus; else it scrolls what is around.
 void ignoreWheelWithoutFocus(QComboBox& combo);
 
+// A row with controls at its left end and at its right one, for the caller's layout to take.
+QHBoxLayout* buttonRow(std::initializer_list<QWidget*> left, std::initializer_list<QWidget*> right);
+
 // Tab order along the list.
 void setTabOrder(std::initializer_list<QWidget*> controls);
-
-// Row of a priority list for a stored priority's text: 2 is row 0, 1 is row 1, 0 is row 2, anything else
-// row 0. The lists hold rows 0 and 1 only, so a stored 0 selects nothing.
-int priorityRow(const std::string& storedPriority);
-// Selects a row of a priority list. The list has no row for a stored 0: nothing is selected then, so that a
-// save keeps the 0, and 5 is raised so that the log tells.
-void showPriority(QComboBox& list, int row);
 
 }  // namespace ui

@@ -9,10 +9,9 @@
 #include <QSignalBlocker>
 
 #include "core/procedure.h"
-#include "core/state.h"
-#include "server/eventSources.h"
 #include "ui/clipboardImport.h"
 #include "ui/controls.h"
+#include "ui/eventSourceList.h"
 #include "ui/formFonts.h"
 #include "ui/text.h"
 #include "ui/widgets/numberBox.h"
@@ -37,6 +36,7 @@ void dlgAddExclusion::createControls() {
     comboEventSource = ui::makeControl<QComboBox>(this, "comboEventSource");
     Frame1 = ui::makeControl<QGroupBox>(this, "Frame1");
     id = ui::makeEventIdControls(*Frame1);
+    ui::layOutEventIdControls(*Frame1, id);
     cmdImportFromClipboard = ui::makeControl<QPushButton>(this, "cmdImportFromClipboard");
     cmdOk = ui::makeControl<QPushButton>(this, "cmdOk");
     cmdCancel = ui::makeControl<QPushButton>(this, "cmdCancel");
@@ -46,18 +46,13 @@ void dlgAddExclusion::buildLayout() {
     auto* source = new QHBoxLayout;
     source->addWidget(lblEventSource);
     source->addWidget(comboEventSource, 1);
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(cmdImportFromClipboard);
-    buttons->addStretch();
-    buttons->addWidget(cmdOk);
-    buttons->addWidget(cmdCancel);
     cmdOk->setDefault(true);
     cmdImportFromClipboard->setAutoDefault(false);
     auto* whole = new QVBoxLayout(this);
     whole->addLayout(source);
     whole->addWidget(Frame1);
     whole->addStretch();
-    whole->addLayout(buttons);
+    whole->addLayout(ui::buttonRow({cmdImportFromClipboard}, {cmdOk, cmdCancel}));
     lblEventSource->setBuddy(comboEventSource);
     ui::setTabOrder({comboEventSource, id.optionEventId[ui::allEventIds],
                      id.optionEventId[ui::specificEventId], id.tdbnlSpecificEventId, cmdImportFromClipboard,
@@ -69,7 +64,7 @@ void dlgAddExclusion::dlgAddExclusion_ControlInit() {
     core::procedure(module, "dlgAddExclusion_ControlInit", [&](core::Frame&) {
         setWindowTitle(ui::text(1305));
         lblEventSource->setText(ui::text(1309));
-        ui::captionEventIdControls(*Frame1, id);
+        ui::captionEventIdControls(*Frame1, id, ui::exclusionIdCaptions);
         cmdImportFromClipboard->setText(ui::text(1055));
         cmdImportFromClipboard->setToolTip(ui::text(1056));
         cmdOk->setText(ui::text(1001));
@@ -96,7 +91,10 @@ void dlgAddExclusion::connectControls() {
 void dlgAddExclusion::displayForm() {
     core::procedure(module, "displayForm", [&](core::Frame& frame) {
         cancelled = true;
-        frame.step([&] { fillSources(); });
+        frame.step([&] {
+            const QSignalBlocker fillingIsNoClick(comboEventSource);
+            ui::fillEventSources(*comboEventSource);
+        });
         // The id that was typed last stays; it counts once its option is chosen.
         id.optionEventId[ui::allEventIds]->setChecked(true);
         updateOkButton();
@@ -105,19 +103,9 @@ void dlgAddExclusion::displayForm() {
     });
 }
 
-void dlgAddExclusion::fillSources() {
-    const QSignalBlocker fillingIsNoClick(comboEventSource);
-    comboEventSource->clear();
-    for (const std::string& source : mdlUtility::getEventSources(core::gCorvaneFourOrLater, false, false))
-        comboEventSource->addItem(ui::fromUtf8(source));
-    comboEventSource->setCurrentIndex(-1);
-}
-
 void dlgAddExclusion::updateOkButton() {
     core::procedure(module, "updateOkButton", [&](core::Frame&) {
-        const bool idMissing =
-            id.optionEventId[ui::specificEventId]->isChecked() && !id.tdbnlSpecificEventId->hasNumber();
-        cmdOk->setEnabled(!comboEventSource->currentText().isEmpty() && !idMissing);
+        cmdOk->setEnabled(!comboEventSource->currentText().isEmpty() && !ui::isEventIdMissing(id));
     });
 }
 

@@ -32,7 +32,6 @@ class dlgAddExclusion : public QDialog {
     void createControls();
     void buildLayout();
     void connectControls();
-    void fillSources();
     void updateOkButton();
     void tdbnlSpecificEventId_Change();
     void cmdImportFromClipboard_Click();

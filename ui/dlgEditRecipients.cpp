@@ -27,14 +27,10 @@ dlgEditRecipients::dlgEditRecipients(QWidget* parent) : QDialog(parent) {
     lblSelectRecipients->setBuddy(tvRecipients);
     cmdOk->setDefault(true);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(cmdOk);
-    buttons->addWidget(cmdCancel);
     auto* whole = new QVBoxLayout(this);
     whole->addWidget(lblSelectRecipients);
     whole->addWidget(tvRecipients, 1);
-    whole->addLayout(buttons);
+    whole->addLayout(ui::buttonRow({}, {cmdOk, cmdCancel}));
     ui::setTabOrder({tvRecipients, cmdOk, cmdCancel});
     resize(480, 460);
 

@@ -9,38 +9,33 @@
 #include <QRadioButton>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
+#include <cstdint>
+#include <limits>
 
 #include "core/procedure.h"
-#include "core/state.h"
-#include "database/settings.h"
 #include "platform/process.h"
-#include "server/eventSources.h"
-#include "ui/RTBHelpers.h"
 #include "ui/clipboardImport.h"
+#include "ui/contentGroup.h"
 #include "ui/controls.h"
+#include "ui/eventSourceList.h"
 #include "ui/formFonts.h"
 #include "ui/insertionVariables.h"
 #include "ui/text.h"
-#include "ui/voiceFileBrowse.h"
+#include "ui/widgets/limitsSign.h"
 #include "ui/widgets/numberBox.h"
-#include "ui/widgets/variableTextBox.h"
 
 namespace {
 
 constexpr char module[] = "dlgEvent";
-constexpr long long idLimit = 999'999'999'999'999;
-
-enum EventIdChoice { allEventIds = 0, specificEventId = 1 };
+constexpr ui::EventIdCaptions idCaptions{1019, 1021, 1020};
 
 }  // namespace
 
 dlgEvent::dlgEvent(QWidget* parent) : QDialog(parent) {
     setObjectName("dlgEvent");
     createControls();
-    createContentControls();
     buildLayout();
-    dlgEvent_ControlInit();
-    ui::setFormFonts(*this);
+    Form_Load();
     connectControls();
 }
 
@@ -48,53 +43,31 @@ void dlgEvent::createControls() {
     lblEventSource = ui::makeControl<QLabel>(this, "lblEventSource");
     comboEventSource = ui::makeControl<QComboBox>(this, "comboEventSource");
     frameEventId = ui::makeControl<QGroupBox>(this, "frameEventId");
-    for (int i : {allEventIds, specificEventId})
-        optionEventId.push_back(
-            ui::makeControl<QRadioButton>(frameEventId, "optionEventId_" + std::to_string(i)));
-    tdbnlSpecificEventId = new ui::NumberBox(-idLimit, idLimit, frameEventId);
-    tdbnlSpecificEventId->setObjectName("tdbnlSpecificEventId");
+    id = ui::makeEventIdControls(*frameEventId);
+    // An event's id has 32 bits.
+    using Id = std::numeric_limits<std::int32_t>;
+    idLimits = new ui::LimitsSign(Id::min(), Id::max(), frameEventId);
+    idLimits->hide();
     lblEventType = ui::makeControl<QLabel>(this, "lblEventType");
     comboEventType = ui::makeControl<QComboBox>(this, "comboEventType");
     lblEventTitle = ui::makeControl<QLabel>(this, "lblEventTitle");
     txtEventTitle = ui::makeControl<QLineEdit>(this, "txtEventTitle");
+    frameContent = ui::makeControl<QGroupBox>(this, "frameContent");
+    content = new ui::ContentGroup(module, *this, *frameContent, {"Label1", "Label2"});
     cmdImportFromClipboard = ui::makeControl<QPushButton>(this, "cmdImportFromClipboard");
     cmdOpenEventViewer = ui::makeControl<QPushButton>(this, "cmdOpenEventViewer");
     cmdOk = ui::makeControl<QPushButton>(this, "cmdOk");
     cmdCancel = ui::makeControl<QPushButton>(this, "cmdCancel");
 }
 
-void dlgEvent::createContentControls() {
-    frameContent = ui::makeControl<QGroupBox>(this, "frameContent");
-    lblVoiceMailFilename = ui::makeControl<QLabel>(frameContent, "lblVoiceMailFilename");
-    txtVoiceMailFileName = ui::makeControl<QLineEdit>(frameContent, "txtVoiceMailFileName");
-    cmdVoiceMailBrowse = ui::makeControl<QPushButton>(frameContent, "cmdVoiceMailBrowse");
-    lblVoiceMailPriority = ui::makeControl<QLabel>(frameContent, "lblVoiceMailPriority");
-    comboVoiceMailPriority = ui::makeControl<QComboBox>(frameContent, "comboVoiceMailPriority");
-    lblEmailSubject = ui::makeControl<QLabel>(frameContent, "lblEmailSubject");
-    rtbEmailSubject = new ui::VariableTextBox(ui::VariableTextBox::Lines::one, frameContent);
-    rtbEmailSubject->setObjectName("rtbEmailSubject");
-    Label1 = ui::makeControl<QLabel>(frameContent, "Label1");
-    rtbEmailBody = new ui::VariableTextBox(ui::VariableTextBox::Lines::many, frameContent);
-    rtbEmailBody->setObjectName("rtbEmailBody");
-    lblEmailPriority = ui::makeControl<QLabel>(frameContent, "lblEmailPriority");
-    Label2 = ui::makeControl<QLabel>(frameContent, "Label2");
-    Label2->setWordWrap(true);
-    comboEmailPriority = ui::makeControl<QComboBox>(frameContent, "comboEmailPriority");
-    variables = new ui::InsertionVariables(module, *this, *rtbEmailSubject, *rtbEmailBody);
-}
-
 QLayout* dlgEvent::matchLayout() {
     auto* idRow = new QHBoxLayout(frameEventId);
-    idRow->addWidget(optionEventId[allEventIds]);
+    idRow->addWidget(id.optionEventId[ui::allEventIds]);
     idRow->addSpacing(12);
-    idRow->addWidget(optionEventId[specificEventId]);
-    idRow->addWidget(tdbnlSpecificEventId);
+    idRow->addWidget(id.optionEventId[ui::specificEventId]);
+    idRow->addWidget(id.tdbnlSpecificEventId);
+    idRow->addWidget(idLimits);
     idRow->addStretch();
-    tdbnlSpecificEventId->setMaximumWidth(150);
-    // The row keeps its height while the box comes and goes.
-    QSizePolicy keep = tdbnlSpecificEventId->sizePolicy();
-    keep.setRetainSizeWhenHidden(true);
-    tdbnlSpecificEventId->setSizePolicy(keep);
 
     auto* match = new QGridLayout;
     match->setColumnStretch(1, 1);
@@ -108,104 +81,60 @@ QLayout* dlgEvent::matchLayout() {
     return match;
 }
 
-void dlgEvent::layOutContent() {
-    auto* content = new QGridLayout(frameContent);
-    content->setColumnStretch(1, 1);
-    content->addWidget(lblVoiceMailFilename, 0, 0);
-    content->addWidget(txtVoiceMailFileName, 0, 1);
-    content->addWidget(cmdVoiceMailBrowse, 0, 2);
-    cmdVoiceMailBrowse->setMaximumWidth(48);
-    content->addWidget(lblVoiceMailPriority, 1, 0);
-    content->addWidget(comboVoiceMailPriority, 1, 1, 1, 2, Qt::AlignLeft);
-    content->addWidget(lblEmailSubject, 2, 0);
-    content->addWidget(rtbEmailSubject, 2, 1, 1, 2);
-    content->addWidget(Label1, 3, 0, Qt::AlignTop);
-    content->addWidget(rtbEmailBody, 3, 1, 1, 2);
-    content->addWidget(Label2, 4, 1, 1, 2);
-    content->addWidget(lblEmailPriority, 5, 0);
-    content->addWidget(comboEmailPriority, 5, 1, 1, 2, Qt::AlignLeft);
-    content->setRowStretch(3, 1);
-}
-
-QLayout* dlgEvent::buttonsLayout() {
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(cmdImportFromClipboard);
-    buttons->addWidget(cmdOpenEventViewer);
-    buttons->addStretch();
-    buttons->addWidget(cmdOk);
-    buttons->addWidget(cmdCancel);
-    cmdOk->setDefault(true);
-    for (QPushButton* helper : {cmdVoiceMailBrowse, cmdImportFromClipboard, cmdOpenEventViewer})
-        helper->setAutoDefault(false);
-    return buttons;
-}
-
 void dlgEvent::buildLayout() {
     auto* whole = new QVBoxLayout(this);
     whole->addLayout(matchLayout());
-    layOutContent();
     whole->addWidget(frameContent, 1);
-    whole->addLayout(buttonsLayout());
+    whole->addLayout(ui::buttonRow({cmdImportFromClipboard, cmdOpenEventViewer}, {cmdOk, cmdCancel}));
+    cmdOk->setDefault(true);
+    for (QPushButton* helper : {cmdImportFromClipboard, cmdOpenEventViewer})
+        helper->setAutoDefault(false);
 
     lblEventSource->setBuddy(comboEventSource);
     lblEventType->setBuddy(comboEventType);
     lblEventTitle->setBuddy(txtEventTitle);
-    lblVoiceMailFilename->setBuddy(txtVoiceMailFileName);
-    lblVoiceMailPriority->setBuddy(comboVoiceMailPriority);
-    lblEmailSubject->setBuddy(rtbEmailSubject);
-    Label1->setBuddy(rtbEmailBody);
-    lblEmailPriority->setBuddy(comboEmailPriority);
-    ui::setTabOrder({comboEventSource, optionEventId[0], optionEventId[1], tdbnlSpecificEventId,
-                     comboEventType, txtEventTitle, txtVoiceMailFileName, cmdVoiceMailBrowse,
-                     comboVoiceMailPriority, rtbEmailSubject, rtbEmailBody, comboEmailPriority,
-                     cmdImportFromClipboard, cmdOpenEventViewer, cmdOk, cmdCancel});
+    ui::setTabOrder({comboEventSource, id.optionEventId[ui::allEventIds],
+                     id.optionEventId[ui::specificEventId], id.tdbnlSpecificEventId, comboEventType,
+                     txtEventTitle});
+    content->followInTabOrder(*txtEventTitle);
+    ui::setTabOrder(
+        {content->comboEmailPriority, cmdImportFromClipboard, cmdOpenEventViewer, cmdOk, cmdCancel});
     resize(680, 640);
+}
+
+void dlgEvent::Form_Load() {
+    core::procedure(module, "Form_Load", [&](core::Frame& frame) {
+        frame.step([&] { dlgEvent_ControlInit(); });
+        frame.step([&] { ui::setFormFonts(*this); });
+        frame.step([&] { content->variables->controlInit(); });
+    });
 }
 
 void dlgEvent::dlgEvent_ControlInit() {
     core::procedure(module, "dlgEvent_ControlInit", [&](core::Frame&) {
         setWindowTitle(ui::text(1018));
         lblEventSource->setText(ui::text(1053));
-        frameEventId->setTitle(ui::text(1019));
-        optionEventId[allEventIds]->setText(ui::text(1021));
-        optionEventId[specificEventId]->setText(ui::text(1020));
+        ui::captionEventIdControls(*frameEventId, id, idCaptions);
         lblEventType->setText(ui::text(1052));
         ui::fillCombo(*comboEventType, {1027, 1028, 1029});
         lblEventTitle->setText(ui::text(1151));
         frameContent->setTitle(ui::text(1054));
-        lblVoiceMailFilename->setText(ui::text(1038));
-        lblVoiceMailPriority->setText(ui::text(1042));
-        ui::fillCombo(*comboVoiceMailPriority, {1035, 1036});
-        lblEmailSubject->setText(ui::text(1039));
-        Label1->setText(ui::text(1040));
-        lblEmailPriority->setText(ui::text(1043));
-        Label2->setText(ui::text(1152));
-        ui::fillCombo(*comboEmailPriority, {1035, 1036});
-        cmdVoiceMailBrowse->setText("...");
-        cmdVoiceMailBrowse->setToolTip(ui::text(1044));
-        cmdVoiceMailBrowse->setAccessibleName(ui::text(1044));
+        content->controlInit();
         cmdImportFromClipboard->setText(ui::text(1055));
         cmdImportFromClipboard->setToolTip(ui::text(1056));
         cmdOpenEventViewer->setText(ui::text(1057));
         cmdOk->setText(ui::text(1001));
         cmdCancel->setText(ui::text(1023));
-        variables->controlInit();
         ui::nameByBuddy(*this);
-        tdbnlSpecificEventId->setAccessibleName(ui::plainCaption(optionEventId[specificEventId]->text()));
     });
 }
 
 void dlgEvent::connectControls() {
     connect(comboEventSource, &QComboBox::currentIndexChanged, this, &dlgEvent::comboEventSource_Click);
-    for (int i : {allEventIds, specificEventId})
-        connect(optionEventId[static_cast<std::size_t>(i)], &QRadioButton::clicked, this,
+    for (int i : {ui::allEventIds, ui::specificEventId})
+        connect(id.optionEventId[static_cast<std::size_t>(i)], &QRadioButton::clicked, this,
                 [this, i] { optionEventId_Click(i); });
-    connect(tdbnlSpecificEventId, &QLineEdit::textChanged, this, [this] { updateOkButton(); });
-    connect(comboVoiceMailPriority, &QComboBox::currentIndexChanged, this,
-            [this](int index) { voiceMailPriority = mdlDatabase::mapPriority(index); });
-    connect(comboEmailPriority, &QComboBox::currentIndexChanged, this,
-            [this](int index) { emailPriority = mdlDatabase::mapPriority(index); });
-    connect(cmdVoiceMailBrowse, &QPushButton::clicked, this, &dlgEvent::cmdVoiceMailBrowse_Click);
+    connect(id.tdbnlSpecificEventId, &QLineEdit::textChanged, this, &dlgEvent::tdbnlSpecificEventId_Change);
     connect(cmdImportFromClipboard, &QPushButton::clicked, this, &dlgEvent::cmdImportFromClipboard_Click);
     connect(cmdOpenEventViewer, &QPushButton::clicked, this, &dlgEvent::cmdOpenEventViewer_Click);
     connect(cmdOk, &QPushButton::clicked, this, &dlgEvent::cmdOk_Click);
@@ -214,69 +143,66 @@ void dlgEvent::connectControls() {
 
 void dlgEvent::displayForm() {
     core::procedure(module, "displayForm", [&](core::Frame& frame) {
-        frame.step([&] { fillSources(); });
-        optionEventId[allEventIds]->setChecked(true);
-        tdbnlSpecificEventId->hide();
+        frame.step([&] {
+            const QSignalBlocker fillingIsNoClick(comboEventSource);
+            ui::fillEventSources(*comboEventSource);
+        });
+        id.optionEventId[ui::allEventIds]->setChecked(true);
+        id.tdbnlSpecificEventId->hide();
         comboEventType->setCurrentIndex(0);
-        tdbnlSpecificEventId->setText("-1");
+        id.tdbnlSpecificEventId->setText("-1");
         txtEventTitle->clear();
-        comboVoiceMailPriority->setCurrentIndex(1);
-        comboEmailPriority->setCurrentIndex(1);
+        content->comboVoiceMailPriority->setCurrentIndex(1);
+        content->comboEmailPriority->setCurrentIndex(1);
         updateOkButton();
         cancelled = true;
-        frame.step([&] { fillContent(); });
         frame.step([&] {
-            ui::showPriority(
-                *comboVoiceMailPriority,
-                ui::priorityRow(mdlDatabase::getConfigurationSetting("DefaultVoiceMailPriority")));
+            content->showDefaultVoiceFile();
+            content->showDefaultMail();
+            content->colorTexts();
         });
-        frame.step([&] {
-            ui::showPriority(*comboEmailPriority,
-                             ui::priorityRow(mdlDatabase::getConfigurationSetting("DefaultEmailPriority")));
-        });
+        frame.step([&] { content->showDefaultVoiceMailPriority(); });
+        frame.step([&] { content->showDefaultEmailPriority(); });
         comboEventSource->setFocus();
         exec();
     });
 }
 
-void dlgEvent::fillSources() {
-    const QSignalBlocker fillingIsNoClick(comboEventSource);
-    comboEventSource->clear();
-    for (const std::string& source : mdlUtility::getEventSources(core::gCorvaneFourOrLater, false, false))
-        comboEventSource->addItem(ui::fromUtf8(source));
-    comboEventSource->setCurrentIndex(-1);
-}
-
-void dlgEvent::fillContent() {
-    txtVoiceMailFileName->setText(ui::fromUtf8(mdlDatabase::getDefaultContent(1).text));
-    const auto content = mdlDatabase::getDefaultContent(3).parts;
-    rtbEmailSubject->setStoredText(content.at("Subject"));
-    rtbEmailBody->setStoredText(content.at("Body"));
-    for (ui::VariableTextBox* box : {rtbEmailSubject, rtbEmailBody})
-        RTBHelpers::colorInsertionTokens(*box, RTBHelpers::insertionTokens);
-}
-
 void dlgEvent::updateOkButton() {
     core::procedure(module, "updateOkButton", [&](core::Frame&) {
-        bool enabled = !comboEventSource->currentText().isEmpty();
-        if (optionEventId[specificEventId]->isChecked() && !tdbnlSpecificEventId->hasNumber())
-            enabled = false;
-        cmdOk->setEnabled(enabled);
+        showWhetherIdFits();
+        cmdOk->setEnabled(!comboEventSource->currentText().isEmpty() && !ui::isEventIdMissing(id) &&
+                          !idLimits->refuses());
     });
+}
+
+// The box takes longer numbers than an event can have; one of them is answered here, not first when the event
+// is written.
+void dlgEvent::showWhetherIdFits() {
+    const bool refused =
+        id.tdbnlSpecificEventId->hasNumber() && !id.tdbnlSpecificEventId->fits<std::int32_t>();
+    if (refused == idLimits->refuses())
+        return;
+    idLimits->setVisible(refused);
+    idLimits->showRefusal(refused);
 }
 
 void dlgEvent::comboEventSource_Click() {
     core::procedure(module, "comboEventSource_Click", [&](core::Frame&) { updateOkButton(); });
 }
 
+void dlgEvent::tdbnlSpecificEventId_Change() {
+    core::procedure(module, "tdbnlSpecificEventId_Change", [&](core::Frame&) { updateOkButton(); });
+}
+
 void dlgEvent::optionEventId_Click(int index) {
     core::procedure(module, "optionEventId_Click", [&](core::Frame&) {
-        tdbnlSpecificEventId->setVisible(index == specificEventId);
-        if (index == allEventIds) {
-            tdbnlSpecificEventId->setText("-1");
+        id.tdbnlSpecificEventId->setVisible(index == ui::specificEventId);
+        if (index == ui::allEventIds) {
+            id.tdbnlSpecificEventId->setText("-1");
         } else {
-            tdbnlSpecificEventId->clear();
-            tdbnlSpecificEventId->setFocus();
+            id.tdbnlSpecificEventId->clear();
+            id.tdbnlSpecificEventId->setFocus();
         }
         updateOkButton();
     });
@@ -284,6 +210,8 @@ void dlgEvent::optionEventId_Click(int index) {
 
 void dlgEvent::cmdOk_Click() {
     core::procedure(module, "cmdOk_Click", [&](core::Frame&) {
+        if (!content->variables->leaveSubject(*cmdOk))
+            return;
         cancelled = false;
         accept();
     });
@@ -296,22 +224,16 @@ void dlgEvent::cmdCancel_Click() {
     });
 }
 
-void dlgEvent::cmdVoiceMailBrowse_Click() {
-    core::procedure(module, "cmdVoiceMailBrowse_Click", [&](core::Frame& frame) {
-        frame.step([&] { ui::browseVoiceFile(*txtVoiceMailFileName); });
-    });
-}
-
 void dlgEvent::cmdImportFromClipboard_Click() {
     core::procedure(module, "cmdImportFromClipboard_Click", [&](core::Frame&) {
         const std::optional<ui::CopiedEvent> event =
-            ui::takeCopiedEvent(*comboEventSource, *tdbnlSpecificEventId);
+            ui::takeCopiedEvent(*comboEventSource, *id.tdbnlSpecificEventId);
         if (!event) {
             ui::warnNoEventData();
             return;
         }
-        optionEventId[specificEventId]->click();
-        tdbnlSpecificEventId->setText(event->id);
+        id.optionEventId[ui::specificEventId]->click();
+        id.tdbnlSpecificEventId->setText(event->id);
         comboEventType->setCurrentIndex(event->type);
     });
 }
@@ -325,13 +247,9 @@ void dlgEvent::cmdOpenEventViewer_Click() {
 mdlDatabase::NewEvent dlgEvent::newEvent() const {
     mdlDatabase::NewEvent event;
     event.eventSource = ui::toUtf8(comboEventSource->currentText());
-    event.eventId = ui::toUtf8(tdbnlSpecificEventId->text());
+    event.eventId = ui::toUtf8(id.tdbnlSpecificEventId->text());
     event.eventTitle = ui::toUtf8(txtEventTitle->text());
     event.eventType = static_cast<short>(mdlDatabase::mapEventType(comboEventType->currentIndex(), false));
-    event.content.contentAttachment = ui::toUtf8(txtVoiceMailFileName->text());
-    event.content.voicePriority = voiceMailPriority;
-    event.content.contentSubject = rtbEmailSubject->storedText();
-    event.content.contentNote = rtbEmailBody->storedText();
-    event.content.emailPriority = emailPriority;
+    event.content = content->shown();
     return event;
 }

@@ -3,10 +3,9 @@
 #pragma once
 
 #include <QDialog>
-#include <string>
-#include <vector>
 
 #include "database/events.h"
+#include "ui/eventIdChoice.h"
 
 class QComboBox;
 class QGroupBox;
@@ -14,12 +13,10 @@ class QLabel;
 class QLayout;
 class QLineEdit;
 class QPushButton;
-class QRadioButton;
 
 namespace ui {
-class InsertionVariables;
-class NumberBox;
-class VariableTextBox;
+class ContentGroup;
+class LimitsSign;
 }  // namespace ui
 
 class dlgEvent : public QDialog {
@@ -34,53 +31,36 @@ class dlgEvent : public QDialog {
 
     // Read after displayForm. True when the dialog ended without OK.
     bool cancelled = true;
-    long voiceMailPriority = 1;  // stored values: 2 Urgent, 1 Normal, 0 Low
-    long emailPriority = 1;
     // What the controls hold, as a new event.
     mdlDatabase::NewEvent newEvent() const;
 
   private:
     void createControls();
-    void createContentControls();
     void buildLayout();
     QLayout* matchLayout();
-    QLayout* buttonsLayout();
-    void layOutContent();
     void connectControls();
-    void fillSources();
-    void fillContent();
+    void Form_Load();
     void updateOkButton();
+    void showWhetherIdFits();
     void comboEventSource_Click();
+    void tdbnlSpecificEventId_Change();
     void optionEventId_Click(int index);
     void cmdOk_Click();
     void cmdCancel_Click();
-    void cmdVoiceMailBrowse_Click();
     void cmdImportFromClipboard_Click();
     void cmdOpenEventViewer_Click();
 
     QLabel* lblEventSource;
     QComboBox* comboEventSource;
     QGroupBox* frameEventId;
-    std::vector<QRadioButton*> optionEventId;
-    ui::NumberBox* tdbnlSpecificEventId;
+    ui::EventIdControls id;
+    ui::LimitsSign* idLimits;
     QLabel* lblEventType;
     QComboBox* comboEventType;
     QLabel* lblEventTitle;
     QLineEdit* txtEventTitle;
     QGroupBox* frameContent;
-    QLabel* lblVoiceMailFilename;
-    QLineEdit* txtVoiceMailFileName;
-    QPushButton* cmdVoiceMailBrowse;
-    QLabel* lblVoiceMailPriority;
-    QComboBox* comboVoiceMailPriority;
-    QLabel* lblEmailSubject;
-    ui::VariableTextBox* rtbEmailSubject;
-    QLabel* Label1;
-    ui::VariableTextBox* rtbEmailBody;
-    QLabel* lblEmailPriority;
-    QLabel* Label2;
-    QComboBox* comboEmailPriority;
-    ui::InsertionVariables* variables;
+    ui::ContentGroup* content;
     QPushButton* cmdImportFromClipboard;
     QPushButton* cmdOpenEventViewer;
     QPushButton* cmdOk;

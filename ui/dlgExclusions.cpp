@@ -68,14 +68,10 @@ void dlgExclusions::buildLayout() {
     lists->addWidget(lstExcludedSources, 1, 2);
     lists->setColumnStretch(0, 1);
     lists->setColumnStretch(2, 1);
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(cmdOk);
-    buttons->addWidget(cmdCancel);
     cmdOk->setDefault(true);
     auto* whole = new QVBoxLayout(this);
     whole->addLayout(lists, 1);
-    whole->addLayout(buttons);
+    whole->addLayout(ui::buttonRow({}, {cmdOk, cmdCancel}));
 
     lblAvailableSources->setBuddy(lstAvailableSources);
     lblExcludedSources->setBuddy(lstExcludedSources);

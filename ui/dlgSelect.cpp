@@ -79,15 +79,10 @@ void dlgSelect::buildLayout() {
     cmdOk->setAutoDefault(false);
     cmdCancel->setAutoDefault(false);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(cmdOk);
-    buttons->addWidget(cmdCancel);
-
     auto* whole = new QVBoxLayout(this);
     whole->addWidget(frameSearchExtended);
     whole->addWidget(myGrid, 1);
-    whole->addLayout(buttons);
+    whole->addLayout(ui::buttonRow({}, {cmdOk, cmdCancel}));
     ui::setTabOrder({comboSearchBy, txtSearchString, cmdSearch, myGrid, cmdOk, cmdCancel});
     resize(720, 480);
 }

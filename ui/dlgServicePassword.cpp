@@ -42,10 +42,6 @@ void dlgServicePassword::buildLayout() {
     auto* line = new QHBoxLayout;
     line->addWidget(lblPassword);
     line->addWidget(txtPassword, 1);
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(cmdOk);
-    buttons->addWidget(cmdCancel);
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(20, 20, 20, 16);
     whole->addWidget(lblPrompt);
@@ -53,7 +49,7 @@ void dlgServicePassword::buildLayout() {
     whole->addLayout(line);
     whole->addSpacing(16);
     whole->addStretch();
-    whole->addLayout(buttons);
+    whole->addLayout(ui::buttonRow({}, {cmdOk, cmdCancel}));
     ui::setTabOrder({txtPassword, cmdOk, cmdCancel});
 }
 

@@ -90,10 +90,6 @@ void frmAbout::buildLayout() {
     address->setSpacing(2);
     for (QLabel* line : {lblMeridaneAddress1, lblMeridaneAddress2, lblMeridaneAddress3})
         address->addWidget(line);
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(lblChangeLanguage);
-    buttons->addStretch();
-    buttons->addWidget(cmdOk);
 
     auto* whole = new QGridLayout(this);
     whole->setContentsMargins(24, 24, 24, 16);
@@ -106,7 +102,7 @@ void frmAbout::buildLayout() {
     whole->addLayout(address, 1, 1);
     whole->addWidget(lblCopyright, 2, 1);
     whole->addWidget(lblTrademark, 3, 1);
-    whole->addLayout(buttons, 4, 0, 1, 2);
+    whole->addLayout(ui::buttonRow({lblChangeLanguage}, {cmdOk}), 4, 0, 1, 2);
     // The window fits its words, also after a change of language.
     whole->setSizeConstraint(QLayout::SetFixedSize);
     ui::setTabOrder({cmdOk, lblChangeLanguage});

@@ -4,7 +4,6 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QTabBar>
@@ -12,11 +11,11 @@
 
 #include "core/procedure.h"
 #include "database/settings.h"
+#include "ui/contentGroup.h"
 #include "ui/controls.h"
 #include "ui/formFonts.h"
 #include "ui/insertionVariables.h"
 #include "ui/text.h"
-#include "ui/voiceFileBrowse.h"
 #include "ui/widgets/limitedNumberBox.h"
 #include "ui/widgets/variableTextBox.h"
 
@@ -53,7 +52,6 @@ frmOptions::frmOptions(QWidget* parent) : QDialog(parent) {
     setObjectName("frmOptions");
     sstabOptions = ui::makeControl<QTabWidget>(this, "sstabOptions");
     createGeneralControls();
-    createContentControls();
     cmdOk = ui::makeControl<QPushButton>(this, "cmdOk");
     cmdCancel = ui::makeControl<QPushButton>(this, "cmdCancel");
     cmdApply = ui::makeControl<QPushButton>(this, "cmdApply");
@@ -71,26 +69,6 @@ void frmOptions::createGeneralControls() {
     tdbnumliteReportDataAging = makeNumberBox(this, "tdbnumliteReportDataAging", 1, 31);
     chkWarnOnDuplicateMonitoredEvents = ui::makeControl<QCheckBox>(this, "chkWarnOnDuplicateMonitoredEvents");
     chkMaxDiagnostics = ui::makeControl<QCheckBox>(this, "chkMaxDiagnostics");
-}
-
-void frmOptions::createContentControls() {
-    using Lines = ui::VariableTextBox::Lines;
-    lblVoiceMailFilename = ui::makeControl<QLabel>(this, "lblVoiceMailFilename");
-    txtVoiceMailFileName = ui::makeControl<QLineEdit>(this, "txtVoiceMailFileName");
-    cmdVoiceMailBrowse = ui::makeControl<QPushButton>(this, "cmdVoiceMailBrowse");
-    lblVoiceMailPriority = ui::makeControl<QLabel>(this, "lblVoiceMailPriority");
-    comboVoiceMailPriority = ui::makeControl<QComboBox>(this, "comboVoiceMailPriority");
-    lblEmailSubject = ui::makeControl<QLabel>(this, "lblEmailSubject");
-    rtbEmailSubject = new ui::VariableTextBox(Lines::one, this);
-    rtbEmailSubject->setObjectName("rtbEmailSubject");
-    lblEmailBody = ui::makeControl<QLabel>(this, "lblEmailBody");
-    rtbEmailBody = new ui::VariableTextBox(Lines::many, this);
-    rtbEmailBody->setObjectName("rtbEmailBody");
-    lblEmailPriority = ui::makeControl<QLabel>(this, "lblEmailPriority");
-    comboEmailPriority = ui::makeControl<QComboBox>(this, "comboEmailPriority");
-    lblRightClick = ui::makeControl<QLabel>(this, "lblRightClick");
-    lblRightClick->setWordWrap(true);
-    variables = new ui::InsertionVariables(module, *this, *rtbEmailSubject, *rtbEmailBody);
 }
 
 void frmOptions::layOutGeneral(QWidget& page) {
@@ -113,65 +91,28 @@ void frmOptions::layOutGeneral(QWidget& page) {
     rows->setRowStretch(row, 1);
 }
 
-void frmOptions::layOutContent(QWidget& page) {
-    auto* rows = new QGridLayout(&page);
-    rows->setColumnStretch(1, 1);
-    rows->addWidget(lblVoiceMailFilename, 0, 0);
-    rows->addWidget(txtVoiceMailFileName, 0, 1);
-    rows->addWidget(cmdVoiceMailBrowse, 0, 2);
-    cmdVoiceMailBrowse->setMaximumWidth(48);
-    rows->addWidget(lblVoiceMailPriority, 1, 0);
-    rows->addWidget(comboVoiceMailPriority, 1, 1, 1, 2, Qt::AlignLeft);
-    rows->addWidget(lblEmailSubject, 2, 0);
-    rows->addWidget(rtbEmailSubject, 2, 1, 1, 2);
-    rows->addWidget(lblEmailBody, 3, 0, Qt::AlignTop);
-    rows->addWidget(rtbEmailBody, 3, 1, 1, 2);
-    rows->addWidget(lblRightClick, 4, 1, 1, 2);
-    rows->addWidget(lblEmailPriority, 5, 0);
-    rows->addWidget(comboEmailPriority, 5, 1, 1, 2, Qt::AlignLeft);
-    rows->setRowStretch(3, 1);
-    lblVoiceMailFilename->setBuddy(txtVoiceMailFileName);
-    lblVoiceMailPriority->setBuddy(comboVoiceMailPriority);
-    lblEmailSubject->setBuddy(rtbEmailSubject);
-    lblEmailBody->setBuddy(rtbEmailBody);
-    lblEmailPriority->setBuddy(comboEmailPriority);
-}
-
 void frmOptions::buildLayout() {
     // A press on a tab takes the focus and so is asked about a blank subject.
     sstabOptions->tabBar()->setFocusPolicy(Qt::StrongFocus);
-    for (auto layOut : {&frmOptions::layOutGeneral, &frmOptions::layOutContent}) {
-        auto* page = new QWidget(sstabOptions);
-        (this->*layOut)(*page);
-        sstabOptions->addTab(page, QString());
-    }
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    for (QPushButton* button : {cmdOk, cmdCancel, cmdApply})
-        buttons->addWidget(button);
+    auto* general = new QWidget(sstabOptions);
+    layOutGeneral(*general);
+    sstabOptions->addTab(general, QString());
+    auto* defaults = new QWidget(sstabOptions);
+    content = new ui::ContentGroup(module, *this, *defaults, {"lblEmailBody", "lblRightClick"});
+    sstabOptions->addTab(defaults, QString());
     cmdOk->setDefault(true);
-    cmdVoiceMailBrowse->setAutoDefault(false);
     auto* whole = new QVBoxLayout(this);
     whole->addWidget(sstabOptions, 1);
-    whole->addLayout(buttons);
+    whole->addLayout(ui::buttonRow({}, {cmdOk, cmdCancel, cmdApply}));
     ui::setTabOrder({sstabOptions->tabBar(), tdbnumliteNoficationInterval, tdbnumliteEventlogPollingInterval,
-                     tdbnumliteReportDataAging, chkWarnOnDuplicateMonitoredEvents, chkMaxDiagnostics,
-                     txtVoiceMailFileName, cmdVoiceMailBrowse, comboVoiceMailPriority, rtbEmailSubject,
-                     rtbEmailBody, comboEmailPriority, cmdOk, cmdCancel, cmdApply});
+                     tdbnumliteReportDataAging, chkWarnOnDuplicateMonitoredEvents, chkMaxDiagnostics});
+    content->followInTabOrder(*chkMaxDiagnostics);
+    ui::setTabOrder({content->comboEmailPriority, cmdOk, cmdCancel, cmdApply});
     resize(620, 520);
 }
 
 void frmOptions::connectControls() {
-    const auto keepPriority = [this](QComboBox* combo, long& priority) {
-        connect(combo, &QComboBox::currentIndexChanged, this, [&priority](int row) {
-            if (row >= 0)
-                priority = mdlDatabase::mapPriority(row);
-        });
-    };
-    keepPriority(comboVoiceMailPriority, voiceMailPriority_);
-    keepPriority(comboEmailPriority, emailPriority_);
     connect(sstabOptions, &QTabWidget::currentChanged, this, &frmOptions::sstabOptions_Click);
-    connect(cmdVoiceMailBrowse, &QPushButton::clicked, this, &frmOptions::cmdVoiceMailBrowse_Click);
     connect(cmdOk, &QPushButton::clicked, this, &frmOptions::cmdOk_Click);
     connect(cmdCancel, &QPushButton::clicked, this, &frmOptions::cmdCancel_Click);
     connect(cmdApply, &QPushButton::clicked, this, &frmOptions::cmdApply_Click);
@@ -181,7 +122,7 @@ void frmOptions::Form_Load() {
     core::procedure(module, "Form_Load", [&](core::Frame& frame) {
         frmOptions_ControlInit();
         frame.step([&] { ui::setFormFonts(*this); });
-        frame.step([&] { variables->controlInit(); });
+        frame.step([&] { content->variables->controlInit(); });
         loadOptions();
         sstabOptions->setCurrentIndex(tabGeneral);
     });
@@ -199,17 +140,7 @@ void frmOptions::frmOptions_ControlInit() {
         chkWarnOnDuplicateMonitoredEvents->setToolTip(tip(1161));
         chkMaxDiagnostics->setText(ui::text(1315));
         chkMaxDiagnostics->setToolTip(tip(1316));
-        lblVoiceMailFilename->setText(ui::text(1038));
-        cmdVoiceMailBrowse->setText("...");
-        cmdVoiceMailBrowse->setToolTip(ui::text(1044));
-        cmdVoiceMailBrowse->setAccessibleName(ui::text(1044));
-        lblVoiceMailPriority->setText(ui::text(1042));
-        ui::fillCombo(*comboVoiceMailPriority, {1035, 1036});
-        lblEmailSubject->setText(ui::text(1039));
-        lblEmailBody->setText(ui::text(1040));
-        lblEmailPriority->setText(ui::text(1043));
-        ui::fillCombo(*comboEmailPriority, {1035, 1036});
-        lblRightClick->setText(ui::text(1152));
+        content->controlInit();
         cmdOk->setText(ui::text(1001));
         cmdCancel->setText(ui::text(1023));
         cmdApply->setText(ui::text(1046));
@@ -225,24 +156,19 @@ void frmOptions::loadOptions() {
         const auto number = [](ui::LimitedNumberBox* box, const char* setting) {
             box->setStoredNumber(getConfigurationSetting(setting));
         };
-        const auto priority = [](QComboBox* combo, const char* setting) {
-            combo->setCurrentIndex(ui::priorityRow(getConfigurationSetting(setting)));
-        };
         const auto check = [](QCheckBox* box, const char* setting) {
             box->setChecked(getConfigurationSetting(setting) == checkedText);
         };
         frame.step([&] { number(tdbnumliteNoficationInterval, "EventNotificationInterval"); });
         frame.step([&] { number(tdbnumliteEventlogPollingInterval, "PollingInterval"); });
         frame.step([&] { number(tdbnumliteReportDataAging, "ReportDataAging"); });
-        frame.step(
-            [&] { txtVoiceMailFileName->setText(ui::fromUtf8(mdlDatabase::getDefaultContent(1).text)); });
+        frame.step([&] { content->showDefaultVoiceFile(); });
         frame.step([&] {
-            const auto content = mdlDatabase::getDefaultContent(3).parts;
-            rtbEmailSubject->setStoredText(content.at("Subject"));
-            rtbEmailBody->setStoredText(content.at("Body"));
+            content->showDefaultMail();
+            content->colorTexts();
         });
-        frame.step([&] { priority(comboVoiceMailPriority, "DefaultVoiceMailPriority"); });
-        frame.step([&] { priority(comboEmailPriority, "DefaultEmailPriority"); });
+        frame.step([&] { content->showDefaultVoiceMailPriority(); });
+        frame.step([&] { content->showDefaultEmailPriority(); });
         frame.step([&] { check(chkWarnOnDuplicateMonitoredEvents, "WarnOnDuplicateMonitoredEvents"); });
         frame.step([&] { check(chkMaxDiagnostics, "MaxDiag"); });
     });
@@ -250,18 +176,19 @@ void frmOptions::loadOptions() {
 
 void frmOptions::saveOptions() {
     core::procedure(module, "saveOptions", [&](core::Frame& frame) {
+        const mdlDatabase::EventContent shown = content->shown();
         const auto number = [](const ui::LimitedNumberBox* box) { return std::to_string(box->value()); };
         const std::pair<const char*, std::string> settings[] = {
             {"EventNotificationInterval", number(tdbnumliteNoficationInterval)},
             {"PollingInterval", number(tdbnumliteEventlogPollingInterval)},
             {"ReportDataAging", number(tdbnumliteReportDataAging)},
-            {"DefaultWavAttachment", ui::toUtf8(txtVoiceMailFileName->text())},
-            {"DefaultEmailSubject", rtbEmailSubject->storedText()},
-            {"DefaultEmailBody", rtbEmailBody->storedText()},
+            {"DefaultWavAttachment", shown.contentAttachment},
+            {"DefaultEmailSubject", shown.contentSubject},
+            {"DefaultEmailBody", shown.contentNote},
             {"WarnOnDuplicateMonitoredEvents", storedText(*chkWarnOnDuplicateMonitoredEvents)},
             {"MaxDiag", storedText(*chkMaxDiagnostics)},
-            {"DefaultEmailPriority", std::to_string(emailPriority_)},
-            {"DefaultVoiceMailPriority", std::to_string(voiceMailPriority_)}};
+            {"DefaultEmailPriority", std::to_string(shown.emailPriority)},
+            {"DefaultVoiceMailPriority", std::to_string(shown.voicePriority)}};
         for (const auto& [setting, value] : settings)
             frame.step([&, name = setting, text = &value] { setConfigurationSetting(name, *text); });
     });
@@ -269,14 +196,9 @@ void frmOptions::saveOptions() {
 
 // Asks about a blank subject when something is done that would leave it; true when it is not blank by then.
 bool frmOptions::leaveSubject(QWidget& next) {
-    const auto isBlank = [&] { return rtbEmailSubject->toPlainText().isEmpty(); };
-    if (!isBlank())
-        return true;
-    sstabOptions->setCurrentIndex(tabDefaultContent);
-    rtbEmailSubject->setFocus();
-    // The Enter key presses a button without moving the focus, so it is moved here, and the question comes.
-    next.setFocus();
-    return !isBlank();
+    if (content->rtbEmailSubject->toPlainText().isEmpty())
+        sstabOptions->setCurrentIndex(tabDefaultContent);
+    return content->variables->leaveSubject(next);
 }
 
 void frmOptions::sstabOptions_Click(int tab) {
@@ -288,15 +210,9 @@ void frmOptions::sstabOptions_Click(int tab) {
                 sstabOptions->setCurrentIndex(tabGeneral);
             return;
         }
-        comboEmailPriority->update();
-        comboVoiceMailPriority->update();
+        content->comboEmailPriority->update();
+        content->comboVoiceMailPriority->update();
         cmdOk->update();
-    });
-}
-
-void frmOptions::cmdVoiceMailBrowse_Click() {
-    core::procedure(module, "cmdVoiceMailBrowse_Click", [&](core::Frame& frame) {
-        frame.step([&] { ui::browseVoiceFile(*txtVoiceMailFileName); });
     });
 }
 

@@ -4,17 +4,14 @@
 #include <QDialog>
 
 class QCheckBox;
-class QComboBox;
 class QGridLayout;
 class QLabel;
-class QLineEdit;
 class QPushButton;
 class QTabWidget;
 
 namespace ui {
-class InsertionVariables;
+class ContentGroup;
 class LimitedNumberBox;
-class VariableTextBox;
 }  // namespace ui
 
 class frmOptions : public QDialog {
@@ -27,9 +24,7 @@ class frmOptions : public QDialog {
 
   private:
     void createGeneralControls();
-    void createContentControls();
     void layOutGeneral(QWidget& page);
-    void layOutContent(QWidget& page);
     void buildLayout();
     void connectControls();
     void Form_Load();
@@ -37,15 +32,9 @@ class frmOptions : public QDialog {
     void saveOptions();
     bool leaveSubject(QWidget& next);
     void sstabOptions_Click(int tab);
-    void cmdVoiceMailBrowse_Click();
     void cmdOk_Click();
     void cmdApply_Click();
     void cmdCancel_Click();
-
-    // Stored values: 2 Urgent, 1 Normal, 0 Low, which the lists do not offer. A stored 0 chooses nothing and
-    // so stays what it was.
-    long voiceMailPriority_ = 0;
-    long emailPriority_ = 0;
 
     QTabWidget* sstabOptions;
     QLabel* lblNotificationInterval;
@@ -56,19 +45,7 @@ class frmOptions : public QDialog {
     ui::LimitedNumberBox* tdbnumliteReportDataAging;
     QCheckBox* chkWarnOnDuplicateMonitoredEvents;
     QCheckBox* chkMaxDiagnostics;
-    QLabel* lblVoiceMailFilename;
-    QLineEdit* txtVoiceMailFileName;
-    QPushButton* cmdVoiceMailBrowse;
-    QLabel* lblVoiceMailPriority;
-    QComboBox* comboVoiceMailPriority;
-    QLabel* lblEmailSubject;
-    ui::VariableTextBox* rtbEmailSubject;
-    QLabel* lblEmailBody;
-    ui::VariableTextBox* rtbEmailBody;
-    QLabel* lblEmailPriority;
-    QComboBox* comboEmailPriority;
-    QLabel* lblRightClick;
-    ui::InsertionVariables* variables;
+    ui::ContentGroup* content;
     QPushButton* cmdOk;
     QPushButton* cmdCancel;
     QPushButton* cmdApply;

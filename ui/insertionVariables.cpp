@@ -47,6 +47,15 @@ void InsertionVariables::controlInit() {
         RTBHelpers::captionInsertionMenu(mnuInsert);
 }
 
+bool InsertionVariables::leaveSubject(QWidget& next) {
+    const auto isBlank = [this] { return rtbEmailSubject_.toPlainText().isEmpty(); };
+    if (isBlank()) {
+        rtbEmailSubject_.setFocus();
+        next.setFocus();
+    }
+    return !isBlank();
+}
+
 void InsertionVariables::connectBox(VariableTextBox& box) {
     connect(&box, &VariableTextBox::entered, this, [this, &box] { activeRichText_ = &box; });
     connect(&box, &VariableTextBox::charPressed, this,

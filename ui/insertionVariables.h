@@ -27,6 +27,9 @@ class InsertionVariables : public QObject {
 
     // Captions from the string table; fills the menu on its first call.
     void controlInit();
+    // For a button: the Enter key presses one without moving the focus, so the question about a blank subject
+    // is asked here, with the focus going to `next`. True when the subject is not blank by then.
+    bool leaveSubject(QWidget& next);
 
     QMenu* mnuVariables;
     std::vector<QAction*> mnuInsert;

@@ -8,16 +8,14 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>
-#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 #include "core/state.h"
-#include "database/settings.h"
+#include "ui/contentGroup.h"
 #include "ui/controls.h"
 #include "ui/dlgExclusions.h"
 #include "ui/insertionVariables.h"
 #include "ui/text.h"
-#include "ui/voiceFileBrowse.h"
 #include "ui/widgets/eventIdBox.h"
 #include "ui/widgets/keyedTree.h"
 #include "ui/widgets/variableTextBox.h"
@@ -63,28 +61,14 @@ void paneEventDetails::createControls() {
 }
 
 void paneEventDetails::createContentControls() {
-    lblVoiceMailFilename = ui::makeControl<QLabel>(frameContent, "lblVoiceMailFilename");
-    txtVoiceMailFileName = ui::makeControl<QLineEdit>(frameContent, "txtVoiceMailFileName");
-    cmdVoiceMailBrowse = ui::makeControl<QPushButton>(frameContent, "cmdVoiceMailBrowse");
-    lblVoiceMailPriority = ui::makeControl<QLabel>(frameContent, "lblVoiceMailPriority");
-    comboVoiceMailPriority = ui::makeControl<QComboBox>(frameContent, "comboVoiceMailPriority");
-    lblEmailSubject = ui::makeControl<QLabel>(frameContent, "lblEmailSubject");
-    rtbEmailSubject = new ui::VariableTextBox(ui::VariableTextBox::Lines::one, frameContent);
-    rtbEmailSubject->setObjectName("rtbEmailSubject");
-    lblEmailBody = ui::makeControl<QLabel>(frameContent, "lblEmailBody");
-    rtbEmailBody = new ui::VariableTextBox(ui::VariableTextBox::Lines::many, frameContent);
-    rtbEmailBody->setObjectName("rtbEmailBody");
-    rtbEmailBody->setMinimumHeight(lowestBody);
-    Label2 = ui::makeControl<QLabel>(frameContent, "Label2");
-    Label2->setWordWrap(true);
-    lblEmailPriority = ui::makeControl<QLabel>(frameContent, "lblEmailPriority");
-    comboEmailPriority = ui::makeControl<QComboBox>(frameContent, "comboEmailPriority");
-    variables = new ui::InsertionVariables(module, *this, *rtbEmailSubject, *rtbEmailBody, [this] {
-        if (core::gRebuildingControls)
-            return;
-        eventDataChanged_ = true;
-        updateEventApply();
-    });
+    content = new ui::ContentGroup(module, *this, *frameContent, {"lblEmailBody", "Label2"},
+                                   {.textChanged =
+                                        [this] {
+                                            if (!core::gRebuildingControls)
+                                                markChanged();
+                                        },
+                                    .priorityClicked = [this] { markChanged(); }});
+    content->rtbEmailBody->setMinimumHeight(lowestBody);
 }
 
 QLayout* paneEventDetails::matchLayout() {
@@ -115,28 +99,8 @@ void paneEventDetails::layOutRecipients() {
     recipients->addLayout(buttons);
 }
 
-void paneEventDetails::layOutContent() {
-    auto* content = new QGridLayout(frameContent);
-    content->setColumnStretch(1, 1);
-    content->addWidget(lblVoiceMailFilename, 0, 0);
-    content->addWidget(txtVoiceMailFileName, 0, 1);
-    content->addWidget(cmdVoiceMailBrowse, 0, 2);
-    cmdVoiceMailBrowse->setMaximumWidth(48);
-    content->addWidget(lblVoiceMailPriority, 1, 0);
-    content->addWidget(comboVoiceMailPriority, 1, 1, 1, 2, Qt::AlignLeft);
-    content->addWidget(lblEmailSubject, 2, 0);
-    content->addWidget(rtbEmailSubject, 2, 1, 1, 2);
-    content->addWidget(lblEmailBody, 3, 0, Qt::AlignTop);
-    content->addWidget(rtbEmailBody, 3, 1, 1, 2);
-    content->addWidget(Label2, 4, 1, 1, 2);
-    content->addWidget(lblEmailPriority, 5, 0);
-    content->addWidget(comboEmailPriority, 5, 1, 1, 2, Qt::AlignLeft);
-    content->setRowStretch(3, 1);
-}
-
 void paneEventDetails::buildLayout() {
     layOutRecipients();
-    layOutContent();
     auto* area = ui::makeControl<QScrollArea>(this, "VSViewPort1");
     auto* inner = new QWidget(area);
     auto* parts = new QVBoxLayout(inner);
@@ -146,28 +110,19 @@ void paneEventDetails::buildLayout() {
     area->setWidget(inner);
     area->setWidgetResizable(true);
     area->setFrameShape(QFrame::NoFrame);
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(cmdExclusions);
-    buttons->addStretch();
-    buttons->addWidget(cmdEventApply);
     auto* outer = new QVBoxLayout(this);
     outer->setContentsMargins(6, 4, 6, 6);
     outer->addWidget(area, 1);
-    outer->addLayout(buttons);
+    outer->addLayout(ui::buttonRow({cmdExclusions}, {cmdEventApply}));
 
     lblEventSource->setBuddy(comboEventSource);
     lblEventId->setBuddy(comboEventId);
     lblEventType->setBuddy(comboEventType);
     lblEventNotes->setBuddy(txtEventTitle);
-    lblVoiceMailFilename->setBuddy(txtVoiceMailFileName);
-    lblVoiceMailPriority->setBuddy(comboVoiceMailPriority);
-    lblEmailSubject->setBuddy(rtbEmailSubject);
-    lblEmailBody->setBuddy(rtbEmailBody);
-    lblEmailPriority->setBuddy(comboEmailPriority);
     ui::setTabOrder({comboEventSource, comboEventId, comboEventType, chkActive, txtEventTitle, tvRecipients,
-                     cmdAddRecipient, cmdRemoveRecipient, txtVoiceMailFileName, cmdVoiceMailBrowse,
-                     comboVoiceMailPriority, rtbEmailSubject, rtbEmailBody, comboEmailPriority, cmdExclusions,
-                     cmdEventApply});
+                     cmdAddRecipient, cmdRemoveRecipient});
+    content->followInTabOrder(*cmdRemoveRecipient);
+    ui::setTabOrder({content->comboEmailPriority, cmdExclusions, cmdEventApply});
 }
 
 void paneEventDetails::controlInit() {
@@ -187,22 +142,9 @@ void paneEventDetails::controlInit() {
     cmdRemoveRecipient->setAccessibleName(ui::text(1109));
     tvRecipients->setAccessibleName(ui::text(1031));
     frameContent->setTitle(ui::text(1054));
-    lblVoiceMailFilename->setText(ui::text(1038));
-    cmdVoiceMailBrowse->setText("...");
-    cmdVoiceMailBrowse->setToolTip(ui::text(1044));
-    cmdVoiceMailBrowse->setAccessibleName(ui::text(1044));
-    lblVoiceMailPriority->setText(ui::text(1042));
-    ui::fillCombo(*comboVoiceMailPriority, {1035, 1036});
-    lblEmailSubject->setText(ui::text(1039));
-    lblEmailBody->setText(ui::text(1040));
-    Label2->setText(ui::text(1152));
-    lblEmailPriority->setText(ui::text(1043));
-    ui::fillCombo(*comboEmailPriority, {1035, 1036});
+    content->controlInit();
     cmdExclusions->setText(ui::text(1107));
     cmdEventApply->setText(ui::text(1046));
-    // The menu is filled when the first event is shown.
-    if (variables->mnuInsert.size() > 1)
-        variables->controlInit();
     // The catch-all event's source is a caption.
     if (!comboEventSource->isEnabled() && comboEventSource->count() == 1)
         comboEventSource->setItemText(0, ui::text(1049));
@@ -212,6 +154,10 @@ void paneEventDetails::controlInit() {
 // A click is a choice by a person, also of the row that is chosen already, and any change by the program.
 void paneEventDetails::connectList(QComboBox& list, const char* handler) {
     connect(&list, &QComboBox::currentIndexChanged, this, [this, handler] { noteChange(handler); });
+    connectChoice(list, handler);
+}
+
+void paneEventDetails::connectChoice(QComboBox& list, const char* handler) {
     connect(&list, &QComboBox::activated, this, [this, handler] {
         if (!eventDataChanged_)
             noteChange(handler);
@@ -221,18 +167,14 @@ void paneEventDetails::connectList(QComboBox& list, const char* handler) {
 }
 
 void paneEventDetails::connectControls() {
-    connect(comboVoiceMailPriority, &QComboBox::currentIndexChanged, this,
-            [this](int index) { voiceMailPriority_ = mdlDatabase::mapPriority(index); });
-    connect(comboEmailPriority, &QComboBox::currentIndexChanged, this,
-            [this](int index) { emailPriority_ = mdlDatabase::mapPriority(index); });
     connectList(*comboEventSource, "comboEventSource_Click");
     connectList(*comboEventType, "comboEventType_Click");
     connectList(*comboEventId, "comboEventId_Click");
-    connectList(*comboVoiceMailPriority, "comboVoiceMailPriority_Click");
-    connectList(*comboEmailPriority, "comboEmailPriority_Click");
+    connectChoice(*content->comboVoiceMailPriority, "comboVoiceMailPriority_Click");
+    connectChoice(*content->comboEmailPriority, "comboEmailPriority_Click");
     connect(comboEventId, &QComboBox::editTextChanged, this, [this] { noteChange("comboEventId_Change"); });
     connect(txtEventTitle, &QLineEdit::textChanged, this, [this] { noteChange("txtEventTitle_Change"); });
-    connect(txtVoiceMailFileName, &QLineEdit::textChanged, this,
+    connect(content->txtVoiceMailFileName, &QLineEdit::textChanged, this,
             [this] { noteChange("txtVoiceMailFileName_Change"); });
     connect(chkActive, &QCheckBox::toggled, this, [this] { noteChange("chkActive_Click"); });
 
@@ -240,16 +182,17 @@ void paneEventDetails::connectControls() {
     connect(tvRecipients, &ui::KeyedTree::nodeChecked, this, &paneEventDetails::tvRecipients_NodeCheck);
     connect(cmdAddRecipient, &QPushButton::clicked, this, &paneEventDetails::cmdAddRecipient_Click);
     connect(cmdRemoveRecipient, &QPushButton::clicked, this, &paneEventDetails::cmdRemoveRecipient_Click);
-    connect(cmdVoiceMailBrowse, &QPushButton::clicked, this, &paneEventDetails::cmdVoiceMailBrowse_Click);
     connect(cmdExclusions, &QPushButton::clicked, this, &paneEventDetails::cmdExclusions_Click);
     connect(cmdEventApply, &QPushButton::clicked, this, &paneEventDetails::cmdEventApply_Click);
 }
 
 void paneEventDetails::noteChange(const char* handler) {
-    core::procedure(module, handler, [&](core::Frame&) {
-        eventDataChanged_ = true;
-        updateEventApply();
-    });
+    core::procedure(module, handler, [&](core::Frame&) { markChanged(); });
+}
+
+void paneEventDetails::markChanged() {
+    eventDataChanged_ = true;
+    updateEventApply();
 }
 
 void paneEventDetails::updateEventApply() {
@@ -260,11 +203,5 @@ void paneEventDetails::updateEventApply() {
 void paneEventDetails::cmdExclusions_Click() {
     core::procedure(module, "cmdExclusions_Click", [&](core::Frame& frame) {
         frame.step([&] { ui::sharedDialog<dlgExclusions>(*window()).displayForm(); });
-    });
-}
-
-void paneEventDetails::cmdVoiceMailBrowse_Click() {
-    core::procedure(module, "cmdVoiceMailBrowse_Click", [&](core::Frame& frame) {
-        frame.step([&] { ui::browseVoiceFile(*txtVoiceMailFileName); });
     });
 }

@@ -19,10 +19,9 @@ class QLineEdit;
 class QPushButton;
 
 namespace ui {
+class ContentGroup;
 class EventIdBox;
-class InsertionVariables;
 class KeyedTree;
-class VariableTextBox;
 }  // namespace ui
 
 class paneEventDetails : public QWidget, public EditingPane {
@@ -53,12 +52,13 @@ class paneEventDetails : public QWidget, public EditingPane {
     void buildLayout();
     QLayout* matchLayout();
     void layOutRecipients();
-    void layOutContent();
     void connectControls();
     void connectList(QComboBox& list, const char* handler);
+    void connectChoice(QComboBox& list, const char* handler);
 
     // Change tracking. `handler` is the name in the log of what noticed the change.
     void noteChange(const char* handler);
+    void markChanged();
     void updateEventApply();
 
     void fillEvent(core::Frame& frame, long eventKey);
@@ -66,12 +66,10 @@ class paneEventDetails : public QWidget, public EditingPane {
     void fillContent(core::Frame& frame, long eventKey);
     void fillDefaultContent(core::Frame& frame);
     void fillStoredContent(core::Frame& frame, platform::Recordset& contents);
-    void colorContent();
 
     mdlDatabase::ModifiedEvent shownEvent(long eventKey) const;
     void cmdEventApply_Click();
     void cmdExclusions_Click();
-    void cmdVoiceMailBrowse_Click();
 
     // The key of the event whose node is selected in the navigation tree. Raises 35601 when none is.
     long selectedEventKey() const;
@@ -101,25 +99,11 @@ class paneEventDetails : public QWidget, public EditingPane {
     QPushButton* cmdAddRecipient;
     QPushButton* cmdRemoveRecipient;
     QGroupBox* frameContent;
-    QLabel* lblVoiceMailFilename;
-    QLineEdit* txtVoiceMailFileName;
-    QPushButton* cmdVoiceMailBrowse;
-    QLabel* lblVoiceMailPriority;
-    QComboBox* comboVoiceMailPriority;
-    QLabel* lblEmailSubject;
-    ui::VariableTextBox* rtbEmailSubject;
-    QLabel* lblEmailBody;
-    ui::VariableTextBox* rtbEmailBody;
-    QLabel* Label2;
-    QLabel* lblEmailPriority;
-    QComboBox* comboEmailPriority;
+    ui::ContentGroup* content;
     QPushButton* cmdExclusions;
     QPushButton* cmdEventApply;
-    ui::InsertionVariables* variables;
 
     bool eventDataChanged_ = false;
     bool eventRecipientsChanged_ = false;
-    long voiceMailPriority_ = 0;  // stored values: 2 Urgent, 1 Normal, 0 Low
-    long emailPriority_ = 0;
     mdlDatabase::DeviceSelection selectedDevices_;  // the devices ticked in tvRecipients
 };

@@ -6,12 +6,10 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include "core/state.h"
 #include "database/events.h"
-#include "database/settings.h"
-#include "server/eventSources.h"
-#include "ui/RTBHelpers.h"
+#include "ui/contentGroup.h"
 #include "ui/controls.h"
+#include "ui/eventSourceList.h"
 #include "ui/insertionVariables.h"
 #include "ui/mdlRecDevices.h"
 #include "ui/paneEventDetails.h"
@@ -28,7 +26,7 @@ namespace {
 constexpr char module[] = "frmMain";
 
 void showStoredPriority(QComboBox& list, const Recordset& contents) {
-    ui::showPriority(list, static_cast<int>(mdlDatabase::mapPriority(contents.number("ContentPriority"))));
+    ui::ContentGroup::showPriority(list, contents.number("ContentPriority"));
 }
 
 // Nothing can be chosen, but what is shown stays as easy to read as before.
@@ -52,8 +50,8 @@ void paneEventDetails::displayEventDetails(long eventKey) {
     core::procedure(module, "displayEventDetails", [&](core::Frame& frame) {
         fillEvent(frame, eventKey);
         fillContent(frame, eventKey);
-        if (variables->mnuInsert.size() == 1)
-            frame.step([&] { variables->controlInit(); });
+        if (content->variables->mnuInsert.size() == 1)
+            frame.step([&] { content->variables->controlInit(); });
         selectedDevices_.clear();
         frame.step(
             [&] { mdlRecDevices::populateRecipientsList(*tvRecipients, eventKey, selectedDevices_, true); });
@@ -92,13 +90,7 @@ void paneEventDetails::fillSources(core::Frame& frame, bool catchAll) {
         lockList(*comboEventSource);
         return;
     }
-    frame.step([&] {
-        QStringList sources;
-        for (const std::string& source : mdlUtility::getEventSources(core::gCorvaneFourOrLater, false, false))
-            sources.append(ui::fromUtf8(source));
-        comboEventSource->addItems(sources);
-        comboEventSource->setCurrentIndex(-1);
-    });
+    frame.step([&] { ui::fillEventSources(*comboEventSource); });
     comboEventSource->setEnabled(true);
     // Nothing shows the button again in this run: the tree's branch of exclusions is the standing way. It
     // stays so.
@@ -117,22 +109,11 @@ void paneEventDetails::fillContent(core::Frame& frame, long eventKey) {
 }
 
 void paneEventDetails::fillDefaultContent(core::Frame& frame) {
-    using mdlDatabase::getConfigurationSetting;
-    frame.step([&] { txtVoiceMailFileName->setText(ui::fromUtf8(mdlDatabase::getDefaultContent(1).text)); });
-    frame.step([&] {
-        ui::showPriority(*comboVoiceMailPriority,
-                         ui::priorityRow(getConfigurationSetting("DefaultVoiceMailPriority")));
-    });
-    frame.step([&] {
-        const auto parts = mdlDatabase::getDefaultContent(3).parts;
-        rtbEmailSubject->setStoredText(parts.at("Subject"));
-        rtbEmailBody->setStoredText(parts.at("Body"));
-    });
-    frame.step([&] {
-        ui::showPriority(*comboEmailPriority,
-                         ui::priorityRow(getConfigurationSetting("DefaultEmailPriority")));
-    });
-    colorContent();
+    frame.step([&] { content->showDefaultVoiceFile(); });
+    frame.step([&] { content->showDefaultVoiceMailPriority(); });
+    frame.step([&] { content->showDefaultMail(); });
+    frame.step([&] { content->showDefaultEmailPriority(); });
+    content->colorTexts();
 }
 
 // A type of content that the event lacks leaves its controls with what the event before had there.
@@ -140,22 +121,19 @@ void paneEventDetails::fillStoredContent(core::Frame& frame, Recordset& contents
     frame.step([&] {
         if (findContent(contents, 1)) {
             frame.step([&] {
-                txtVoiceMailFileName->setText(ui::fromUtf8(ui::textOrEmpty(contents, "ContentAttachment")));
+                content->txtVoiceMailFileName->setText(
+                    ui::fromUtf8(ui::textOrEmpty(contents, "ContentAttachment")));
             });
-            frame.step([&] { showStoredPriority(*comboVoiceMailPriority, contents); });
+            frame.step([&] { showStoredPriority(*content->comboVoiceMailPriority, contents); });
         }
     });
     frame.step([&] {
         if (!findContent(contents, 3))
             return;
-        frame.step([&] { rtbEmailSubject->setStoredText(ui::textOrEmpty(contents, "ContentSubject")); });
-        frame.step([&] { rtbEmailBody->setStoredText(ui::textOrEmpty(contents, "ContentNote")); });
-        frame.step([&] { showStoredPriority(*comboEmailPriority, contents); });
-        frame.step([&] { colorContent(); });
+        frame.step(
+            [&] { content->rtbEmailSubject->setStoredText(ui::textOrEmpty(contents, "ContentSubject")); });
+        frame.step([&] { content->rtbEmailBody->setStoredText(ui::textOrEmpty(contents, "ContentNote")); });
+        frame.step([&] { showStoredPriority(*content->comboEmailPriority, contents); });
+        frame.step([&] { content->colorTexts(); });
     });
-}
-
-void paneEventDetails::colorContent() {
-    for (ui::VariableTextBox* box : {rtbEmailSubject, rtbEmailBody})
-        RTBHelpers::colorInsertionTokens(*box, RTBHelpers::insertionTokens);
 }

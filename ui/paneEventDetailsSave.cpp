@@ -10,10 +10,10 @@
 #include "database/confirmation.h"
 #include "database/events.h"
 #include "database/exclusions.h"
+#include "ui/contentGroup.h"
 #include "ui/paneEventDetails.h"
 #include "ui/text.h"
 #include "ui/widgets/eventIdBox.h"
-#include "ui/widgets/variableTextBox.h"
 
 using mdlDatabase::confirmed;
 using modLocalize::myLoadResString;
@@ -44,11 +44,7 @@ mdlDatabase::ModifiedEvent paneEventDetails::shownEvent(long eventKey) const {
     event.eventTitle = ui::toUtf8(txtEventTitle->text());
     event.eventType = static_cast<short>(mdlDatabase::mapEventType(comboEventType->currentIndex(), false));
     event.eventActive = chkActive->isChecked();
-    event.content.contentAttachment = ui::toUtf8(txtVoiceMailFileName->text());
-    event.content.voicePriority = voiceMailPriority_;
-    event.content.contentSubject = rtbEmailSubject->storedText();
-    event.content.contentNote = rtbEmailBody->storedText();
-    event.content.emailPriority = emailPriority_;
+    event.content = content->shown();
     return event;
 }
 

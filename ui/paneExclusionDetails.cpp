@@ -6,6 +6,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <cstdint>
+#include <limits>
 
 #include "core/procedure.h"
 #include "core/state.h"
@@ -31,7 +33,10 @@ paneExclusionDetails::paneExclusionDetails(QWidget* parent) : QWidget(parent) {
     // What is typed here is not saved; it stays so.
     txtExclusionSource = ui::makeControl<QLineEdit>(this, "txtExclusionSource");
     Frame2 = ui::makeControl<QGroupBox>(this, "Frame2");
-    id_ = ui::makeEventIdControls(*Frame2);
+    // The box takes what Apply reads, and no more.
+    using Id = std::numeric_limits<std::int32_t>;
+    id_ = ui::makeEventIdControls(*Frame2, Id::min(), Id::max());
+    ui::layOutEventIdControls(*Frame2, id_);
     cmdExclusionApply = ui::makeControl<QPushButton>(this, "cmdExclusionApply");
     cmdExclusionApply->setEnabled(false);
     buildLayout();
@@ -42,16 +47,13 @@ void paneExclusionDetails::buildLayout() {
     auto* source = new QHBoxLayout;
     source->addWidget(Label4);
     source->addWidget(txtExclusionSource, 1);
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(cmdExclusionApply);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 4, 6, 6);
     layout->setSpacing(10);
     layout->addLayout(source);
     layout->addWidget(Frame2);
     layout->addStretch();
-    layout->addLayout(buttons);
+    layout->addLayout(ui::buttonRow({}, {cmdExclusionApply}));
     Label4->setBuddy(txtExclusionSource);
     ui::setTabOrder({txtExclusionSource, id_.optionEventId[ui::allEventIds],
                      id_.optionEventId[ui::specificEventId], id_.tdbnlSpecificEventId, cmdExclusionApply});
@@ -71,7 +73,7 @@ void paneExclusionDetails::connectControls() {
 
 void paneExclusionDetails::controlInit() {
     Label4->setText(ui::text(1309));
-    ui::captionEventIdControls(*Frame2, id_);
+    ui::captionEventIdControls(*Frame2, id_, ui::exclusionIdCaptions);
     cmdExclusionApply->setText(ui::text(1046));
     ui::nameByBuddy(*this);
 }

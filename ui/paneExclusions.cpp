@@ -1,6 +1,5 @@
 #include "ui/paneExclusions.h"
 
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 
@@ -8,6 +7,7 @@
 #include "core/procedure.h"
 #include "database/exclusions.h"
 #include "ui/controls.h"
+#include "ui/listPane.h"
 #include "ui/rowText.h"
 #include "ui/text.h"
 #include "ui/twips.h"
@@ -46,20 +46,8 @@ paneExclusions::paneExclusions(QWidget* parent) : QWidget(parent) {
     vsflexgridAllExclusions = ui::makeControl<KeyedGrid>(this, "vsflexgridAllExclusions");
     cmdCreateNewExclusion = ui::makeControl<QPushButton>(this, "cmdCreateNewExclusion");
     cmdDeleteSelectedExclusion = ui::makeControl<QPushButton>(this, "cmdDeleteSelectedExclusion");
-    QFont bold = lblAllExclusions->font();
-    bold.setBold(true);
-    lblAllExclusions->setFont(bold);
-    lblAllExclusions->setBuddy(vsflexgridAllExclusions);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(cmdCreateNewExclusion);
-    buttons->addWidget(cmdDeleteSelectedExclusion);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(6, 4, 6, 6);
-    layout->addWidget(lblAllExclusions);
-    layout->addWidget(vsflexgridAllExclusions, 1);
-    layout->addLayout(buttons);
+    ui::layOutListPane(*this, *lblAllExclusions, *vsflexgridAllExclusions, *cmdCreateNewExclusion,
+                       *cmdDeleteSelectedExclusion);
 
     connect(vsflexgridAllExclusions, &KeyedGrid::clicked, this,
             &paneExclusions::vsflexgridAllExclusions_Click);
@@ -80,22 +68,12 @@ void paneExclusions::controlInit() {
 void paneExclusions::displayAllExclusions() {
     core::procedure(module, "displayAllExclusions", [&](core::Frame& frame) {
         platform::Recordset exclusions = mdlDatabase::getExclusions();
-        const auto isOpen = [&] { return exclusions.state() == platform::ObjectState::open; };
         frame.step([&] { vsflexgridAllExclusions->reset(gridColumns()); });
-        {
-            const KeyedGrid::Fill fill(*vsflexgridAllExclusions);
-            while (isOpen() && !exclusions.EOF_()) {
-                frame.step([&] { vsflexgridAllExclusions->addRow(gridRow(exclusions)); });
-                frame.step([&] { exclusions.moveNext(); });
-            }
-        }
+        ui::addRecords(frame, *vsflexgridAllExclusions, exclusions, gridRow);
         frame.step([&] { vsflexgridAllExclusions->fitColumns(); });
         frame.step([&] { resizeAllExclusionsGrid(); });
         frame.step([&] { cmdDeleteSelectedExclusion->setEnabled(false); });
-        frame.step([&] {
-            if (isOpen())
-                exclusions.close();
-        });
+        frame.step([&] { ui::closeRecords(exclusions); });
     });
 }
 

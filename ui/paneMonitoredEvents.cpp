@@ -1,16 +1,15 @@
 #include "ui/paneMonitoredEvents.h"
 
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
 #include <QPushButton>
-#include <QVBoxLayout>
 
 #include "core/modLocalize.h"
 #include "core/procedure.h"
 #include "database/events.h"
 #include "platform/clock.h"
 #include "ui/controls.h"
+#include "ui/listPane.h"
 #include "ui/rowText.h"
 #include "ui/text.h"
 #include "ui/widgets/keyedGrid.h"
@@ -88,20 +87,8 @@ paneMonitoredEvents::paneMonitoredEvents(QWidget* parent) : QWidget(parent) {
     vsflexgridMonitoredEvents = ui::makeControl<KeyedGrid>(this, "vsflexgridMonitoredEvents");
     cmdCreateNewEvent = ui::makeControl<QPushButton>(this, "cmdCreateNewEvent");
     cmdDeleteSelectedEvent = ui::makeControl<QPushButton>(this, "cmdDeleteSelectedEvent");
-    QFont bold = lblAllMonitoredEvents->font();
-    bold.setBold(true);
-    lblAllMonitoredEvents->setFont(bold);
-    lblAllMonitoredEvents->setBuddy(vsflexgridMonitoredEvents);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(cmdCreateNewEvent);
-    buttons->addWidget(cmdDeleteSelectedEvent);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(6, 4, 6, 6);
-    layout->addWidget(lblAllMonitoredEvents);
-    layout->addWidget(vsflexgridMonitoredEvents, 1);
-    layout->addLayout(buttons);
+    ui::layOutListPane(*this, *lblAllMonitoredEvents, *vsflexgridMonitoredEvents, *cmdCreateNewEvent,
+                       *cmdDeleteSelectedEvent);
 
     connect(vsflexgridMonitoredEvents, &KeyedGrid::clicked, this,
             &paneMonitoredEvents::vsflexgridMonitoredEvents_Click);
@@ -139,19 +126,10 @@ void paneMonitoredEvents::displayEvents() {
     core::procedure(module, "displayEvents", [&](core::Frame& frame) {
         platform::Recordset events = mdlDatabase::getEvents();
         frame.step([&] { vsflexgridMonitoredEvents->reset(gridColumns()); });
-        {
-            const KeyedGrid::Fill fill(*vsflexgridMonitoredEvents);
-            while (events.state() == platform::ObjectState::open && !events.EOF_()) {
-                frame.step([&] { vsflexgridMonitoredEvents->addRow(gridRow(events)); });
-                frame.step([&] { events.moveNext(); });
-            }
-        }
+        ui::addRecords(frame, *vsflexgridMonitoredEvents, events, gridRow);
         frame.step([&] { vsflexgridMonitoredEvents->fitColumns(); });
         frame.step([&] { cmdDeleteSelectedEvent->setEnabled(false); });
-        frame.step([&] {
-            if (events.state() == platform::ObjectState::open)
-                events.close();
-        });
+        frame.step([&] { ui::closeRecords(events); });
     });
 }
 

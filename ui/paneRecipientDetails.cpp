@@ -84,14 +84,10 @@ void paneRecipientDetails::buildLayout() {
     area->setWidget(inner);
     area->setWidgetResizable(true);
     area->setFrameShape(QFrame::NoFrame);
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(cmdTestNotification);
-    buttons->addStretch();
-    buttons->addWidget(cmdRecipientApply);
     auto* outer = new QVBoxLayout(this);
     outer->setContentsMargins(6, 4, 6, 6);
     outer->addWidget(area, 1);
-    outer->addLayout(buttons);
+    outer->addLayout(ui::buttonRow({cmdTestNotification}, {cmdRecipientApply}));
 
     lblRecipientName->setBuddy(txtRecipientName);
     ui::setTabOrder({txtRecipientName, chkRecipientActive});

@@ -1,6 +1,5 @@
 #include "ui/paneRecipients.h"
 
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 
@@ -10,6 +9,7 @@
 #include "database/devices.h"
 #include "database/recipients.h"
 #include "ui/controls.h"
+#include "ui/listPane.h"
 #include "ui/rowText.h"
 #include "ui/text.h"
 #include "ui/twips.h"
@@ -70,20 +70,8 @@ paneRecipients::paneRecipients(QWidget* parent) : QWidget(parent) {
     cmdCreateNewRecipient = ui::makeControl<QPushButton>(this, "cmdCreateNewRecipient");
     cmdDeleteSelectedRecipient = ui::makeControl<QPushButton>(this, "cmdDeleteSelectedRecipient");
     cmdDeleteSelectedRecipient->setEnabled(false);
-    QFont bold = lblAllRecipients->font();
-    bold.setBold(true);
-    lblAllRecipients->setFont(bold);
-    lblAllRecipients->setBuddy(vsflexgridAllRecipients);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(cmdCreateNewRecipient);
-    buttons->addWidget(cmdDeleteSelectedRecipient);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(6, 4, 6, 6);
-    layout->addWidget(lblAllRecipients);
-    layout->addWidget(vsflexgridAllRecipients, 1);
-    layout->addLayout(buttons);
+    ui::layOutListPane(*this, *lblAllRecipients, *vsflexgridAllRecipients, *cmdCreateNewRecipient,
+                       *cmdDeleteSelectedRecipient);
 
     connect(vsflexgridAllRecipients, &KeyedGrid::clicked, this,
             &paneRecipients::vsflexgridAllRecipients_Click);
@@ -109,20 +97,11 @@ void paneRecipients::controlInit() {
 void paneRecipients::displayAllRecipients() {
     core::procedure(module, "displayAllRecipients", [&](core::Frame& frame) {
         platform::Recordset recipients = mdlDatabase::getRecipients();
-        const auto isOpen = [&] { return recipients.state() == platform::ObjectState::open; };
         const mdlDatabase::DeviceCounts counts = mdlDatabase::countDevicesByRecipient();
         frame.step([&] { vsflexgridAllRecipients->reset(gridColumns()); });
-        {
-            const KeyedGrid::Fill fill(*vsflexgridAllRecipients);
-            while (isOpen() && !recipients.EOF_()) {
-                frame.step([&] { vsflexgridAllRecipients->addRow(gridRow(recipients, counts)); });
-                frame.step([&] { recipients.moveNext(); });
-            }
-        }
-        frame.step([&] {
-            if (isOpen())
-                recipients.close();
-        });
+        ui::addRecords(frame, *vsflexgridAllRecipients, recipients,
+                       [&](const platform::Recordset& row) { return gridRow(row, counts); });
+        frame.step([&] { ui::closeRecords(recipients); });
         frame.step([&] { vsflexgridAllRecipients->fitColumns(); });
         frame.step([&] { resizeAllRecipientsGrid(); });
         frame.step([&] { cmdDeleteSelectedRecipient->setEnabled(false); });

@@ -22,6 +22,7 @@
 #include "support/temporaryHost.h"
 #include "support/windowScript.h"
 #include "ui/controls.h"
+#include "ui/widgets/limitsSign.h"
 #include "ui/widgets/variableTextBox.h"
 
 namespace {
@@ -170,6 +171,51 @@ TEST_F(EventDialog, IsNamedReachableByKeyboardAndClosesWithABlankSubject) {
             EXPECT_TRUE(reached.contains(&find<QWidget>(name))) << name;
         find<QWidget>("rtbEmailSubject").setFocus();
         find<ui::VariableTextBox>("rtbEmailSubject").clear();
+    });
+}
+
+TEST_F(EventDialog, EnterDoesNotCarryABlankSubjectPastItsQuestion) {
+    work([&] {
+        find<QComboBox>("comboEventSource").setCurrentIndex(0);
+        auto& subject = find<ui::VariableTextBox>("rtbEmailSubject");
+        subject.setFocus();
+        subject.clear();
+        prompts.expect(
+            {"The e-mail subject field cannot be left blank.\nYou must enter an e-mail subject before "
+             "you can leave this field.\nDo you want the default subject?",
+             "Blank Subject Not Allowed.", BoxIcon::question, BoxButtons::yesNo},
+            platform::BoxAnswer::no);
+        QTest::keyClick(&subject, Qt::Key_Return);
+        EXPECT_TRUE(dialog.isVisible());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return subject.hasFocus(); }));
+    });
+}
+
+TEST_F(EventDialog, AnIdThatNoEventCanHaveIsAnsweredWhileItIsTyped) {
+    work([&] {
+        auto& ok = find<QPushButton>("cmdOk");
+        auto& id = find<QLineEdit>("tdbnlSpecificEventId");
+        const auto& limits = *dialog.findChild<ui::LimitsSign*>();
+        find<QComboBox>("comboEventSource").setCurrentIndex(0);
+        find<QRadioButton>("optionEventId_1").click();
+        QTest::keyClicks(&id, "2147483648");
+        EXPECT_EQ(id.text(), "2147483648");
+        EXPECT_FALSE(ok.isEnabled());
+        EXPECT_TRUE(limits.isVisible());
+        EXPECT_EQ(limits.limits(), QString::fromUtf8("-2147483648 \xe2\x80\x93 2147483647"));
+        QTest::keyClick(&id, Qt::Key_Backspace);
+        EXPECT_TRUE(ok.isEnabled());
+        EXPECT_FALSE(limits.isVisible());
+        for (const char* fits : {"2147483647", "-2147483648", "0"}) {
+            id.setText(fits);
+            EXPECT_TRUE(ok.isEnabled()) << fits;
+        }
+        import(copied("Event Type:\tError", "Event Source:\tDisk", "Event ID:\t999999999999999"));
+        EXPECT_EQ(shown(), "0|id 999999999999999|0");
+        EXPECT_TRUE(limits.isVisible());
+        find<QRadioButton>("optionEventId_0").click();
+        EXPECT_FALSE(limits.isVisible()) << "all ids need no number";
+        EXPECT_TRUE(ok.isEnabled());
     });
 }
 

@@ -106,12 +106,8 @@ TEST_F(ExclusionPanes, DetailsChangeTheIdAndNothingElse) {
     apply->click();
     EXPECT_EQ(exclusions().at(0), "Alarm|-1") << "an empty box is no number";
     EXPECT_EQ(host.countInLog("ERROR", "cmdExclusionApply_Click", "Err.Number = 13 "), 1);
-    QTest::keyClicks(id, "2147483648");
-    apply->click();
-    EXPECT_EQ(host.countInLog("ERROR", "cmdExclusionApply_Click", "Err.Number = 6 "), 1);
-    EXPECT_EQ(exclusions().at(0), "Alarm|-1");
-    QTest::keyClick(id, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(id, "2147483647");
+    QTest::keyClicks(id, "21474836487");
+    EXPECT_EQ(id->text(), "2147483647") << "the box takes what Apply reads, and no more";
     source.setText("not saved");
     apply->click();
     EXPECT_EQ(exclusions().at(0), "Alarm|2147483647");

@@ -10,6 +10,7 @@
 
 #include "ui/text.h"
 #include "ui/widgets/cellTip.h"
+#include "ui/widgets/gridLook.h"
 
 namespace ui {
 
@@ -105,16 +106,8 @@ bool BoundRows::readBlock() {
 
 BoundGrid::BoundGrid(QWidget* parent) : QTableView(parent), model_(new BoundRows(this)) {
     setModel(model_);
-    setSelectionBehavior(QAbstractItemView::SelectRows);
-    setSelectionMode(QAbstractItemView::SingleSelection);
-    setAlternatingRowColors(true);
-    setShowGrid(false);
-    setWordWrap(false);
-    setTabKeyNavigation(false);
-    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-    verticalHeader()->hide();
+    giveGridLook(*this);
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 10);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     idle_.setInterval(0);

@@ -13,6 +13,7 @@
 #include "platform/failure.h"
 #include "ui/text.h"
 #include "ui/widgets/cellTip.h"
+#include "ui/widgets/gridLook.h"
 
 namespace ui {
 
@@ -97,19 +98,11 @@ void showPicture(QTableWidgetItem& item, const KeyedGrid::Column& column, bool s
 
 KeyedGrid::KeyedGrid(QWidget* parent) : QTableWidget(parent) {
     setEditTriggers(QAbstractItemView::NoEditTriggers);
-    setSelectionBehavior(QAbstractItemView::SelectRows);
-    setSelectionMode(QAbstractItemView::SingleSelection);
-    setAlternatingRowColors(true);
-    setShowGrid(false);
-    setWordWrap(false);
-    setTabKeyNavigation(false);
-    verticalHeader()->hide();
-    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 10);
+    giveGridLook(*this);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setDefaultAlignment(Qt::AlignCenter | static_cast<Qt::Alignment>(Qt::TextWordWrap));
     horizontalHeader()->setStretchLastSection(true);
     horizontalHeader()->setSectionsClickable(true);
-    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     connect(horizontalHeader(), &QHeaderView::sectionClicked, this, &KeyedGrid::sortBy);
 }
 

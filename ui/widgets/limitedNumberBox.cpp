@@ -1,12 +1,7 @@
 #include "ui/widgets/limitedNumberBox.h"
 
-#include <QAccessible>
-#include <QApplication>
-#include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QLineEdit>
-#include <QStyle>
 
 #include "platform/failure.h"
 #include "ui/text.h"
@@ -15,26 +10,13 @@
 namespace ui {
 
 LimitedNumberBox::LimitedNumberBox(int lowest, int highest, QWidget* parent)
-    : QSpinBox(parent), limits_(new QWidget(parent)) {
+    : QSpinBox(parent), limits_(new LimitsSign(lowest, highest, parent)) {
     setRange(lowest, highest);
     setCorrectionMode(QAbstractSpinBox::CorrectToPreviousValue);
-    sign_ = new QLabel(limits_);
-    const int size = style()->pixelMetric(QStyle::PM_SmallIconSize);
-    sign_->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
-    QSizePolicy keep = sign_->sizePolicy();
-    keep.setRetainSizeWhenHidden(true);
-    sign_->setSizePolicy(keep);
-    text_ = new QLabel(QString::fromUtf8("%1 \xe2\x80\x93 %2").arg(lowest).arg(highest), limits_);
-    auto* row = new QHBoxLayout(limits_);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(sign_);
-    row->addWidget(text_);
-    row->addStretch();
-    sign_->hide();
-    setAccessibleDescription(text_->text());
+    setAccessibleDescription(limits_->limits());
 
-    connect(lineEdit(), &QLineEdit::inputRejected, this, [this] { showRefusal(true); });
-    connect(lineEdit(), &QLineEdit::textEdited, this, [this] { showRefusal(false); });
+    connect(lineEdit(), &QLineEdit::inputRejected, this, [this] { limits_->showRefusal(true); });
+    connect(lineEdit(), &QLineEdit::textEdited, this, [this] { limits_->showRefusal(false); });
     // A press that would leave the box shows the refusal first and does nothing else.
     new LeaveGuard(
         *this,
@@ -56,7 +38,7 @@ bool LimitedNumberBox::settle() {
     if (lineEdit()->hasAcceptableInput())
         return true;
     setValue(value());
-    showRefusal(true);
+    limits_->showRefusal(true);
     return false;
 }
 
@@ -67,19 +49,6 @@ void LimitedNumberBox::keyPressEvent(QKeyEvent* event) {
         return;
     }
     QSpinBox::keyPressEvent(event);
-}
-
-void LimitedNumberBox::showRefusal(bool refused) {
-    refuses_ = refused;
-    sign_->setVisible(refused);
-    QFont font = text_->font();
-    font.setBold(refused);
-    text_->setFont(font);
-    if (!refused)
-        return;
-    QApplication::beep();
-    QAccessibleEvent alert(text_, QAccessible::Alert);
-    QAccessible::updateAccessibility(&alert);
 }
 
 }  // namespace ui

@@ -5,7 +5,7 @@
 #include <QSpinBox>
 #include <string>
 
-class QLabel;
+#include "ui/widgets/limitsSign.h"
 
 namespace ui {
 
@@ -16,25 +16,20 @@ class LimitedNumberBox : public QSpinBox {
     LimitedNumberBox(int lowest, int highest, QWidget* parent = nullptr);
 
     // What stands beside the box; to be laid out next to it.
-    QWidget* limits() const { return limits_; }
+    LimitsSign* limits() const { return limits_; }
     // Shows a stored number. Raises 13 for a text that is no number and 6 for one outside the limits; the box
     // keeps its number then.
     void setStoredNumber(const std::string& text);
     // False when a number outside the limits stands in the box; it gives way to the last one that was taken,
     // and the limits stand out.
     bool settle();
-    bool refuses() const { return refuses_; }
+    bool refuses() const { return limits_->refuses(); }
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    void showRefusal(bool refused);
-
-    QWidget* limits_;
-    QLabel* sign_;
-    QLabel* text_;
-    bool refuses_ = false;
+    LimitsSign* limits_;
 };
 
 }  // namespace ui

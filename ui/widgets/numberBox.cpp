@@ -40,13 +40,17 @@ NumberBox::NumberBox(long long lowest, long long highest, QWidget* parent) : QLi
     setValidator(new WholeNumberValidator(lowest, highest, this));
 }
 
+bool NumberBox::isWithin(long long lowest, long long highest) const {
+    const long long number = text().toLongLong();
+    return number >= lowest && number <= highest;
+}
+
 long long NumberBox::numberWithin(long long lowest, long long highest) const {
     if (!hasNumber())
         throw platform::makeFailure(platform::typeMismatch, toUtf8(text()));
-    const long long number = text().toLongLong();
-    if (number < lowest || number > highest)
+    if (!isWithin(lowest, highest))
         throw platform::makeFailure(platform::overflow, toUtf8(text()));
-    return number;
+    return text().toLongLong();
 }
 
 std::optional<QString> NumberBox::numberFrom(const QString& text) const {

@@ -18,6 +18,12 @@ class NumberBox : public QLineEdit {
     bool isEmpty() const { return text().isEmpty(); }
     // True when the text is a whole number within the limits.
     bool hasNumber() const { return !isEmpty() && hasAcceptableInput(); }
+    // True when the number is one that a narrower type holds.
+    template <class Integer>
+    bool fits() const {
+        return hasNumber() &&
+               isWithin(std::numeric_limits<Integer>::min(), std::numeric_limits<Integer>::max());
+    }
     // The number as a narrower type holds it. Raises 13 when there is no number, 6 when it is out of that
     // type's range.
     template <class Integer>
@@ -29,6 +35,7 @@ class NumberBox : public QLineEdit {
     std::optional<QString> numberFrom(const QString& text) const;
 
   private:
+    bool isWithin(long long lowest, long long highest) const;
     long long numberWithin(long long lowest, long long highest) const;
 };
 

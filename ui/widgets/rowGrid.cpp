@@ -8,6 +8,7 @@
 
 #include "platform/failure.h"
 #include "ui/text.h"
+#include "ui/widgets/gridLook.h"
 
 namespace ui {
 
@@ -46,18 +47,10 @@ class RowModel : public QAbstractTableModel {
 RowGrid::RowGrid(int columns, QWidget* parent)
     : QTableView(parent), rows_(std::make_unique<RowModel>(columns)) {
     setModel(rows_.get());
-    setSelectionBehavior(QAbstractItemView::SelectRows);
-    setSelectionMode(QAbstractItemView::SingleSelection);
-    setAlternatingRowColors(true);
-    setShowGrid(false);
-    setWordWrap(false);
+    giveGridLook(*this);
     setTextElideMode(Qt::ElideMiddle);  // sources begin alike
-    setTabKeyNavigation(false);
-    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-    verticalHeader()->hide();
     // Rows of one height need not be measured.
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 10);
     horizontalHeader()->setStretchLastSection(true);
     horizontalHeader()->setMinimumSectionSize(24);  // a blank header asks for no more
     horizontalHeader()->setFixedHeight(fontMetrics().height() + 10);

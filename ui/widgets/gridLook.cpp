@@ -1,0 +1,20 @@
+#include "ui/widgets/gridLook.h"
+
+#include <QHeaderView>
+#include <QTableView>
+
+namespace ui {
+
+void giveGridLook(QTableView& grid) {
+    grid.setSelectionBehavior(QAbstractItemView::SelectRows);
+    grid.setSelectionMode(QAbstractItemView::SingleSelection);
+    grid.setAlternatingRowColors(true);
+    grid.setShowGrid(false);
+    grid.setWordWrap(false);
+    grid.setTabKeyNavigation(false);
+    grid.setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    grid.verticalHeader()->hide();
+    grid.verticalHeader()->setDefaultSectionSize(grid.fontMetrics().height() + 10);
+}
+
+}  // namespace ui

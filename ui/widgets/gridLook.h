@@ -1,0 +1,12 @@
+// The look that all grids of rows share.
+#pragma once
+
+class QTableView;
+
+namespace ui {
+
+// Whole rows are chosen, one at a time; every other row is tinted; no lines, no row numbers, no wrapped
+// texts. The Tab key leaves the grid.
+void giveGridLook(QTableView& grid);
+
+}  // namespace ui
