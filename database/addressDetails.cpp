@@ -73,6 +73,7 @@ Details detailsOf(Directory& directory, long deviceType, const std::string& addr
             return {address + myLoadResString(1196), addressPager};
         case smtpAddress:
             return {address + myLoadResString(1197), addressSmtp};
+        // The label alone, with its leading blank, and without the syslog host; it stays so.
         case snmpTrap:
             return {myLoadResString(1283), addressSnmpTrap};
         case syslog:
@@ -84,6 +85,7 @@ Details detailsOf(Directory& directory, long deviceType, const std::string& addr
     }
 }
 
+// An empty list has nothing to go back to; a failure for each device would end the rebuild at the eleventh.
 void rewind(Recordset& list) {
     if (list.state() == ObjectState::open && list.recordCount() > 0)
         list.moveFirst();

@@ -28,7 +28,8 @@ std::string assignmentQuery(long eventKey) {
     return "SELECT * FROM EventDevice WHERE EventKey = " + std::to_string(eventKey);
 }
 
-// The number behind the prefix. Raises 13 for another text.
+// The number behind the prefix. Raises 13 for another text, such as the key of a recipient's node, which is
+// ticked like a device's when none of his devices is shown below it.
 long deviceKeyOf(const std::string& key) {
     std::size_t end = 0;
     const std::string number = key.substr(std::min(selectionPrefix.size(), key.size()));
@@ -42,8 +43,11 @@ long deviceKeyOf(const std::string& key) {
     throw platform::makeFailure(platform::typeMismatch, key);
 }
 
+// Aligned by characters: a language may give a type a name beyond ASCII.
 std::string rightAligned(const std::string& text, std::size_t width) {
-    return std::string(text.size() < width ? width - text.size() : 0, ' ') + text;
+    const auto characters = static_cast<std::size_t>(
+        std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+    return std::string(characters < width ? width - characters : 0, ' ') + text;
 }
 
 void logChoice(const Frame& frame, const std::string& text) {
@@ -61,6 +65,7 @@ void logDeclined(const Frame& frame) {
 
 void addAssignment(Frame& frame, Recordset& rows, long eventKey, const std::string& key) {
     long deviceKey = 0;
+    // A row for no device would be one that no view shows.
     if (!frame.step([&] { deviceKey = deviceKeyOf(key); }))
         return;
     const long type = getDeviceType(deviceKey);

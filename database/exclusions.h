@@ -28,7 +28,8 @@ bool deleteExclusion(long exclusionKey);
 // Rewrites the whole table from source to id, with new keys; the new rows come all or none.
 void replaceExclusions(const core::Dictionary<long>& exclusions);
 
-// Entries "ActiveDevices", "Recipients" and "ActiveRecipients".
+// Entries "ActiveDevices", "Recipients" and "ActiveRecipients". A device that was cut off for its lost entry
+// counts like any other; only its recipient's state shows it.
 using EventAnalysis = std::map<std::string, long>;
 EventAnalysis analyzeEvent(long eventKey);
 // State as a tree icon: 0 complete, 1 incomplete, 2 inactive (which wins).

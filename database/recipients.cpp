@@ -79,6 +79,10 @@ Recordset openRecipientWithDevices(long recipientKey) {
         std::to_string(recipientKey));
 }
 
+Recordset openRecipientAlone(long recipientKey) {
+    return openForReading(recipientQuery("RecipientName, RecipientActive", recipientKey));
+}
+
 Recordset openEventsForRecipient(long recipientKey) {
     return openForReading(
         "SELECT DISTINCT Recipients.RecipientKey, Events.EventSource, Events.EventID, Events.EventTitle, "

@@ -14,9 +14,11 @@ platform::Recordset getRecipient(long recipientKey);
 // All recipients by name.
 platform::Recordset getRecipients();
 // A row for each of a recipient's devices that has address details, with these and his name and state: none
-// for a recipient without any. These two are statements of the caller's procedure, who closes what they
+// for a recipient without any. These three are statements of the caller's procedure, who closes what they
 // open: they raise the engine's failures.
 platform::Recordset openRecipientWithDevices(long recipientKey);
+// His name and state alone, for one without such a row.
+platform::Recordset openRecipientAlone(long recipientKey);
 // The events that any of his devices is on, silent or not, the hidden one included.
 platform::Recordset openEventsForRecipient(long recipientKey);
 // 0 on failure.

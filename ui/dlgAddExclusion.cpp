@@ -26,8 +26,7 @@ dlgAddExclusion::dlgAddExclusion(QWidget* parent) : QDialog(parent) {
     setObjectName("dlgAddExclusion");
     createControls();
     buildLayout();
-    dlgAddExclusion_ControlInit();
-    ui::setFormFonts(*this);
+    Form_Load();
     connectControls();
 }
 
@@ -60,6 +59,13 @@ void dlgAddExclusion::buildLayout() {
     resize(460, sizeHint().height());
 }
 
+void dlgAddExclusion::Form_Load() {
+    core::procedure(module, "Form_Load", [&](core::Frame& frame) {
+        frame.step([&] { dlgAddExclusion_ControlInit(); });
+        frame.step([&] { ui::setFormFonts(*this); });
+    });
+}
+
 void dlgAddExclusion::dlgAddExclusion_ControlInit() {
     core::procedure(module, "dlgAddExclusion_ControlInit", [&](core::Frame&) {
         setWindowTitle(ui::text(1305));
@@ -74,11 +80,12 @@ void dlgAddExclusion::dlgAddExclusion_ControlInit() {
 }
 
 void dlgAddExclusion::connectControls() {
-    connect(comboEventSource, &QComboBox::currentIndexChanged, this, [this] { updateOkButton(); });
+    connect(comboEventSource, &QComboBox::currentIndexChanged, this,
+            [this] { noteChoice("comboEventSource_Click"); });
     for (const QRadioButton* option : id.optionEventId)
         connect(option, &QRadioButton::toggled, this, [this](bool on) {
             if (on)
-                updateOkButton();
+                noteChoice("optionEventId_Click");
         });
     connect(id.tdbnlSpecificEventId, &QLineEdit::textChanged, this,
             &dlgAddExclusion::tdbnlSpecificEventId_Change);
@@ -101,6 +108,10 @@ void dlgAddExclusion::displayForm() {
         comboEventSource->setFocus();
         exec();
     });
+}
+
+void dlgAddExclusion::noteChoice(const char* handler) {
+    core::procedure(module, handler, [&](core::Frame&) { updateOkButton(); });
 }
 
 void dlgAddExclusion::updateOkButton() {

@@ -32,7 +32,10 @@ class dlgAddExclusion : public QDialog {
     void createControls();
     void buildLayout();
     void connectControls();
+    void Form_Load();
     void updateOkButton();
+    // `handler` is the name in the log of what noticed the choice.
+    void noteChoice(const char* handler);
     void tdbnlSpecificEventId_Change();
     void cmdImportFromClipboard_Click();
     void cmdOk_Click();

@@ -34,11 +34,17 @@ dlgEditRecipients::dlgEditRecipients(QWidget* parent) : QDialog(parent) {
     ui::setTabOrder({tvRecipients, cmdOk, cmdCancel});
     resize(480, 460);
 
-    dlgEditRecipients_ControlInit();
-    ui::setFormFonts(*this);
+    Form_Load();
     connect(tvRecipients, &ui::KeyedTree::nodeChecked, this, &dlgEditRecipients::tvRecipients_NodeCheck);
     connect(cmdOk, &QPushButton::clicked, this, &dlgEditRecipients::cmdOk_Click);
     connect(cmdCancel, &QPushButton::clicked, this, &dlgEditRecipients::cmdCancel_Click);
+}
+
+void dlgEditRecipients::Form_Load() {
+    core::procedure(module, "Form_Load", [&](core::Frame& frame) {
+        frame.step([&] { dlgEditRecipients_ControlInit(); });
+        frame.step([&] { ui::setFormFonts(*this); });
+    });
 }
 
 void dlgEditRecipients::dlgEditRecipients_ControlInit() {

@@ -30,6 +30,7 @@ class dlgEditRecipients : public QDialog {
     mdlDatabase::DeviceSelection selectedDevices;
 
   private:
+    void Form_Load();
     void tvRecipients_NodeCheck(const std::string& nodeKey);
     void cmdOk_Click();
     void cmdCancel_Click();

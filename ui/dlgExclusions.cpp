@@ -44,8 +44,7 @@ dlgExclusions::dlgExclusions(QWidget* parent) : QDialog(parent) {
     cmdOk = ui::makeControl<QPushButton>(this, "cmdOk");
     cmdCancel = ui::makeControl<QPushButton>(this, "cmdCancel");
     buildLayout();
-    dlgExclusions_ControlInit();
-    ui::setFormFonts(*this);
+    Form_Load();
     connect(lstAvailableSources, &ui::TextList::rowDoubleClicked, this,
             &dlgExclusions::lstAvailableSources_DblClick);
     connect(lstExcludedSources, &ui::TextList::rowDoubleClicked, this,
@@ -79,6 +78,13 @@ void dlgExclusions::buildLayout() {
                      cmdExclusionButtons[removeSelected], cmdExclusionButtons[removeAll], lstExcludedSources,
                      cmdOk, cmdCancel});
     resize(640, 420);
+}
+
+void dlgExclusions::Form_Load() {
+    core::procedure(module, "Form_Load", [&](core::Frame& frame) {
+        frame.step([&] { dlgExclusions_ControlInit(); });
+        frame.step([&] { ui::setFormFonts(*this); });
+    });
 }
 
 void dlgExclusions::dlgExclusions_ControlInit() {

@@ -26,6 +26,7 @@ class dlgExclusions : public QDialog {
 
   private:
     void buildLayout();
+    void Form_Load();
     void fillLists(core::Frame& frame);
     void cmdExclusionButtons_Click(int index);
     void lstAvailableSources_DblClick(int row);

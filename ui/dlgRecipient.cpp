@@ -29,7 +29,7 @@ dlgRecipient::dlgRecipient(QWidget* parent) : QDialog(parent) {
     sstabDevices = new ui::DeviceTabs(ui::DeviceTabs::Place::dialog, this);
     buildLayout();
     const auto update = [this] { updateOkButton(); };
-    connect(txtRecipientName, &QLineEdit::textChanged, this, update);
+    connect(txtRecipientName, &QLineEdit::textChanged, this, &dlgRecipient::txtRecipientName_Change);
     connect(sstabDevices, &ui::DeviceTabs::changed, this, update);
     connect(sstabDevices, &ui::DeviceTabs::picked, this, update);
     connect(cmdOk, &QPushButton::clicked, this, &dlgRecipient::cmdOk_Click);
@@ -92,6 +92,10 @@ void dlgRecipient::displayForm() {
         txtRecipientName->setFocus();
         frame.step([&] { exec(); });
     });
+}
+
+void dlgRecipient::txtRecipientName_Change() {
+    core::procedure(module, "txtRecipientName_Change", [&](core::Frame&) { updateOkButton(); });
 }
 
 void dlgRecipient::updateOkButton() {

@@ -22,7 +22,7 @@ class dlgRecipient : public QDialog {
 
     // Resets the dialog and shows it modally; returns when it is closed.
     void displayForm();
-    void dlgRecipient_ControlInit();
+    Q_INVOKABLE void dlgRecipient_ControlInit();
 
     // Read after displayForm. True when the dialog ended without OK.
     bool cancelled = true;
@@ -35,6 +35,7 @@ class dlgRecipient : public QDialog {
     void buildLayout();
     void Form_Load();
     void updateOkButton();
+    void txtRecipientName_Change();
     void cmdOk_Click();
     void cmdCancel_Click();
 

@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QShowEvent>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 #include "core/procedure.h"
@@ -158,11 +159,16 @@ void dlgSelect::fillSearchByList(bool isDistributionList, bool refill) {
     core::procedure(module, "fillSearchByList", [&](core::Frame&) {
         if (!refill)
             return;
-        comboSearchBy->clear();
-        if (isDistributionList)
-            comboSearchBy->addItems({ui::text(1085), ui::text(1086)});
-        else
-            comboSearchBy->addItems({ui::text(1086), ui::text(1087), ui::text(1088), ui::text(1089)});
+        {
+            // The toolkit chooses the first row by itself; only the choice below is one.
+            const QSignalBlocker fillingIsNoChoice(comboSearchBy);
+            comboSearchBy->clear();
+            if (isDistributionList)
+                comboSearchBy->addItems({ui::text(1085), ui::text(1086)});
+            else
+                comboSearchBy->addItems({ui::text(1086), ui::text(1087), ui::text(1088), ui::text(1089)});
+            comboSearchBy->setCurrentIndex(-1);
+        }
         comboSearchBy->setCurrentIndex(isDistributionList ? 0 : 3);
     });
 }

@@ -35,7 +35,7 @@ class dlgSelect : public QDialog {
     std::string selectedDirectoryId;
     std::string selectedDisplayName;
 
-    void dlgSelect_ControlInit();
+    Q_INVOKABLE void dlgSelect_ControlInit();
     // Title, search fields and grid for the present mode; with `resetRows` the grid loses its rows and the
     // list of search fields is filled anew.
     void setupColumns(bool resetRows);

@@ -139,6 +139,7 @@ void checkAllChildren(KeyedTree& tree, DeviceSelection& selectedDevices, const s
         const KeyedTree::Fill fill(tree);
         const std::string parent = tree.parentKey(firstNode);
         const std::vector<std::string> level = tree.childKeys(parent);
+        // A loop along the level; a call for each sibling would go as deep as the level is long.
         for (auto node = std::find(level.begin(), level.end(), firstNode); node != level.end(); ++node) {
             frame.step([&] { tree.setChecked(*node, state); });
             frame.step([&] { recordDeviceState(selectedDevices, *node, tree.isChecked(*node)); });

@@ -36,7 +36,7 @@ class paneExclusionDetails : public QWidget {
     void tdbnlSpecificEventId_Change();
     void cmdExclusionApply_Click();
 
-    long exclusionKey_ = 0;
+    long exclusionKey_ = 0;  // of the exclusion that is shown, whose node is the selected one
 
     QLabel* Label4;
     QLineEdit* txtExclusionSource;

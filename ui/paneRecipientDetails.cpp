@@ -180,6 +180,7 @@ void paneRecipientDetails::save(long key) {
 
 void paneRecipientDetails::cmdRecipientApply_Click() {
     core::procedure(module, "cmdRecipientApply_Click", [&](core::Frame& frame) {
+        // Without a node to tell whose edits these are nothing is saved, and they stay.
         frame.step([&] {
             const long key = selectedRecipientKey();
             save(key);

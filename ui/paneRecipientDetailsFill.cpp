@@ -98,7 +98,8 @@ void paneRecipientDetails::displayRecipient(long recipientKey) {
         frame.step([&] { none = devices.EOF_(); });
         if (none) {
             closeIfOpen(frame, devices);
-            Recordset recipient = mdlDatabase::getRecipient(recipientKey);
+            Recordset recipient;
+            frame.step([&] { recipient = mdlDatabase::openRecipientAlone(recipientKey); });
             showStoredRecipient(frame, recipient);
             // Or the next save would give him the devices of the recipient before.
             for (QCheckBox* box : {tabs.chkSNMPTrapEnabled, tabs.chkSyslogEnabled, tabs.chkFailoverEnabled})

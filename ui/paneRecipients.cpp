@@ -23,6 +23,7 @@ namespace {
 constexpr char module[] = "frmMain";
 
 std::vector<KeyedGrid::Column> gridColumns() {
+    // The tick of a complete event: in a cell it says that there is a device.
     static const QIcon hasDevice(":/icons/complete.svg");
     const auto pictures = [&](const char* key, long header, bool hidden) {
         return KeyedGrid::Column{key, myLoadResString(header), hidden, false, true, false, hasDevice};

@@ -95,6 +95,7 @@ TEST_P(DirectorySearch, FindsSubscribersByEachField) {
     makeDirectory(240);
     const dlgSelect& result = show(1, [&] {
         EXPECT_EQ(search->windowTitle(), "Subscriber Search");
+        EXPECT_EQ(host.countInLog("Entering [dlgSelect]comboSearchBy_Click"), 1);
         auto* fields = find<QComboBox>("comboSearchBy");
         EXPECT_EQ(fields->count(), 4);
         EXPECT_EQ(fields->currentText(), "Last Name");

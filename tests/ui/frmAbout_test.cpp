@@ -51,7 +51,12 @@ class About : public ::testing::Test {
         window.selectNode(window.nodeAt(1));
         window.show();
     }
-    ~About() override { platform::setPrompts(nullptr); }
+    ~About() override {
+        // The toolkit's own words belong to the whole process.
+        core::gLanguageId = 1033;
+        modLocalize::InitalizeLanguages();
+        platform::setPrompts(nullptr);
+    }
 
     void addLanguages() {
         for (const char* code : {"DEU", "FRA"})
@@ -197,6 +202,28 @@ TEST_F(About, ChangesEveryLoadedWindowAtOnceTwiceInARow) {
         EXPECT_EQ(about.findChild<QMenu*>("mnuSelectLanguage")->actions().size(), 2);
         EXPECT_EQ(about.findChild<QPushButton*>("cmdOk")->text(), "OK");
     });
+}
+
+TEST_F(About, DialogsThatWaitHiddenSpeakTheNewLanguageToo) {
+    addLanguages();
+    script.expect("dlgRecipient", [&](QWidget& dialog) {
+        script.expect("dlgSelect", [](QWidget& search) { dynamic_cast<QDialog&>(search).accept(); });
+        dialog.findChild<QRadioButton*>("optionVoiceMailType_0")->click();
+        dialog.findChild<QPushButton*>("cmdSelectVoiceMail")->click();
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    window.findChild<QAction*>("mnuFileNewRecipient")->trigger();
+    inAbout([&](QWidget& about) { choose(about, "German (Germany)"); });
+    const std::tuple<const char*, const char*, long> captions[] = {{"dlgRecipient", "lblRecipientName", 1103},
+                                                                   {"dlgRecipient", "cmdCancel", 1023},
+                                                                   {"dlgSelect", "cmdSearch", 1258}};
+    for (const auto& [dialog, control, id] : captions) {
+        EXPECT_NE(ui::text(id), modLocalize::englishString(id));
+        EXPECT_EQ(
+            window.findChild<QWidget*>(dialog)->findChild<QWidget*>(control)->property("text").toString(),
+            ui::text(id))
+            << dialog << " " << control;
+    }
 }
 
 TEST_F(About, RemovingTheServiceEndsTheConsole) {
