@@ -4,10 +4,12 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QCursor>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QTableView>
 #include <QtTest/QTest>
 
@@ -58,11 +60,14 @@ void chooseVoiceFile(const Play& play, QWidget& dialog) {
 // An insertion variable at the end of the subject, by the menu of the right mouse button.
 void insertVariable(const Play& play, QWidget& dialog) {
     auto& subject = control<ui::VariableTextBox>(dialog, "rtbEmailSubject");
-    const QString before = subject.toPlainText();
-    play.script.expectMenu("mnuInsert_8", [](QWidget&) { takePicture("insertion-variables"); });
-    QTest::mouseClick(subject.viewport(), Qt::RightButton, {}, subject.viewport()->rect().center());
-    waitFor([&] { return subject.toPlainText().size() == before.size() + 10; },
-            "the variable does not come into the subject");
+    subject.setFocus();
+    QTest::keyClick(&subject, Qt::Key_End);
+    type(subject, ": ");
+    play.script.expectMenu("mnuInsert_0", [](QWidget&) { takePicture("insertion-variables"); });
+    const QRect box = subject.viewport()->rect();
+    QTest::mouseClick(subject.viewport(), Qt::RightButton, {}, QPoint(box.right() - 2, box.center().y()));
+    waitFor([&] { return subject.toPlainText().endsWith(": <Notes>"); },
+            "the variable does not come to the end of the subject");
 }
 
 void addByHand(const Play& play) {
@@ -184,7 +189,7 @@ void playEvents(const Play& play) {
     waitFor([&] { return control<QLabel>(play.window, "tooltip").isVisible(); },
             "the tree's tip does not come");
     takePicture("tree-tip");
-    QTest::mouseMove(&control<QWidget>(play.window, "sbStatusBar"));
+    QCursor::setPos(QGuiApplication::primaryScreen()->geometry().bottomRight());
     QEvent leave(QEvent::Leave);
     QApplication::sendEvent(tree.viewport(), &leave);
     play.script.expectMenu("mnuPopupDeleteEvent", [](QWidget&) { takePicture("tree-menu"); });
