@@ -7,7 +7,6 @@
 #include <QButtonGroup>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QMainWindow>
 #include <QSet>
 #include <QTabBar>
 #include <QTextEdit>
@@ -67,7 +66,10 @@ QSet<const QWidget*> stopsOf(QWidget& window, Qt::Key key, const QString& name) 
     QImage before;
     for (int i = 0; i < enough; ++i) {
         QWidget* here = window.focusWidget();
-        insist(here, "no control has the focus in " + name);
+        if (!here) {
+            insist(false, "no control has the focus in " + name);
+            return stops;
+        }
         const QImage after = look(window);
         // Before the first key the window does not know that it is worked by keyboard.
         insist(stops.size() < 2 || here == previous || after != before,
