@@ -139,9 +139,8 @@ void modifyEvent(const ModifiedEvent& event) {
             frame.step([&] { row.set("EventActive", boolean(event.eventActive)); });
             frame.step([&] { row.set("EventTitle", event.eventTitle); });
             frame.step([&] { row.set("EventType", std::int64_t{event.eventType}); });
-            frame.step(  // Every save starts the event's notification timing anew, changed or not; it stays
-                         // so.
-                [&] { row.set("EventLastNotification", Null{}); });
+            // Every save starts the event's notification timing anew, changed or not; it stays so.
+            frame.step([&] { row.set("EventLastNotification", Null{}); });
             frame.step([&] { row.update(); });
         }
         frame.step([&] { row.close(); });

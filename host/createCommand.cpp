@@ -4,6 +4,7 @@
 #include "host/commands.h"
 #include "host/provision.h"
 #include "platform/host.h"
+#include "platform/serviceManager.h"
 
 namespace qlnhost {
 
@@ -12,6 +13,21 @@ namespace {
 // The kit stands beside this tool, unless another is named.
 std::filesystem::path kitFolder(Arguments& arguments) {
     return arguments.option("--kit", (platform::program::folder() / "kit").string());
+}
+
+// The legacy notifier is at work when the console comes to a server: that is what its import has to deal
+// with.
+int startLegacyService(const std::filesystem::path& root) {
+    constexpr char name[] = "TsKesnSvr";
+    platform::Service service(platform::ServiceManager(platform::managerExecute), name,
+                              platform::serviceStart);
+    if (const std::uint32_t error = service.start(); error != platform::noError) {
+        std::fprintf(stderr, "qlnhost: the legacy service does not start, error %u\n", error);
+        return 1;
+    }
+    std::printf("The legacy service %s runs; it ends with: qlnhost --host %s services stop %s\n", name,
+                root.c_str(), name);
+    return 0;
 }
 
 }  // namespace
@@ -28,6 +44,7 @@ int createCommand(Arguments& arguments) {
         throw UsageError("--layout is tables or views, not '" + layout + "'");
     options.layout = layout == "views" ? host::DirectoryLayout::views : host::DirectoryLayout::tables;
     options.serviceInstalled = !arguments.flag("--fresh");
+    options.legacyNotifier = !arguments.flag("--no-legacy");
     options.snmpAgent = arguments.flag("--snmp");
     options.failoverPrimary = arguments.flag("--failover");
     options.subscribers = static_cast<unsigned>(
@@ -45,7 +62,7 @@ int createCommand(Arguments& arguments) {
     std::printf("Account of the host's main service: %.*s, password %.*s\n",
                 static_cast<int>(host::demonstrationAccount.size()), host::demonstrationAccount.data(),
                 static_cast<int>(host::demonstrationPassword.size()), host::demonstrationPassword.data());
-    return 0;
+    return options.legacyNotifier ? startLegacyService(root) : 0;
 }
 
 int updateCommand(Arguments& arguments) {

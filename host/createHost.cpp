@@ -18,12 +18,13 @@ constexpr char consoleShortcut[] =
     "Name=Quillon Service Administration\n"
     "Exec=";
 
-// A server where the service is installed: its running files are copies of the kit's.
-void installService(const fs::path& service) {
+// A server where the service is installed: its running files are copies of the kit's, and its log is there.
+void installService(const fs::path& service, const fs::path& log) {
     for (const auto& [kitForm, runningForm] :
          {std::pair{"HbQlnSvc.ex_", "HbQlnSvc.exe"}, {"HbQlnSvcRes_ENU.dl_", "HbQlnSvcRes_ENU.dll"}})
         platform::files::copyFile(service / kitForm, service / runningForm);
     fs::permissions(service / "HbQlnSvc.exe", fs::perms::owner_all);
+    platform::files::writeFile(log, "");
 }
 
 }  // namespace
@@ -31,6 +32,7 @@ void installService(const fs::path& service) {
 void createHost(const fs::path& folder, const HostOptions& options) {
     const fs::path root = fs::absolute(folder).lexically_normal();
     const fs::path hostFolder = root / "Host";
+    const fs::path serviceLog = root / "Service" / "HbQlnSvc.log";
     platform::host::setFolder(hostFolder);
     if (platform::files::fileExists(platform::host::registryFile()))
         throw platform::makeFailure(platform::fileAlreadyExists, platform::host::registryFile().string());
@@ -42,9 +44,9 @@ void createHost(const fs::path& folder, const HostOptions& options) {
     if (!options.kit.empty()) {
         installKit(options.kit, root);
         if (options.serviceInstalled)
-            installService(root / "Service");
+            installService(root / "Service", serviceLog);
     }
-    createTemplateDatabase(root / "Database" / "QLNDB_FRESH.MDB");
+    createTemplateDatabase(root / "Database" / "QLNDB_FRESH.MDB", serviceLog);
     platform::files::writeFile(root / "Database" / "QLN_Default_ENU.wav", defaultVoiceFile());
     createDirectory(platform::host::directoryDatabase(), options.layout, [&](DirectoryWriter& writer) {
         fillDemonstrationDirectory(writer, options.subscribers, options.distributionLists);
@@ -54,6 +56,8 @@ void createHost(const fs::path& folder, const HostOptions& options) {
     platform::files::writeFile(
         platform::host::menuFolder() / "Corvane" / "Quillon Service Administration.desktop",
         consoleShortcut + (root / "QLNAdmin" / "QLNAdmin").string() + "\n");
+    if (options.legacyNotifier)
+        fillLegacyNotifier(root, options.kit);
     // Last, because a folder with a registry is a host: one that was cut short can be made again.
     fillDemonstrationRegistry(root, options);
 }

@@ -11,6 +11,10 @@ namespace host {
 // `root` is the installation tree.
 void fillDemonstrationRegistry(const std::filesystem::path& root, const HostOptions& options);
 
+// The legacy notifier below the present host's installation tree, its service's program from the kit, unless
+// that is empty. The registry is fillDemonstrationRegistry's.
+void fillLegacyNotifier(const std::filesystem::path& root, const std::filesystem::path& kit);
+
 // A day of records in both event logs of the present host.
 void fillDemonstrationEvents();
 

@@ -116,6 +116,10 @@ void fillDemonstrationRegistry(const std::filesystem::path& root, const HostOpti
     for (const std::string_view source : silentSources)
         setValue(std::string(services) + "EventLog\\Application\\" + std::string(source), "TypesSupported",
                  7u);
+    if (options.legacyNotifier) {
+        setValue("SOFTWARE\\Tessaly\\Kesn", "DataPath", legacyProgram(root).parent_path().string());
+        addService("TsKesnSvr", legacyProgram(root).string());
+    }
     if (!options.serviceInstalled)
         return;
     addService("HbQlnSvc", below("Service/HbQlnSvc.exe"));

@@ -8,8 +8,9 @@
 namespace host {
 
 // Writes the template of the configuration database (all tables, indexes, default settings, built-in
-// events, list of sources) to `file`, replacing it. Raises platform::Failure.
-void createTemplateDatabase(const std::filesystem::path& file);
+// events, list of sources) to `file`, replacing it. `serviceLog` is the file that the service is to write its
+// log to, empty for none. Raises platform::Failure.
+void createTemplateDatabase(const std::filesystem::path& file, const std::filesystem::path& serviceLog = {});
 
 enum class DirectoryLayout { tables, views };
 
@@ -19,6 +20,7 @@ struct HostOptions {
     bool snmpAgent = false;
     bool failoverPrimary = false;
     bool serviceInstalled = true;  // and stopped; false as on a server before the console's first run
+    bool legacyNotifier = false;   // installed and stopped, with a database of its own
     unsigned subscribers = 240;    // up to 1,000,000
     unsigned distributionLists = 24;
     std::filesystem::path kit;  // folder with the program files, laid out as the tree is; empty for none
@@ -27,6 +29,9 @@ struct HostOptions {
 // The account of the demonstration host's main service, and its password.
 inline constexpr std::string_view demonstrationAccount = "CORVANE01\\TsHubSvc";
 inline constexpr std::string_view demonstrationPassword = "harbour-7";
+
+// Where the program of the legacy notifier's service lies, in an installation tree as in the kit.
+std::filesystem::path legacyProgram(const std::filesystem::path& root);
 
 // Makes a complete demonstration host below `folder`: Host/ (registry, accounts, directory, event logs,
 // menu) and the installation tree beside it.

@@ -24,6 +24,8 @@ constexpr char help[] =
     "                         layout of its directory (tables)\n"
     "      --fresh            the service is not installed yet: the console's first run asks for\n"
     "                         the password and installs it\n"
+    "      --no-legacy        the legacy notifier was never installed; without this its service runs\n"
+    "                         and its database holds events to import\n"
     "      --snmp             the server has an SNMP agent\n"
     "      --failover         the server is the primary one of a failover pair\n"
     "      --subscribers N    people in the directory (240)\n"

@@ -177,6 +177,18 @@ std::string withRowId(std::string_view translated, std::string_view idColumn) {
     return done ? result : std::string();
 }
 
+namespace {
+
+// What ends a condition, or may. Columns are named, grouped and sorted by their expressions as written, so
+// the numbers there have to stay.
+bool endsCondition(std::string_view word) {
+    static constexpr std::array<std::string_view, 5> words{"SELECT", "GROUP", "HAVING", "ORDER", "RETURNING"};
+    return std::any_of(words.begin(), words.end(),
+                       [&](std::string_view each) { return equalsIgnoringCase(word, each); });
+}
+
+}  // namespace
+
 std::string withNumbersTaken(std::string_view translated, std::vector<std::int64_t>& numbers) {
     constexpr std::size_t safeDigits = 18;
     const char* const end = translated.data() + translated.size();
@@ -188,15 +200,24 @@ std::string withNumbersTaken(std::string_view translated, std::vector<std::int64
     std::string result;
     result.reserve(translated.size());
     const char* copied = translated.data();
+    bool condition = false;
     bool compared = false;
+    int depth = 0;
     Lexer lexer(translated);
     for (Token token{}; lexer.next(token);) {
         const char first = token.text[0];
+        if (token.text == "(")
+            ++depth;
+        else if (token.text == ")")
+            --depth;
+        else if (token.kind == TokenKind::word)
+            condition = condition ? !endsCondition(token.text)
+                                  : depth == 0 && equalsIgnoringCase(token.text, "WHERE");
         if (token.kind == TokenKind::word && (first == '?' || first == ':' || first == '@' || first == '$')) {
             numbers.clear();
             return std::string(translated);
         }
-        if (compared && isWhole(token)) {
+        if (condition && compared && isWhole(token)) {
             std::int64_t number = 0;
             std::from_chars(token.text.data(), token.text.data() + token.text.size(), number);
             numbers.push_back(number);

@@ -45,8 +45,9 @@ bool nothingToRun(std::string_view rest);
 // rows are not rows of one table (DISTINCT, GROUP BY, joins, compounds).
 std::string withRowId(std::string_view translated, std::string_view idColumn);
 
-// The statement with every whole number that stands right behind "=" or ">" replaced by a parameter, and the
-// numbers in their order. A statement with parameters of its own stays as it is.
+// The statement with the whole numbers that its WHERE compares by "=" or ">", up to a SELECT inside it,
+// replaced by parameters, and the numbers in their order. Elsewhere they stay: a column's name is its text. A
+// statement with parameters of its own stays as it is.
 std::string withNumbersTaken(std::string_view translated, std::vector<std::int64_t>& numbers);
 
 }  // namespace platform::ado

@@ -99,9 +99,7 @@ bool Registry::keyExists(std::string_view path) {
 
 bool Registry::createKey(std::string_view path) {
     const std::string key = registryPath(path);
-    // In a store's text a '-' before the name would stand for a key to be deleted.
-    if (key.empty() || key.front() == '-' || !isValidUtf8(key) ||
-        key.find_first_of("\r\n") != std::string::npos)
+    if (key.empty() || !isValidUtf8(key) || key.find_first_of("\r\n") != std::string::npos)
         throw makeFailure(invalidProcedureCall, "a registry key's name is one line of UTF-8 text");
     // Such a line deletes a key in the export format; the store could not be read any more.
     if (key.front() == '-' || isTooDeep(key))

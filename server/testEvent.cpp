@@ -1,6 +1,7 @@
 #include "server/testEvent.h"
 
 #include <chrono>
+#include <cstdint>
 #include <string>
 
 #include "core/procedure.h"
@@ -37,11 +38,12 @@ void selectDevices(core::Frame& frame, long recipientKey, mdlDatabase::DeviceSel
 }
 
 void writeTestEvent() {
+    constexpr std::uint16_t information = 4;
     platform::EventRecord record;
     record.log = "Application";
     record.source = "QLNTest";
     record.id = 10001;
-    record.type = 1;
+    record.type = information;
     platform::appendEvent(record);
 }
 

@@ -4,6 +4,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <utility>
 
@@ -112,6 +113,8 @@ void ContentGroup::controlInit() {
     lblRightClick->setText(text(1152));
     lblEmailPriority->setText(text(1043));
     fillCombo(*comboEmailPriority, {1035, 1036});
+    // The menu's entries come later in some windows.
+    variables->mnuVariables->setTitle(text(1058));
     if (variables->mnuInsert.size() > 1)
         variables->controlInit();
 }

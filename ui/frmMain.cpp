@@ -210,6 +210,7 @@ void frmMain::resizeEvent(QResizeEvent* event) {
     });
 }
 
+// Unsaved edits are lost without a question; it stays so.
 void frmMain::closeEvent(QCloseEvent* event) {
     Form_Unload();
     event->accept();

@@ -131,6 +131,7 @@ void frmMain::initRecipients(const std::string& root, std::optional<long> recipi
     core::procedure(module, "initRecipients", [&](core::Frame& frame) {
         Recordset recipients = mdlDatabase::getRecipients();
         const std::set<long> unresolved = mdlDatabase::recipientsWithInvalidDevices();
+        // A colon where events and exclusions have a dash; it stays so.
         addChildren(frame, {root, "RecipientKey:", nodeTypeCategoryRecipients, recipientKey}, recipients,
                     [&] {
                         const long key = recipients.number("RecipientKey");
@@ -254,6 +255,7 @@ bool frmMain::settleChanges(core::Frame& frame, const ChangedPane& changed, cons
             if (changed.rebuildsTree) {
                 loadNavigationTree();
                 tvNavigation->scrollFullyLeft();
+                // The node that was clicked is gone with the old tree; its successor is the chosen one.
                 if (tvNavigation->contains(chosenNode))
                     tvNavigation->select(chosenNode);
             }

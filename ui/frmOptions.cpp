@@ -210,6 +210,7 @@ void frmOptions::sstabOptions_Click(int tab) {
                 sstabOptions->setCurrentIndex(tabGeneral);
             return;
         }
+        // Nothing of the page before is to stay on these.
         content->comboEmailPriority->update();
         content->comboVoiceMailPriority->update();
         cmdOk->update();

@@ -104,6 +104,6 @@ class paneEventDetails : public QWidget, public EditingPane {
     QPushButton* cmdEventApply;
 
     bool eventDataChanged_ = false;
-    bool eventRecipientsChanged_ = false;
+    bool eventRecipientsChanged_ = false;  // for the rest of the run once a box was ticked; it stays so
     mdlDatabase::DeviceSelection selectedDevices_;  // the devices ticked in tvRecipients
 };

@@ -77,6 +77,7 @@ void paneEventDetails::cmdRemoveRecipient_Click() {
     core::procedure(module, "cmdRemoveRecipient_Click", [&](core::Frame& frame) {
         long eventKey = 0;
         long recipientKey = 0;
+        // Before the question: a save refills the tree, and nothing is selected in it then.
         if (!frame.steps(
                 {core::Step([&] { recipientKey = tvRecipients->info(tvRecipients->selectedKey()).key; }),
                  core::Step([&] { eventKey = selectedEventKey(); })}))

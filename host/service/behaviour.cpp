@@ -2,8 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <string>
-#include <string_view>
+#include <cstdint>
 #include <utility>
 
 #include "platform/registry.h"
@@ -11,8 +10,6 @@
 namespace service {
 
 namespace {
-
-constexpr char key[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service";
 
 constexpr std::array<std::pair<std::string_view, Behaviour>, 5> names{{
     {"neverReport", Behaviour::neverReport},
@@ -22,7 +19,7 @@ constexpr std::array<std::pair<std::string_view, Behaviour>, 5> names{{
     {"crashWhileRunning", Behaviour::crashWhileRunning},
 }};
 
-std::chrono::milliseconds delay(std::string_view name) {
+std::chrono::milliseconds duration(std::string_view key, std::string_view name) {
     constexpr std::uint32_t longest = 60000;
     const auto value = platform::registry().value(key, name);
     const auto* number = value ? std::get_if<std::uint32_t>(&*value) : nullptr;
@@ -31,13 +28,19 @@ std::chrono::milliseconds delay(std::string_view name) {
 
 }  // namespace
 
-Settings readSettings() {
-    Settings settings{Behaviour::good, delay("ServiceStartDelay"), delay("ServiceStopDelay")};
-    const auto value = platform::registry().value(key, "ServiceBehaviour");
-    if (const auto* text = value ? std::get_if<std::string>(&*value) : nullptr)
-        for (const auto& [name, behaviour] : names)
-            if (*text == name)
-                settings.behaviour = behaviour;
+std::string textValue(std::string_view key, std::string_view name) {
+    const auto value = platform::registry().value(key, name);
+    const auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
+    return text ? *text : std::string();
+}
+
+Settings readSettings(std::string_view key) {
+    Settings settings{Behaviour::good, duration(key, "ServiceStartDelay"), duration(key, "ServiceStopDelay"),
+                      duration(key, "ServicePollingPause")};
+    const std::string chosen = textValue(key, "ServiceBehaviour");
+    for (const auto& [name, behaviour] : names)
+        if (chosen == name)
+            settings.behaviour = behaviour;
     return settings;
 }
 

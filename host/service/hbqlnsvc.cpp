@@ -1,5 +1,5 @@
-// The service's program for this platform: it registers itself, and watches the configuration database, which
-// it only reads.
+// The service's program for this platform: it registers itself, and watches the event logs for what the
+// configuration database, which it only reads, says. It sends nothing: its log tells what it would send.
 
 #include <cstdio>
 #include <exception>
@@ -7,6 +7,8 @@
 
 #include "host/service/registration.h"
 #include "host/service/run.h"
+#include "host/service/watch.h"
+#include "platform/host.h"
 
 int main(int argc, char** argv) {
     try {
@@ -15,8 +17,13 @@ int main(int argc, char** argv) {
             std::puts("HbQlnSvc registered");
             return 0;
         }
-        if (argc == 1)
-            return service::run();
+        if (argc == 1) {
+            const service::Settings settings = service::readSettings(
+                "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service");
+            service::Watch watch((platform::program::installationRoot() / "Database" / "QLNDB.MDB").string(),
+                                 settings.pollingPause);
+            return service::run("HbQlnSvc", settings, watch);
+        }
         std::fputs("usage: HbQlnSvc.exe [-service]\n", stderr);
         return 2;
     } catch (const std::exception& error) {

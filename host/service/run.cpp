@@ -4,15 +4,13 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
-#include "host/service/behaviour.h"
-#include "host/service/watch.h"
 #include "platform/failure.h"
-#include "platform/host.h"
 #include "platform/serviceManager.h"
 
 namespace service {
@@ -24,6 +22,7 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds crashAfter(500);
 constexpr milliseconds longestPause(1000);
+constexpr milliseconds afterFailure(10000);
 
 volatile sig_atomic_t stopping = 0;
 sigset_t signalsWhileWaiting;
@@ -70,35 +69,42 @@ void hang(const std::string& keyName) {
     std::abort();
 }
 
-// Looks at the database every few seconds until the service is told to stop.
-void watchDatabase(const std::string& keyName, Behaviour behaviour) {
-    const std::string file = (platform::program::installationRoot() / "Database" / "QLNDB.MDB").string();
+// A file that is being replaced or held is there again at the next look.
+template <class Action>
+void attempt(const std::string& keyName, Action&& action) {
+    try {
+        action();
+    } catch (const platform::Failure& failure) {
+        std::fprintf(stderr, "%s: %s\n", keyName.c_str(), failure.what());
+    }
+}
+
+// Looks at what the service works on, again and again until it is told to stop.
+void doWork(const std::string& keyName, const Settings& settings, Work& work) {
     const auto start = std::chrono::steady_clock::now();
     auto nextLook = start;
     while (!stopping && isStillOurs(keyName)) {
-        const auto now = std::chrono::steady_clock::now();
-        if (behaviour == Behaviour::crashWhileRunning && now - start >= crashAfter)
+        const bool crashes = settings.behaviour == Behaviour::crashWhileRunning;
+        auto now = std::chrono::steady_clock::now();
+        if (crashes && now - start >= crashAfter)
             crash();
         if (now >= nextLook) {
-            unsigned seconds = 10;
-            try {
-                seconds = look(file);
-            } catch (const platform::Failure& failure) {
-                // A file that is being replaced or held is there again at the next look.
-                std::fprintf(stderr, "HbQlnSvc: %s\n", failure.what());
-            }
-            nextLook = now + std::chrono::seconds(seconds);
+            milliseconds untilNext = settings.pollingPause.count() > 0 ? settings.pollingPause : afterFailure;
+            attempt(keyName, [&] { untilNext = work.look(); });
+            now = std::chrono::steady_clock::now();
+            nextLook = now + untilNext;
         }
-        pause(behaviour == Behaviour::crashWhileRunning ? crashAfter : longestPause);
+        const auto untilNext = std::chrono::ceil<milliseconds>(nextLook - now);
+        pause(std::clamp(untilNext, milliseconds(0), crashes ? crashAfter : longestPause));
     }
 }
 
 }  // namespace
 
-int run() {
+int run(std::string keyName, const Settings& settings, Work& work) {
     const char* const named = std::getenv("QLN_SERVICE");
-    const std::string keyName = named && *named ? named : "HbQlnSvc";
-    const Settings settings = readSettings();
+    if (named && *named)
+        keyName = named;
     if (settings.behaviour == Behaviour::neverReport)
         hang(keyName);
     catchStop();
@@ -108,11 +114,13 @@ int run() {
         return 1;
     if (settings.behaviour == Behaviour::hangInStart)
         hang(keyName);
+    attempt(keyName, [&] { work.begin(); });
     platform::writeServiceState(keyName, ServiceState::running, ::getpid());
-    watchDatabase(keyName, settings.behaviour);
+    doWork(keyName, settings, work);
     if (!isStillOurs(keyName))
         return 0;
     platform::writeServiceState(keyName, ServiceState::stopPending, ::getpid());
+    attempt(keyName, [&] { work.end(); });
     linger(settings.stopDelay);
     if (settings.behaviour == Behaviour::hangInStop)
         hang(keyName);

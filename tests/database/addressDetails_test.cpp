@@ -95,6 +95,20 @@ TEST_F(AddressDetails, AnEmptyDirectoryCutsAllOffAndAnUnreadableOneNobody) {
     EXPECT_EQ(logOf("rebuildAddressDetailsTable"), Lines{});
 }
 
+TEST_F(AddressDetails, AnAddressThatCannotBeSearchedHurtsNoOther) {
+    openDirectory({"CREATE TABLE GlobalSubscriber(DisplayName, DirectoryId COLLATE NOCASE)",
+                   "CREATE TABLE DistributionList(DisplayName, DirectoryId)",
+                   "INSERT INTO GlobalSubscriber VALUES ('O', 'O''Brien'), ('Bo', 'BOTH')"});
+    run("UPDATE Device SET DeviceAddress = 'O''Brien' WHERE DeviceKey = 3");
+    rebuildAddressDetailsTable();
+    EXPECT_EQ(details()[0], "both|Bo (Subscriber)|1|1");
+    EXPECT_EQ(inactive(), "2,8");
+    EXPECT_EQ(host.countInLog("[mdlDatabase]rebuildAddressDetailsTable)   Err.Number = 5 "), 1);
+    run("DELETE FROM Device");
+    rebuildAddressDetailsTable();
+    EXPECT_EQ(details(), Lines{});
+}
+
 TEST_F(AddressDetails, ALockedFileIsPassedOverWithoutAWord) {
     openDirectory({"CREATE TABLE GlobalSubscriber(DisplayName, DirectoryId)",
                    "CREATE TABLE DistributionList(DisplayName, DirectoryId)"});

@@ -1,27 +1,21 @@
 #include "database/events.h"
 
-#include <gtest/gtest.h>
-
 #include "database/settings.h"
-#include "support/scriptedPrompts.h"
-#include "support/temporaryHost.h"
+#include "storeFixture.h"
 
 namespace {
 
 using namespace mdlDatabase;
+using databaseTest::Lines;
 using platform::BoxAnswer;
 using platform::BoxButtons;
 using platform::BoxIcon;
-using Lines = std::vector<std::string>;
 
 constexpr long hiddenEvent = 1;
 constexpr long catchAllEvent = 2;
 
-class Events : public testing::Test {
+class Events : public databaseTest::Store {
   protected:
-    void SetUp() override { host.openConfiguration(); }
-    Lines rows(const std::string& statement) { return support::query(host.databaseFile(), statement); }
-    void run(const std::string& statements) { support::run(host.databaseFile(), statements); }
     Lines events() { return rows("SELECT * FROM Events ORDER BY EventKey"); }
     Lines contentsOf(long key) {
         return rows(
@@ -36,9 +30,6 @@ class Events : public testing::Test {
                         "Duplicate Monitored Event", BoxIcon::question, BoxButtons::yesNo},
                        answer);
     }
-
-    support::TemporaryHost host;
-    support::ScriptedPrompts prompts;
 };
 
 NewEvent newEvent(const std::string& source, const std::string& id) {
@@ -195,13 +186,6 @@ TEST_F(Events, FindingTakesTheFirstAndNeverWrites) {
     EXPECT_EQ(failures(), 0);
     EXPECT_EQ(findEvent("O'Brien", "7"), -1);
     EXPECT_EQ(findEvent("O''Brien", "7"), quoted) << "the source goes into the statement as it is";
-    const Lines before = events();
-    EXPECT_EQ(findEvent("'; DELETE FROM Events; --", "7"), -1);
-    EXPECT_EQ(findEvent("Disk", "7; DELETE FROM Events"), -1);
-    EXPECT_EQ(findEvent("Disk", ""), -1);
-    EXPECT_EQ(events(), before);
-    EXPECT_EQ(host.countInLog("[mdlDatabase]findEvent)   Err.Number = -2147217900 "), 4);
-
     // An apostrophe hides a duplicate from the test, not the event from the database.
     setConfigurationSetting("WarnOnDuplicateMonitoredEvents", "-1");
     EXPECT_EQ(addNewEvent(newEvent("O'Brien", "7")), quoted + 1);
@@ -221,18 +205,6 @@ TEST_F(Events, ListHasTheCatchAllFirstAndNeverTheHiddenOne) {
     EXPECT_EQ(failures(), 0);
 }
 
-TEST_F(Events, TypesMapBothWays) {
-    const std::pair<long, long> table[] = {{1, 0}, {2, 1}, {4, 2}};
-    for (const auto& [type, index] : table) {
-        EXPECT_EQ(mapEventType(type, true), index);
-        EXPECT_EQ(mapEventType(index, false), type);
-    }
-    for (const long none : {-1L, 3L, 5L}) {
-        EXPECT_EQ(mapEventType(none, true), 0);
-        EXPECT_EQ(mapEventType(none, false), 0);
-    }
-}
-
 TEST_F(Events, DefaultContentOverwritesOrIsAdded) {
     setConfigurationSetting("DefaultEmailSubject", "Own subject");
     setConfigurationSetting("DefaultEmailBody", "Own body");
@@ -245,34 +217,6 @@ TEST_F(Events, DefaultContentOverwritesOrIsAdded) {
     run("DELETE FROM Contents WHERE EventKey = 3");
     setDefaultContentForEvent(key);
     EXPECT_EQ(contentsOf(key), defaults);
-    EXPECT_EQ(failures(), 0);
-}
-
-TEST_F(Events, TextsComeBackAsTheyWereGiven) {
-    setConfigurationSetting("WarnOnDuplicateMonitoredEvents", "0");
-    const Lines texts{"O'Brien's; \"DROP\" -- `x` [y] #1/1/2026#",
-                      " blanks\taround ",
-                      "two\r\nlines\n\n",
-                      "שלום \u200F(עולם)\u202E abc",
-                      "🚨👩‍💻 e\u0301 \u00e9",
-                      "$$IGNORE?",
-                      std::string(100'000, '\'')};
-    for (const std::string& text : texts) {
-        const long key = addNewEvent({text, "7", text, 1, {text, 1, text, text, 1}});
-        for (const bool saved : {false, true}) {
-            if (saved)
-                modifyEvent({key, text, "7", text, 1, false, {text, 1, text, text, 1}});
-            platform::Recordset event = getEvent(key);
-            platform::Recordset contents = getContentsForEvent(key);
-            EXPECT_EQ(event.text("EventSource"), text);
-            EXPECT_EQ(event.text("EventTitle"), text);
-            EXPECT_EQ(contents.text("ContentAttachment"), text);
-            for (; !contents.EOF_(); contents.moveNext()) {
-                EXPECT_EQ(contents.text("ContentSubject"), text);
-                EXPECT_EQ(contents.text("ContentNote"), text);
-            }
-        }
-    }
     EXPECT_EQ(failures(), 0);
 }
 

@@ -103,6 +103,7 @@ TEST_F(EventHealth, StateIsInactiveBeforeIncompleteBeforeComplete) {
     EXPECT_EQ(getEventState(1), 1);
     run("UPDATE Events SET EventActive = 0");
     EXPECT_EQ(getEventState(1), 2);
+    EXPECT_EQ(getEventState(99), 2);
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 #include "database/lifecycle.h"
 
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,6 +10,7 @@
 #include "database/settings.h"
 #include "platform/files.h"
 #include "platform/registry.h"
+#include "support/childProcess.h"
 #include "support/temporaryHost.h"
 
 namespace {
@@ -111,16 +110,6 @@ TEST_F(Lifecycle, TemplateIsCopiedOnlyWhereThereIsNoDatabase) {
     EXPECT_EQ(host.countInLog("Err.Number"), 0);
 }
 
-TEST_F(Lifecycle, WithoutTemplateNothingOpensAndNothingIsMade) {
-    fs::remove(freshFile);
-    openDatabase();
-    EXPECT_EQ(core::gDatabase.state(), ObjectState::closed);
-    EXPECT_EQ(filesInFolder(), Lines{});
-    EXPECT_EQ(host.countInLog("[mdlDatabase]openDatabase)   Err.Number = 53 "), 1);
-    EXPECT_EQ(host.countInLog("[mdlDatabase]openDatabase)   Err.Number = -2147467259 "), 1);
-    EXPECT_EQ(host.countInLog("Err.Number"), 2);
-}
-
 TEST_F(Lifecycle, ReadOnlyDatabaseStaysSoAndRefusesWrites) {
     const std::string found = " found to be read-only.  Removing the read-only flag from this file.";
     fs::copy_file(freshFile, host.databaseFile());
@@ -165,23 +154,17 @@ TEST_F(Lifecycle, BackupIsWholeAfterTheServiceDiedWriting) {
     fs::copy_file(freshFile, host.databaseFile());
     run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 3000) "
         "INSERT INTO NotificationLog (LogKey, DeviceAddress) SELECT i, printf('%0200d', 0) FROM n");
-    int half[2];
-    ASSERT_EQ(::pipe(half), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        platform::Connection service;
-        service.open("Data Source=" + host.databaseFile().string());
-        platform::execute("PRAGMA cache_size = 1", service);
-        platform::execute("BEGIN IMMEDIATE", service);
-        platform::execute("UPDATE NotificationLog SET DeviceAddress = printf('%0200d', 1)", service);
-        ::_exit(::write(half[1], "x", 1) == 1 ? ::pause() : 1);
-    }
-    ::close(half[1]);
-    char ready = 0;
-    EXPECT_EQ(::read(half[0], &ready, 1), 1);
-    ::close(half[0]);
-    ::kill(child, SIGKILL);
-    ::waitpid(child, nullptr, 0);
+    support::ChildProcess service([&](const support::ChildProcess::Ready& ready) {
+        support::Database database(host.databaseFile());
+        database.run(
+            "PRAGMA cache_size = 1; BEGIN IMMEDIATE; UPDATE NotificationLog SET DeviceAddress = "
+            "printf('%0200d', 1)");
+        ready();
+        ::pause();
+    });
+    service.awaitReady();
+    service.kill();
+    service.wait();
 
     // The file itself is torn now: a part of the update has reached it.
     const fs::path torn = host.root() / "torn";

@@ -128,15 +128,6 @@ TEST_F(ModifyRecipient, SingleAddressesGoAtOnceAndTheOthersLast) {
         << "the new device met the event of the old one, silent";
 }
 
-TEST_F(ModifyRecipient, InactiveSwitchesThatAreOffStayExceptTheSyslogDevice) {
-    makeFull(false);
-    RecipientRecord record = unchanged();
-    record.snmpTrapEnabled = record.syslogEnabled = record.failoverEnabled = 0;
-    modifyRecipient(1, record);
-    EXPECT_EQ(logOf("modifyRecipient"), Lines{"Info: Deleting Syslog device for Ann (h)"});
-    EXPECT_EQ(rows("SELECT DeviceKey FROM Device WHERE DeviceType >= 5"), (Lines{"5", "7"}));
-}
-
 TEST_F(ModifyRecipient, WithoutTheRecipientNothingIsWritten) {
     makeFull();
     const Lines before = devices();

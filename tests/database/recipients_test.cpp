@@ -116,6 +116,10 @@ TEST_F(Recipients, CountsAndStates) {
     EXPECT_EQ(getRecipientState(2), 2);
     setRecipientActiveState(1, false);
     EXPECT_EQ(getRecipientState(1), 1) << "an unresolved device outweighs an inactive recipient";
+    const std::set<long> unresolved = recipientsWithInvalidDevices();
+    for (platform::Recordset rows = getRecipients(); !rows.EOF_(); rows.moveNext())
+        EXPECT_EQ(stateOfRecipient(rows, unresolved), getRecipientState(rows.number("RecipientKey")))
+            << "all at once as one by one";
     setRecipientActiveState(1, true);
     EXPECT_EQ(rows("SELECT RecipientActive FROM Recipients ORDER BY 1"), (Lines{"-1", "0"}));
     EXPECT_EQ(host.countInLog("Err.Number"), 0);

@@ -1,22 +1,13 @@
 #include "database/settings.h"
 
-#include <gtest/gtest.h>
-
-#include "support/temporaryHost.h"
+#include "storeFixture.h"
 
 namespace {
 
 using namespace mdlDatabase;
-using Lines = std::vector<std::string>;
+using databaseTest::Lines;
 
-class Settings : public testing::Test {
-  protected:
-    void SetUp() override { host.openConfiguration(); }
-    Lines rows(const std::string& statement) { return support::query(host.databaseFile(), statement); }
-    void run(const std::string& statements) { support::run(host.databaseFile(), statements); }
-
-    support::TemporaryHost host;
-};
+using Settings = databaseTest::Store;
 
 constexpr char subject[] = "Meridane Corvane server <Type> event, <Source>[<Event>] on <Computer>";
 constexpr char body[] =
@@ -49,18 +40,6 @@ TEST_F(Settings, AreOneRowEachAndEmptyWithoutOne) {
     EXPECT_EQ(getConfigurationSetting("New"), "healed");
 }
 
-TEST_F(Settings, NameNeverBecomesASecondStatement) {
-    const Lines before = rows("SELECT * FROM Configuration");
-    for (const char* name : {"it's", "'; DELETE FROM Configuration; --",
-                             "'; UPDATE Configuration SET Value = 'x' WHERE '1' = '1"}) {
-        EXPECT_EQ(getConfigurationSetting(name), "");
-        setConfigurationSetting(name, "x");
-    }
-    EXPECT_EQ(rows("SELECT * FROM Configuration"), before);
-    EXPECT_EQ(host.countInLog("[mdlDatabase]getConfigurationSetting)   Err.Number = -2147217900 "), 3);
-    EXPECT_EQ(host.countInLog("[mdlDatabase]setConfigurationSetting)   Err.Number = -2147217900 "), 3);
-}
-
 TEST_F(Settings, LastKeyIsTheHighest) {
     EXPECT_EQ(getLastKey("Recipients", "RecipientKey"), 0);
     EXPECT_EQ(host.countInLog("[mdlDatabase]getLastKey)   Err.Number = 94 "), 1);
@@ -83,12 +62,6 @@ TEST_F(Settings, DefaultContentComesFromSettingsOrElseFromTheStringTable) {
     setConfigurationSetting("DefaultEmailBody", "own body");
     EXPECT_EQ(getDefaultContent(1).text, "own.wav");
     EXPECT_EQ(getDefaultContent(3).parts, (Parts{{"Subject", subject}, {"Body", "own body"}}));
-}
-
-TEST_F(Settings, PriorityMapsBothWays) {
-    const std::pair<long, long> table[] = {{0, 2}, {1, 1}, {2, 0}, {3, 0}, {7, 0}, {-1, 0}};
-    for (const auto& [value, mapped] : table)
-        EXPECT_EQ(mapPriority(value), mapped) << value;
 }
 
 TEST_F(Settings, InitialChangesFillWhatIsEmptyAndKeepTheRest) {

@@ -34,7 +34,8 @@ class Provision : public ::testing::Test {
     }
     ~Provision() override {
         platform::host::setFolder({});
-        fs::remove_all(root);
+        std::error_code ignored;
+        fs::remove_all(root, ignored);
     }
 
     struct Answer {
@@ -73,6 +74,10 @@ TEST_F(Provision, TheTemplateHoldsEveryTableWithItsIndexesDefaultsAndBuiltInRows
               (std::vector<std::string>{"$$IGNORE|0|0", "All Meridane Corvane Errors|0|-1"}));
     EXPECT_EQ(query(file, "SELECT Value FROM Configuration WHERE Setting = 'WarnOnDuplicateMonitoredEvents'"),
               std::vector<std::string>{"-1"});
+    EXPECT_EQ(query(file, "SELECT Value FROM Configuration WHERE Setting = 'OutputFilePath'")[0], "");
+    host::createTemplateDatabase(file, root / "it's a log");
+    EXPECT_EQ(query(file, "SELECT Value FROM Configuration WHERE Setting = 'OutputFilePath'")[0],
+              (root / "it's a log").string());
     EXPECT_GT(std::stol(query(file, "SELECT count(*) FROM \"31Sources\"")[0]), 40);
     // The first exclusion gets the key 0, as after the upgrade.
     platform::Connection connection;
@@ -204,7 +209,9 @@ TEST_F(Provision, TheToolMakesAndInspectsAHost) {
     EXPECT_EQ(qlnhost(on + "registry delete 'SOFTWARE\\New'").code, 0);
     EXPECT_EQ(qlnhost(on + "registry list 'SOFTWARE\\New'").code, 1);
     EXPECT_NE(qlnhost(on + "events System").text.find("Ntp"), std::string::npos);
-    EXPECT_NE(qlnhost(on + "services").text.find("HbQlnSvc         stopped"), std::string::npos);
+    EXPECT_EQ(qlnhost(on + "services").text,
+              "HbQlnSvc         stopped\nTsHubMgr         stopped\nTsKesnSvr        running\n");
+    EXPECT_EQ(qlnhost(on + "services stop TsKesnSvr").code, 0);
     EXPECT_EQ(qlnhost(on + "services start HbQlnSvc").code, 0);
     EXPECT_EQ(qlnhost(on + "services start HbQlnSvc").code, 1);
     for (int i = 0; i < 500 && qlnhost(on + "services stop HbQlnSvc").code != 0; ++i)
@@ -222,7 +229,8 @@ TEST_F(Provision, TheToolMakesAndInspectsAHost) {
 
 TEST_F(Provision, AFreshHostAwaitsTheConsolesFirstRun) {
     const std::string dir = (root / "demo").string();
-    EXPECT_EQ(qlnhost("create " + dir + " --fresh --subscribers 5").code, 0);
+    EXPECT_EQ(qlnhost("create " + dir + " --fresh --no-legacy --subscribers 5").code, 0);
+    EXPECT_FALSE(fs::exists(root / "demo" / "HubServer"));
     EXPECT_TRUE(fs::exists(root / "demo" / "Service" / "HbQlnSvc.ex_"));
     for (const char* file : {"HbQlnSvc.exe", "HbQlnSvcRes_ENU.dll"})
         EXPECT_FALSE(fs::exists(root / "demo" / "Service" / file)) << file;

@@ -169,6 +169,10 @@ TEST(Dialect, TakesComparedWholeNumbersOut) {
               "SELECT a FROM T WHERE b = ? AND c >=? AND d = 'x=5' GROUP BY 1 LIMIT 3 12 7");
     EXPECT_EQ(form("DELETE FROM T WHERE b = -1 OR b = 1.5 OR b = 0x1F OR b = 9 -- = 8"),
               "DELETE FROM T WHERE b = -1 OR b = 1.5 OR b = 0x1F OR b = ? -- = 8 9");
+    EXPECT_EQ(form("SELECT a = 1, (SELECT b FROM T WHERE c = 2) FROM T where (d = 3) GROUP BY a = 4"),
+              "SELECT a = 1, (SELECT b FROM T WHERE c = 2) FROM T where (d = ?) GROUP BY a = 4 3");
+    EXPECT_EQ(form("SELECT a = 1 FROM T WHERE b = 2 UNION SELECT a = 3 FROM T WHERE c = 4 ORDER BY a = 1"),
+              "SELECT a = 1 FROM T WHERE b = ? UNION SELECT a = 3 FROM T WHERE c = ? ORDER BY a = 1 2 4");
     for (const char* text :
          {"SELECT a FROM T WHERE b = ? AND c = 1", "SELECT a FROM T WHERE c = 1 AND b = $x",
           "SELECT a FROM T WHERE b = 1234567890123456789"})

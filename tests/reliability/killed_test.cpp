@@ -1,178 +1,14 @@
+#include "killed.h"
+
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <map>
-
-#include "core/classLog.h"
-#include "core/state.h"
-#include "database/addressDetails.h"
-#include "database/events.h"
-#include "database/lifecycle.h"
-#include "database/settings.h"
 #include "platform/files.h"
 #include "platform/host.h"
 #include "platform/registry.h"
-#include "server/mdlCorvaneDatabase.h"
-#include "support/killHarness.h"
-#include "support/scriptedPrompts.h"
 
 namespace {
 
-namespace fs = std::filesystem;
-using platform::BoxAnswer;
-using platform::BoxButtons;
-using platform::BoxIcon;
-using support::KilledOperation;
-using support::TemporaryHost;
-
-constexpr long eventKey = 10;
-constexpr char eventName[] = "Backup (17)";
-
-std::string one(const fs::path& database, const std::string& statement) {
-    const auto rows = support::query(database, statement);
-    return rows.size() == 1 ? rows.front() : "(" + std::to_string(rows.size()) + " rows)";
-}
-
-std::string lookUp(const std::map<std::string, std::string>& allowed, const std::string& state) {
-    const auto found = allowed.find(state);
-    if (found == allowed.end())
-        std::printf("found: %s\n", state.c_str());
-    return found == allowed.end() ? std::string() : found->second;
-}
-
-// The database's part of the start-up, in its order.
-void startUp() {
-    mdlDatabase::openDatabase();
-    mdlDatabase::upgradeDatabase();
-    mdlCorvaneDatabase::openCorvaneDB(core::gCorvaneDb);
-    core::gIgnoreEventKey = mdlDatabase::getIgnoreEventKey();
-    mdlDatabase::rebuildAddressDetailsTable();
-    mdlDatabase::makeInitialDatabaseChanges();
-}
-
-void prepareHost(TemporaryHost& host) {
-    host.setRegistry(core::productRegistryKey, "DatabasePath", host.databaseFolder().string());
-    host.makeDirectory({"CREATE TABLE GlobalSubscriber(DisplayName, DirectoryId, DtmfAccessId)",
-                        "CREATE TABLE DistributionList(DisplayName, DirectoryId)"});
-}
-
-// A database with one active event that has contents, devices and a last notification.
-void prepareEvent(TemporaryHost& host) {
-    prepareHost(host);
-    fs::copy_file(host.databaseFolder() / "QLNDB_FRESH.MDB", host.databaseFile());
-    support::run(host.databaseFile(),
-                 "UPDATE Configuration SET Value = '0' WHERE Setting = 'WarnOnDuplicateMonitoredEvents';"
-                 "INSERT INTO Events VALUES(10, 'Backup', 17, 'old', 1, -1, 0, '2026-01-02 03:04:05');"
-                 "INSERT INTO Contents VALUES(10, 1, 'old.wav', 0, 'old', 'old');"
-                 "INSERT INTO Contents VALUES(10, 3, NULL, 0, 'old', 'old');"
-                 "INSERT INTO EventDevice VALUES(10, 1, -1), (10, 2, -1);");
-}
-
-void changeEvent() {
-    mdlDatabase::modifyEvent({eventKey, "Backup", "18", "new", 2, true, {"new.wav", 2, "new", "new", 1}});
-}
-
-void addEvent() {
-    EXPECT_GT(mdlDatabase::addNewEvent({"Cluster", "5", "added", 4, {"a.wav", 1, "s", "n", 1}}), eventKey);
-}
-
-void deleteEvent() {
-    support::ScriptedPrompts prompts;
-    prompts.expect({std::string("Are your sure you want to delete event: ") + eventName,
-                    "Delete Selected Event?", BoxIcon::question, BoxButtons::yesNo},
-                   BoxAnswer::yes);
-    EXPECT_TRUE(mdlDatabase::deleteEvent(eventKey, eventName));
-}
-
-constexpr char prepared[] = "10";
-constexpr char added[] = "(SELECT max(EventKey) FROM Events WHERE EventKey > 10)";
-
-// Title, activity and whether it was never notified; content rows with their subjects; number of devices.
-std::string eventState(const TemporaryHost& host, const std::string& key) {
-    return one(host.databaseFile(),
-               "SELECT coalesce((SELECT EventTitle || ',' || EventActive || ',' || (EventLastNotification "
-               "IS NULL) FROM Events WHERE EventKey = " +
-                   key +
-                   "), '') || '|' || coalesce((SELECT group_concat(ContentType || ContentSubject) FROM "
-                   "Contents WHERE EventKey = " +
-                   key + "), '') || '|' || (SELECT count(*) FROM EventDevice WHERE EventKey = " + key + ")");
-}
-
-TEST(Killed, AddingAnEvent) {
-    support::killRepeatedly(
-        {"add", prepareEvent, mdlDatabase::openDatabase, addEvent,
-         [](const TemporaryHost& host) {
-             return lookUp({{"||0", "nothing"},
-                            {"added,0,1||0", "inactive event"},
-                            {"added,0,1|1s|0", "inactive event, voice content"},
-                            {"added,0,1|1s,3s|0", "inactive event, both contents"}},
-                           eventState(host, added));
-         },
-         [] {
-             startUp();
-             addEvent();
-         },
-         [](const TemporaryHost& host) {
-             EXPECT_EQ(eventState(host, added), "added,0,1|1s,3s|0");
-             EXPECT_EQ(one(host.databaseFile(), "SELECT min(EventActive) FROM Events WHERE EventKey > 10"),
-                       "0")
-                 << "what a kill left half-made stays inactive";
-         }});
-}
-
-TEST(Killed, ModifyingAnEvent) {
-    support::killRepeatedly(
-        {"modify", prepareEvent, mdlDatabase::openDatabase, changeEvent,
-         [](const TemporaryHost& host) {
-             return lookUp({{"old,-1,0|1old,3old|2", "nothing"},
-                            {"new,-1,1|1old,3old|2", "event"},
-                            {"new,-1,1|1new,3old|2", "event, voice content"},
-                            {"new,-1,1|1new,3new|2", "event, both contents"}},
-                           eventState(host, prepared));
-         },
-         [] {
-             startUp();
-             changeEvent();
-         },
-         [](const TemporaryHost& host) { EXPECT_EQ(eventState(host, prepared), "new,-1,1|1new,3new|2"); }});
-}
-
-TEST(Killed, DeletingAnEvent) {
-    support::killRepeatedly(
-        {"delete", prepareEvent, mdlDatabase::openDatabase, deleteEvent,
-         [](const TemporaryHost& host) {
-             return lookUp({{"old,-1,0|1old,3old|2", "nothing"},
-                            {"old,-1,0||2", "contents"},
-                            {"old,-1,0||0", "contents, devices"},
-                            {"||0", "contents, devices, event"}},
-                           eventState(host, prepared));
-         },
-         [] {
-             startUp();
-             deleteEvent();
-         },
-         [](const TemporaryHost& host) { EXPECT_EQ(eventState(host, prepared), "||0"); }});
-}
-
-TEST(Killed, ActivatingAnEvent) {
-    const auto activate = [] { mdlDatabase::setEventActiveState(eventKey, true); };
-    support::killRepeatedly(
-        {"activate",
-         [](TemporaryHost& host) {
-             prepareEvent(host);
-             support::run(host.databaseFile(), "UPDATE Events SET EventActive = 0 WHERE EventKey = 10");
-         },
-         mdlDatabase::openDatabase, activate,
-         [](const TemporaryHost& host) {
-             return lookUp({{"old,0,0|1old,3old|2", "nothing"}, {"old,-1,1|1old,3old|2", "active"}},
-                           eventState(host, prepared));
-         },
-         [activate] {
-             startUp();
-             activate();
-         },
-         [](const TemporaryHost& host) { EXPECT_EQ(eventState(host, prepared), "old,-1,1|1old,3old|2"); }});
-}
+using namespace killed;
 
 // A first start on a template of the old shape: copy, upgrade, derived table, settings.
 constexpr int exclusionCount = 8;
@@ -267,7 +103,7 @@ TEST(Killed, StartingUpWithTheUpgrade) {
 
 // A database of some pages, and an older backup.
 void prepareBackup(TemporaryHost& host) {
-    prepareEvent(host);
+    prepareDatabase(host, "");
     const auto backup = host.databaseFolder() / "QLNDB_BKP.MDB";
     fs::copy_file(host.databaseFile(), backup);
     support::run(host.databaseFile(),

@@ -51,6 +51,7 @@ TEST_F(TestEvent, PutsTheRecipientsDevicesOnTheHiddenEventAndWritesTheEvent) {
     ASSERT_EQ(events.size(), 1U);
     EXPECT_EQ(events[0].source, "QLNTest");
     EXPECT_EQ(events[0].id, 10001U);
+    EXPECT_EQ(events[0].type, 4U) << "informational, as the question says";
     EXPECT_FALSE(events[0].computer.empty());
     EXPECT_EQ(host.countInLog("ERROR"), 0);
 }

@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 using std::chrono::steady_clock;
 using Microseconds = std::chrono::microseconds;
 
-constexpr long defaultKills = 20;
+constexpr long defaultKills = 10;
 constexpr long defaultSeed = 3'141'592;
 constexpr int measuredRuns = 5;
 // A run that was over before its kill came does not count; so many of them would mean a wrong measure.

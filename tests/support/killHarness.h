@@ -25,7 +25,7 @@ struct KilledOperation {
     std::function<void(const TemporaryHost&)> afterwards;
 };
 
-// Kills the operation as often as the environment variable QLN_KILLS says, 20 times without it, on a host
+// Kills the operation as often as the environment variable QLN_KILLS says, 10 times without it, on a host
 // of its own each time, at a moment drawn from the measured time of a run that nobody killed. After each
 // kill every database of the host has to pass the integrity check, and so on as the row says. Prints how
 // often each allowed state came out. The seed, from QLN_SEED or fixed, stands in every failure.

@@ -12,10 +12,8 @@
 #include "core/modLocalize.h"
 #include "core/state.h"
 #include "database/settings.h"
-#include "host/sqliteFile.h"
 #include "host/textViewer/textWindow.h"
 #include "host/viewer/texts.h"
-#include "platform/registry.h"
 #include "tour/chapters.h"
 #include "tour/hands.h"
 #include "tour/keyboard.h"
@@ -42,29 +40,20 @@ void playOptions(const Play& play) {
     chooseMenu(play.window, {"mnuFile", "mnuOptions"});
 }
 
-// A database of the legacy notifier with one event of this server and one of another.
-void leaveLegacyEvents(const Play& play) {
-    const std::filesystem::path folder = play.root / "Kesn";
-    std::filesystem::create_directories(folder);
-    host::SqliteFile(folder / "KESN.MDB", true)
-        .run(
-            "CREATE TABLE Properties(PropName TEXT(50), PropVal TEXT(255), Key LONG);"
-            "INSERT INTO Properties VALUES('Source', 'MeridaneCorvane_License', 1), ('EventId', '1003', 1), "
-            "('Source', 'RetiredGateway', 2), ('EventId', '12', 2)");
-    const std::string key = "HKEY_LOCAL_MACHINE\\Software\\Tessaly\\Kesn";
-    platform::registry().createKey(key);
-    platform::registry().setValue(key, "DataPath", folder.string());
-}
-
+// The legacy notifier of the demonstration host: its service is at work, one of its sources is gone, and one
+// event is there twice.
 void playImport(const Play& play) {
-    leaveLegacyEvents(play);
     const std::size_t before = play.tree().childKeys("keyMonitoredEvents").size();
     expectBox(play.script, 1245, QMessageBox::Yes, "import-question");
+    expectBox(play.script, 1280, QMessageBox::Yes, "import-legacy-service");
     // A title that is the same in every language.
     expectBox(
         play.script, [] { return QString("Invalid Source"); }, QMessageBox::Ok, "import-unknown-source");
+    expectBox(play.script, 1190, QMessageBox::No, "import-duplicate");
     chooseMenu(play.window, {"mnuFile", "mnuImportEvents"});
-    insist(play.tree().childKeys("keyMonitoredEvents").size() == before + 1, "the event is not imported");
+    constexpr std::size_t usable = 3;
+    insist(play.tree().childKeys("keyMonitoredEvents").size() == before + usable,
+           "the legacy events are not imported");
     takePicture("imported");
 }
 

@@ -174,6 +174,20 @@ TEST_F(EventDialog, IsNamedReachableByKeyboardAndClosesWithABlankSubject) {
     });
 }
 
+TEST_F(EventDialog, OpensTheEventViewerMaximizedAndStaysOpen) {
+    const auto seen = host.root() / "seen";
+    platform::files::writeFile(host.programFolder() / "EventVwr",
+                               "#!/bin/sh\nprintf '%s' \"$#$QLN_WINDOW\" > '" + seen.string() +
+                                   ".new'\nmv '" + seen.string() + ".new' '" + seen.string() + "'\n",
+                               0700);
+    work([&] {
+        QTest::mouseClick(&find<QPushButton>("cmdOpenEventViewer"), Qt::LeftButton);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return platform::files::fileExists(seen); }));
+        EXPECT_EQ(platform::files::readFile(seen), "0maximized");
+        EXPECT_TRUE(dialog.isVisible());
+    });
+}
+
 TEST_F(EventDialog, EnterDoesNotCarryABlankSubjectPastItsQuestion) {
     work([&] {
         find<QComboBox>("comboEventSource").setCurrentIndex(0);

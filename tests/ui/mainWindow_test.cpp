@@ -6,6 +6,7 @@
 #include <QComboBox>
 #include <QFrame>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMouseEvent>
@@ -273,6 +274,12 @@ TEST_F(MainWindow, DoubleClickOpensTheEventAndThePopupAddsOneAfterItClosed) {
     QTest::mouseClick(tree->viewport(), Qt::RightButton, {}, placeOf("keyMonitoredEvents"));
     EXPECT_TRUE(script.finished());
     EXPECT_EQ(tree->selectedKey(), "keyMonitoredEvents");
+    // An empty spot chooses nothing and shows the popup of the last node.
+    script.expectMenu("mnuPopupAddEvent");
+    script.expect("dlgEvent", [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    QTest::mouseClick(tree->viewport(), Qt::RightButton, {}, QPoint(10, tree->viewport()->height() - 2));
+    EXPECT_TRUE(script.finished());
+    EXPECT_EQ(tree->selectedKey(), "keyMonitoredEvents");
 }
 
 TEST_F(MainWindow, ShowsRowsThatLackAValue) {
@@ -339,6 +346,44 @@ TEST_F(MainWindow, HoverTipTellsAnEventsHealth) {
             std::to_string(key) + ", 1, -1);");
     mdlDatabase::setEventActiveState(key, true);
     EXPECT_EQ(window->constructNavigationToolTip(node), "nightly\n" + dashes + "\nEvent: Active");
+}
+
+TEST_F(MainWindow, HoverTipFollowsThePointerByTheNodesText) {
+    for (const char* title : {"first", "second"})
+        support::run(host.databaseFile(),
+                     "INSERT INTO Events(EventSource, EventId, EventTitle) "
+                     "VALUES('Backup', 17, '" +
+                         std::string(title) + "')");
+    support::run(host.databaseFile(), "INSERT INTO Recipients(RecipientName) VALUES('Ana')");
+    open();
+    const auto* tip = find<QLabel>("tooltip");
+    const auto rest = [&](const char* text, int which) {
+        const auto nodes = tree->findItems(text, Qt::MatchExactly | Qt::MatchRecursive);
+        QTest::mouseMove(tree->viewport(), tree->visualItemRect(nodes.at(which)).center());
+        return QTest::qWaitFor([&] { return tip->isVisible(); }, 1500) ? tip->text().section('\n', 0, 0)
+                                                                       : QString();
+    };
+    EXPECT_EQ(rest("Exclusions", 0), "Exclusions");
+    EXPECT_EQ(rest("Backup (17)", 0), "first");
+    EXPECT_EQ(rest("Backup (17)", 1), "first") << "nodes of equal text share the earlier tip";
+    EXPECT_EQ(rest("Ana", 0), "") << "a recipient has no tip";
+}
+
+TEST_F(MainWindow, ExitLosesUnsavedEditsWithoutAQuestionAndTakesTheOtherWindowsAlong) {
+    const long key = add("Backup", "17", "nightly");
+    open();
+    clickNode("EventKey-" + std::to_string(key));
+    find<QLineEdit>("txtEventTitle")->setText("unsaved");
+    QWidget other;
+    other.show();
+    std::string order;
+    QObject::connect(window.get(), &frmMain::finalExitRequested, window.get(), [&] {
+        order =
+            std::string(window->isVisible() ? "open" : "closed") + (other.isVisible() ? " open" : " closed");
+    });
+    find<QAction>("mnuExit")->trigger();
+    EXPECT_EQ(order, "closed closed");
+    EXPECT_EQ(value("SELECT EventTitle FROM Events WHERE EventKey = " + std::to_string(key)), "nightly");
 }
 
 TEST_F(MainWindow, PopupsAndDeleteFollowTheNodesType) {

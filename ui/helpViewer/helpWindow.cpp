@@ -1,5 +1,6 @@
 #include "ui/helpViewer/helpWindow.h"
 
+#include <QCoreApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -23,9 +24,9 @@ namespace ui {
 
 namespace {
 
-constexpr int firstWidth = 940;  // pixels
+constexpr int firstWidth = 970;  // pixels
 constexpr int firstHeight = 680;
-constexpr int sidebarWidth = 345;
+constexpr int sidebarWidth = 350;
 constexpr int pageRole = Qt::UserRole;
 
 QStringList wordsOf(const QString& text) {
@@ -75,7 +76,7 @@ void HelpWindow::createSidebar() {
     connect(contents_, &QTreeWidget::itemActivated, this, openEntry);
 
     indexFilter_ = makeControl<QLineEdit>(this, "helpIndexFilter");
-    indexFilter_->setPlaceholderText("A part of the entry");
+    indexFilter_->setPlaceholderText(plainCaption(text(1258)));
     indexFilter_->setClearButtonEnabled(true);
     index_ = makeControl<QListWidget>(this, "helpIndex");
     connect(indexFilter_, &QLineEdit::textChanged, this, [this](const QString& text) {
@@ -88,7 +89,7 @@ void HelpWindow::createSidebar() {
             [this](QListWidgetItem* item) { showPage(toUtf8(item->data(pageRole).toString())); });
 
     searchText_ = makeControl<QLineEdit>(this, "helpSearch");
-    searchText_->setPlaceholderText("Words to look for");
+    searchText_->setPlaceholderText(plainCaption(text(1258)));
     searchText_->setClearButtonEnabled(true);
     hits_ = makeControl<QListWidget>(this, "helpHits");
     connect(searchText_, &QLineEdit::textChanged, this, &HelpWindow::search);
@@ -110,9 +111,12 @@ void HelpWindow::createActions() {
         action->setShortcut(keys);
         return action;
     };
-    back_ = add("helpBack", "Back", QStyle::SP_ArrowBack, QKeySequence(Qt::ALT | Qt::Key_Left));
-    forward_ = add("helpForward", "Forward", QStyle::SP_ArrowForward, QKeySequence(Qt::ALT | Qt::Key_Right));
-    home_ = add("helpHome", "Start", QStyle::SP_DirHomeIcon, QKeySequence(Qt::ALT | Qt::Key_Home));
+    // Words that the toolkit has for keys of this kind, in the console's language.
+    const auto word = [](const char* english) { return QCoreApplication::translate("QShortcut", english); };
+    back_ = add("helpBack", word("Back"), QStyle::SP_ArrowBack, QKeySequence(Qt::ALT | Qt::Key_Left));
+    forward_ =
+        add("helpForward", word("Forward"), QStyle::SP_ArrowForward, QKeySequence(Qt::ALT | Qt::Key_Right));
+    home_ = add("helpHome", word("Home Page"), QStyle::SP_DirHomeIcon, QKeySequence(Qt::ALT | Qt::Key_Home));
     back_->setEnabled(false);
     forward_->setEnabled(false);
     connect(back_, &QAction::triggered, pages_, &QTextBrowser::backward);

@@ -1,0 +1,21 @@
+// The log of a service: a text file to which each line goes with the moment of its writing.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace service {
+
+class ServiceLog {
+  public:
+    // Keeps a line, or several joined by a line feed, for the next flush.
+    void add(std::string_view text);
+    // Writes what was kept to the end of `file`, creating it; an empty name means that no log is wanted. What
+    // was kept is forgotten either way. Raises platform::Failure.
+    void flush(const std::string& file);
+
+  private:
+    std::string kept_;
+};
+
+}  // namespace service

@@ -1,0 +1,19 @@
+// What a service does while it runs.
+#pragma once
+
+#include <chrono>
+
+namespace service {
+
+class Work {
+  public:
+    virtual ~Work() = default;
+    // Comes before the service reports that it runs. Raises platform::Failure.
+    virtual void begin() {}
+    // One look; gives the time until the next one. Raises platform::Failure: the look is made again later.
+    virtual std::chrono::milliseconds look() = 0;
+    // Comes when the service is told to stop. Raises platform::Failure.
+    virtual void end() {}
+};
+
+}  // namespace service

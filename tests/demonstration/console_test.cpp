@@ -1,0 +1,251 @@
+// The console on a demonstration host, beside the real programs of both services: what it imports from the
+// legacy notifier, what of its test reaches the service, and the service's log.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <QAction>
+#include <QPushButton>
+#include <QtTest/QTest>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+#include "app/mdlMain.h"
+#include "core/state.h"
+#include "database/settings.h"
+#include "platform/files.h"
+#include "platform/host.h"
+#include "platform/serviceManager.h"
+#include "server/serviceControl.h"
+#include "support/scriptedPrompts.h"
+#include "support/serviceHost.h"
+#include "ui/frmMain.h"
+#include "ui/widgets/keyedTree.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+using platform::BoxAnswer;
+using platform::BoxButtons;
+using platform::BoxIcon;
+
+class Demonstration : public ::testing::Test {
+  protected:
+    Demonstration() {
+        qlnhost("create " + host.root().string() + " --subscribers 5");
+        host.setRegistry("SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service",
+                         "ServicePollingPause", 2u);
+        EXPECT_EQ(qlnhost("services start HbQlnSvc"), "");
+        mdlMain::Main(station);
+    }
+    // What runs is told to stop, as anybody would.
+    ~Demonstration() override {
+        delete gMainWindow;
+        for (const std::string& name : platform::serviceNames())
+            mdlUtility::myStopService(name);
+    }
+
+    std::string qlnhost(const std::string& arguments) {
+        const std::string command =
+            std::string(QLNHOST_PROGRAM) + " --host " + host.root().string() + " " + arguments + " 2>&1";
+        FILE* pipe = popen(command.c_str(), "r");
+        std::string text;
+        std::array<char, 4096> piece{};
+        while (const std::size_t size = fread(piece.data(), 1, piece.size(), pipe))
+            text.append(piece.data(), size);
+        EXPECT_EQ(pclose(pipe), 0) << text;
+        return text;
+    }
+    void choose(const char* entry) { gMainWindow->findChild<QAction*>(entry)->trigger(); }
+    void expectQuestion(const std::string& text, const std::string& title, BoxAnswer answer) {
+        prompts.expect({text, title, BoxIcon::question, BoxButtons::yesNo}, answer);
+    }
+    Lines rows(const std::string& statement) { return support::query(host.databaseFile(), statement); }
+    static Lines linesOf(const fs::path& file) {
+        Lines lines;
+        std::ifstream stream(file);
+        for (std::string line; std::getline(stream, line);)
+            lines.push_back(line.substr(line.find("  ") + 2));
+        return lines;
+    }
+
+    support::TemporaryHost host;
+    support::FastClock clock;
+    support::ScriptedPrompts prompts;
+    platform::WindowStation station{"QLNAdmin"};
+};
+
+class Import : public Demonstration {
+  protected:
+    void expectBoxes(bool serviceRuns, const Lines& duplicates) {
+        expectQuestion(
+            "This will import existing Kestrine Notifier events.\nAre you sure you want to do this?",
+            "Import KTN Events", BoxAnswer::yes);
+        if (serviceRuns)
+            expectQuestion(
+                "The TsKESN service must be stopped inorder to import KTN events.\n"
+                "Do you want the QLN to stop the service now?",
+                "TsKESN Service Running", BoxAnswer::yes);
+        for (const std::string& event : duplicates)
+            if (event.empty())
+                prompts.expect(
+                    {"Event Source: KESN_TapeRobot is not a valid source on this server.  This entry will "
+                     "not be imported.\nEntry - KESN_TapeRobot 9",
+                     "Invalid Source", BoxIcon::information, BoxButtons::ok},
+                    BoxAnswer::ok);
+            else
+                expectQuestion("A duplicate of this event source and id was found.\nEvent Source: " + event +
+                                   "\n\nAre you sure you want to create this event?",
+                               "Duplicate Monitored Event", BoxAnswer::no);
+    }
+    std::string legacyState() {
+        const std::string services = qlnhost("services");
+        return services.substr(services.find("TsKesnSvr"));
+    }
+};
+
+TEST_F(Import, StopsTheRunningLegacyServiceAndBringsItsEventsOver) {
+    const fs::path folder = host.root() / "HubServer" / "Kesn";
+    const std::string legacy = platform::files::readFile(folder / "KESN.MDB");
+    EXPECT_FALSE(fs::exists(platform::host::menuFolder() / "Corvane" / "KTN Utility.desktop"));
+    EXPECT_EQ(legacyState(), "TsKesnSvr        running\n");
+
+    expectBoxes(true, {"", "MeridaneCorvane_CallMgr   Event Id:412"});
+    choose("mnuImportEvents");
+    EXPECT_TRUE(prompts.finished());
+    EXPECT_EQ(legacyState(), "TsKesnSvr        stopped\n");
+    EXPECT_EQ(linesOf(folder / "TsKesnSvr.log"),
+              (Lines{"TsKESN started", "Events in KESN.MDB: 6", "TsKESN stopped"}));
+    const Lines imported{"MeridaneCorvane_CallMgr|412|0", "MeridaneCorvane_AudioText|-1|0", "DiskQuota|36|0"};
+    EXPECT_EQ(
+        rows("SELECT EventSource, EventId, EventActive FROM Events WHERE EventTitle = 'Imported from KESN "
+             "service' ORDER BY EventKey"),
+        imported);
+    EXPECT_EQ(gMainWindow->tvNavigation->nodeText(
+                  "EventKey-" + rows("SELECT EventKey FROM Events WHERE EventId = 36").at(0)),
+              "DiskQuota (36)");
+    EXPECT_GE(host.countInLog("ERROR:("), 1) << "the entry without an id is told in the log alone";
+
+    expectBoxes(false, {"MeridaneCorvane_CallMgr   Event Id:412", "MeridaneCorvane_AudioText   Event Id:-1",
+                        "DiskQuota   Event Id:36", "", "MeridaneCorvane_CallMgr   Event Id:412"});
+    choose("mnuImportEvents");
+    EXPECT_TRUE(prompts.finished());
+    EXPECT_EQ(rows("SELECT Count(*) FROM Events WHERE EventTitle = 'Imported from KESN service'"),
+              Lines{"3"});
+    EXPECT_EQ(platform::files::readFile(folder / "KESN.MDB"), legacy);
+}
+
+// The legacy service misbehaves by a value of its own key. It ends with its host.
+TEST_F(Import, LeavesALegacyServiceThatDoesNotStop) {
+    mdlUtility::myStopService("tskesnsvr");
+    host.setRegistry("SOFTWARE\\Tessaly\\Kesn", "ServiceBehaviour", std::string("hangInStop"));
+    qlnhost("services start tskesnsvr");
+    expectBoxes(true, {});
+    prompts.expect(
+        {"Unable to stop the TsKESN service, you must manually stop this service and try the import again.",
+         "Cannot Stop TsKESN Service", BoxIcon::critical, BoxButtons::ok},
+        BoxAnswer::ok);
+    choose("mnuImportEvents");
+    EXPECT_TRUE(prompts.finished());
+    EXPECT_EQ(legacyState(), "TsKesnSvr        stop pending\n");
+    EXPECT_EQ(rows("SELECT Count(*) FROM Events"), Lines{"2"});
+    EXPECT_TRUE(mdlUtility::myStopService("hbqlnsvc"));
+}
+
+class ServiceLog : public Demonstration {
+  protected:
+    fs::path file() const { return host.root() / "Service" / "HbQlnSvc.log"; }
+    // The line that begins so and those behind it, once it is there.
+    Lines logFrom(const std::string& beginning) {
+        for (int i = 0; i < 1000; ++i) {
+            const Lines lines = linesOf(file());
+            const auto found =
+                std::ranges::find_if(lines, [&](const auto& line) { return line.starts_with(beginning); });
+            if (found != lines.end())
+                return {found, lines.end()};
+            platform::wait(std::chrono::milliseconds(10));
+        }
+        return {};
+    }
+    // Ids of the processes that run the host's text viewer on the file.
+    std::vector<int> viewers() const {
+        std::vector<int> found;
+        for (const auto& entry : fs::directory_iterator("/proc")) {
+            std::ifstream stream(entry.path() / "cmdline");
+            const std::string words{std::istreambuf_iterator<char>(stream), {}};
+            if (words.ends_with(std::string("notepad") + '\0' + file().string() + '\0'))
+                found.push_back(std::stoi(entry.path().filename().string()));
+        }
+        return found;
+    }
+};
+
+TEST_F(ServiceLog, IsWhatTheMenuOpensInTheTextViewer) {
+    EXPECT_EQ(mdlDatabase::getConfigurationSetting("OutputFilePath"), file().string());
+    EXPECT_EQ(logFrom("HbQlnSvc started").size(), 1u);
+    choose("mnuViewCurrentLogFile");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !viewers().empty(); }, 10000));
+    for (const int viewer : viewers())
+        ::kill(viewer, SIGTERM);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return viewers().empty(); }, 10000));
+    EXPECT_EQ(host.countInLog("ERROR", "mnuViewCurrentLogFile_Click", ""), 0);
+}
+
+// The service reads the database as soon as it meets the event, so it finds what was written before that.
+TEST_F(ServiceLog, TellsOfATestThatDevicesContentAndStateWereThereBeforeTheEvent) {
+    const std::string hidden = std::to_string(core::gIgnoreEventKey);
+    support::run(
+        host.databaseFile(),
+        "INSERT INTO Recipients VALUES (1, 'Night shift', -1), (2, 'Day shift', -1);"
+        "INSERT INTO Device VALUES (1, 1, 'DIR-7', -1), (2, 4, 'night@example.org', -1), (3, 4, 'day@x', -1);"
+        "INSERT INTO DeviceRecipient VALUES (1, 1), (2, 1), (3, 2);"
+        // What an earlier test and another hand have left.
+        "UPDATE Events SET EventActive = 0 WHERE EventKey = " +
+            hidden +
+            "; UPDATE Contents SET ContentAttachment = 'old.wav', ContentSubject = 'old', ContentNote = "
+            "'old' "
+            "WHERE EventKey = " +
+            hidden + "; INSERT INTO EventDevice VALUES (" + hidden + ", 3, -1);");
+    EXPECT_EQ(logFrom("HbQlnSvc started").size(), 1u);
+    gMainWindow->loadNavigationTree({}, 1);
+    auto* test = gMainWindow->findChild<QPushButton*>("cmdTestNotification");
+    ASSERT_TRUE(test->isVisible() && test->isEnabled());
+    const std::string question =
+        "This will create an informational event log message and attempt notification for all of this "
+        "recipients "
+        "devices.\nDo you want to perform the test?";
+    expectQuestion(question, "Test notification for this recipient", BoxAnswer::no);
+    QTest::mouseClick(test, Qt::LeftButton);
+    expectQuestion(question, "Test notification for this recipient", BoxAnswer::yes);
+    QTest::mouseClick(test, Qt::LeftButton);
+    // Nothing is written behind the event: the pause before it is longer than a file's time is coarse.
+    EXPECT_LT(fs::last_write_time(host.databaseFile()),
+              fs::last_write_time(platform::host::eventLogsFolder() / "Application.log"));
+    const Lines told = logFrom("Found");
+    ASSERT_EQ(told.size(), 14u) << "one event, for one answer";
+    EXPECT_EQ(told[0],
+              "Found in the Application log: QLNTest 10001, Information; monitored and active as event " +
+                  hidden + ", \"$$IGNORE\"");
+    EXPECT_EQ(told[1], "    would send to Night shift: voice message QLN_Default_ENU.wav (Normal) to DIR-7");
+    EXPECT_TRUE(
+        told[2].starts_with("    would send to Night shift: e-mail (Normal) to night@example.org: Meridane "
+                            "Corvane server Information event, QLNTest[10001] on "))
+        << told[2];
+    EXPECT_EQ(told[3], "        Event Type:        Information");
+    EXPECT_EQ(told[6], "        Event ID:          10001");
+    EXPECT_EQ(told[13], "        Notes:             $$IGNORE");
+
+    gMainWindow->loadNavigationTree({}, 2);
+    expectQuestion(question, "Test notification for this recipient", BoxAnswer::yes);
+    fs::resize_file(file(), 0);
+    QTest::mouseClick(test, Qt::LeftButton);
+    const Lines second = logFrom("Found");
+    ASSERT_EQ(second.size(), 13u) << "the devices of the first test are gone";
+    EXPECT_TRUE(second[1].starts_with("    would send to Day shift: e-mail (Normal) to day@x: "))
+        << second[1];
+}
+
+}  // namespace
