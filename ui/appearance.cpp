@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QPainter>
 #include <QPalette>
 #include <QProxyStyle>
 #include <QStyleFactory>
@@ -16,6 +17,12 @@ static void initResources() {
 namespace ui {
 
 namespace {
+
+QColor mixture(const QColor& first, const QColor& second, float shareOfSecond) {
+    const auto mixed = [&](float a, float b) { return a + (b - a) * shareOfSecond; };
+    return QColor::fromRgbF(mixed(first.redF(), second.redF()), mixed(first.greenF(), second.greenF()),
+                            mixed(first.blueF(), second.blueF()));
+}
 
 class ConsoleStyle : public QProxyStyle {
   public:
@@ -70,6 +77,32 @@ class ConsoleStyle : public QProxyStyle {
         }
     }
 
+    // A chosen row keeps its icon's own colours: a tint of the highlight would hide the icon on it.
+    QPixmap generatedIconPixmap(QIcon::Mode mode, const QPixmap& pixmap,
+                                const QStyleOption* option) const override {
+        return mode == QIcon::Selected ? pixmap : QProxyStyle::generatedIconPixmap(mode, pixmap, option);
+    }
+
+    // On a dark ground the style's own edges of boxes and options, a shade darker than it, cannot be seen.
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        const bool isOption = element == PE_IndicatorRadioButton;
+        if (!isOption && element != PE_IndicatorCheckBox)
+            return;
+        const QColor ground = option->palette.color(QPalette::Base);
+        const QColor text = option->palette.color(QPalette::Text);
+        if (ground.lightness() >= text.lightness())
+            return;
+        const QRectF edge = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setBrush(Qt::NoBrush);
+        painter->setPen(mixture(ground, text, 0.5F));
+        isOption ? painter->drawEllipse(edge) : painter->drawRect(edge);
+        painter->restore();
+    }
+
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* result) const override {
         // Buttons carry their words alone.
@@ -98,10 +131,7 @@ QColor readableGrey(const QColor& grey, const QColor& text, const QColor& backgr
     constexpr double readable = 4.5;
     constexpr int steps = 20;
     for (int i = 0; i < steps; ++i) {
-        const float share = static_cast<float>(i) / steps;
-        const QColor mixed = QColor::fromRgbF(grey.redF() + (text.redF() - grey.redF()) * share,
-                                              grey.greenF() + (text.greenF() - grey.greenF()) * share,
-                                              grey.blueF() + (text.blueF() - grey.blueF()) * share);
+        const QColor mixed = mixture(grey, text, static_cast<float>(i) / steps);
         if (contrast(mixed, background) >= readable)
             return mixed;
     }

@@ -43,6 +43,8 @@ bool cTooltip::Create(QWidget* owner) {
         tip_->setAutoFillBackground(true);
         tip_->setFrameStyle(QFrame::Box | QFrame::Plain);
         tip_->setLineWidth(1);
+        constexpr int breathing = 4;  // within the margins that a caller sets
+        tip_->setMargin(breathing);
         tip_->setAttribute(Qt::WA_ShowWithoutActivating);
         // The owner would delete its child window before this object is done with it.
         connect(owner, &QObject::destroyed, this, [this] { static_cast<void>(tip_.release()); });

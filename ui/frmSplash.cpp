@@ -1,6 +1,5 @@
 #include "ui/frmSplash.h"
 
-#include <QApplication>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QIcon>
@@ -11,6 +10,7 @@
 #include "core/procedure.h"
 #include "ui/controls.h"
 #include "ui/formFonts.h"
+#include "ui/loadedWindows.h"
 #include "ui/paintingWait.h"
 #include "ui/text.h"
 
@@ -85,7 +85,7 @@ void frmSplash::timerDelay_Timer() {
 
 // Of the window in front, or of the screen while there is none.
 void frmSplash::placeInTheMiddle() {
-    const QWidget* window = QApplication::activeWindow();
+    const QWidget* window = ui::frontWindow();
     const QRect area = window && window != this ? window->frameGeometry() : screen()->availableGeometry();
     move(area.center() - rect().center());
 }

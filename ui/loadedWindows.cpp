@@ -19,6 +19,19 @@ void forEachLoadedWindow(const std::function<void(QWidget&)>& action) {
             action(*window);
 }
 
+QWidget* frontWindow() {
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    if (QWidget* dialog = QApplication::activeModalWidget())
+        return dialog;
+    QWidget* shell = nullptr;
+    forEachLoadedWindow([&](QWidget& window) {
+        if (window.objectName() == "frmMain" && window.isVisible())
+            shell = &window;
+    });
+    return shell;
+}
+
 void callControlInit(QWidget& window) {
     const QByteArray procedure = window.objectName().toLatin1() + "_ControlInit";
     if (window.metaObject()->indexOfMethod(procedure + "()") >= 0)

@@ -15,4 +15,8 @@ void forEachLoadedWindow(const std::function<void(QWidget&)>& action);
 // declares invokable. Does nothing for a window that has none.
 void callControlInit(QWidget& window);
 
+// The window that a box or a notice belongs to: the active one, else the dialog that has the input, else the
+// main window. Between two boxes the system may have no active window for a moment. Null while there is none.
+QWidget* frontWindow();
+
 }  // namespace ui

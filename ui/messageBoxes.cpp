@@ -1,10 +1,12 @@
 #include "ui/messageBoxes.h"
 
-#include <QApplication>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QTreeView>
 
+#include "ui/loadedWindows.h"
 #include "ui/text.h"
 
 namespace ui {
@@ -29,10 +31,22 @@ QMessageBox::Icon iconOf(BoxIcon icon) {
     return QMessageBox::NoIcon;
 }
 
+// Size, kind and date of a file in full; its name has the rest.
+void widenColumns(QFileDialog& window) {
+    constexpr int width = 760;
+    constexpr int height = 460;
+    window.resize(width, height);
+    // A dialog of the desktop's own has no such view.
+    if (const auto* files = window.findChild<QTreeView*>("treeView")) {
+        files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
+}
+
 }  // namespace
 
 BoxAnswer MessageBoxes::messageBox(const MessageBox& box) {
-    QMessageBox window(QApplication::activeWindow());
+    QMessageBox window(frontWindow());
     window.setObjectName("messageBox");
     window.setIcon(iconOf(box.icon));
     window.setWindowTitle(fromUtf8(box.title));
@@ -64,22 +78,24 @@ BoxAnswer MessageBoxes::messageBox(const MessageBox& box) {
 
 std::optional<std::string> MessageBoxes::inputBox(const std::string& text, const std::string& title,
                                                   const std::string& initial) {
-    QInputDialog window(QApplication::activeWindow());
+    QInputDialog window(frontWindow());
     window.setObjectName("inputBox");
     window.setWindowTitle(fromUtf8(title));
     window.setLabelText(fromUtf8(text));
     window.setTextValue(fromUtf8(initial));
+    constexpr int width = 420;  // for a file's name
+    window.resize(width, window.sizeHint().height());
     return window.exec() == QDialog::Accepted ? std::optional(toUtf8(window.textValue())) : std::nullopt;
 }
 
 std::optional<std::string> MessageBoxes::openFile(const FileQuestion& question) {
     // "Audio file (*.wav)|*.wav" names the pattern twice; the first half is all that the dialog needs.
     const QString description = fromUtf8(question.filter).section('|', 0, 0);
-    QFileDialog window(QApplication::activeWindow(), fromUtf8(question.title), fromUtf8(question.folder),
-                       description);
+    QFileDialog window(frontWindow(), fromUtf8(question.title), fromUtf8(question.folder), description);
     window.setObjectName("fileDialog");
     window.setFileMode(QFileDialog::ExistingFile);
     window.setDefaultSuffix(fromUtf8(question.defaultExtension));
+    widenColumns(window);
     if (window.exec() != QDialog::Accepted || window.selectedFiles().isEmpty())
         return std::nullopt;
     return toUtf8(window.selectedFiles().first());

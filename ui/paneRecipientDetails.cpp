@@ -46,6 +46,8 @@ void paneRecipientDetails::createControls() {
     sstabRecipientDevices = new ui::DeviceTabs(ui::DeviceTabs::Place::pane, frameDevices);
     sstabRecipientDevices->setMinimumHeight(lowestTabs);
     sstabRecipientDevices->setMaximumHeight(highestTabs);
+    // The tree of the devices below grows with them.
+    sstabRecipientDevices->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Ignored);
     tvRecipientDevices = ui::makeControl<ui::KeyedTree>(frameDevices, "tvRecipientDevices");
     frameEvents = ui::makeControl<QGroupBox>(this, "frameEvents");
     tvEventsMonitored = ui::makeControl<ui::KeyedTree>(frameEvents, "tvEventsMonitored");
@@ -67,7 +69,7 @@ void paneRecipientDetails::buildLayout() {
     name->addWidget(txtRecipientName, 1);
     name->addWidget(chkRecipientActive);
     auto* devices = new QVBoxLayout(frameDevices);
-    devices->addWidget(sstabRecipientDevices);
+    devices->addWidget(sstabRecipientDevices, 1);
     devices->addWidget(tvRecipientDevices, 1);
     auto* events = new QVBoxLayout(frameEvents);
     events->addWidget(tvEventsMonitored);
@@ -77,7 +79,7 @@ void paneRecipientDetails::buildLayout() {
     auto* parts = new QVBoxLayout(inner);
     parts->setContentsMargins(0, 0, 0, 0);
     parts->addLayout(name);
-    parts->addWidget(frameDevices, 2);
+    parts->addWidget(frameDevices, 4);
     parts->addWidget(frameEvents, 1);
     area->setWidget(inner);
     area->setWidgetResizable(true);

@@ -1,22 +1,24 @@
-// What the tour needs to act like a person: looking at the screen, pointing, and insisting on what it sees.
+// The stage of the tour: pictures of what is on the screen, and insisting on what is seen there.
 #pragma once
 
-#include <QPoint>
 #include <QString>
 #include <QWidget>
 #include <functional>
-#include <string>
 
 namespace tour {
 
-// Folder for the pictures.
-void setPictureFolder(const QString& folder);
+// A dark palette, as a desktop may have; comes before the console's own appearance.
+void darken();
+// Folder for the pictures, and the number of the round, with which their names begin.
+void setPictures(const QString& folder, int round);
 // Writes a picture of all visible windows, as they lie over each other, under the next number.
 void takePicture(const QString& name);
+// Takes a picture of the window with that object name as soon as it is on the screen, once.
+void takePictureWhenShown(const QString& window, const QString& name);
 
 // Ends the tour with exit code 1 and the message unless the condition holds.
 void insist(bool condition, const QString& message);
-// Lets events run until the condition holds, five seconds at most, then insists on it.
+// Lets events run until the condition holds, ten seconds at most, then insists on it.
 void waitFor(const std::function<bool()>& condition, const QString& message);
 
 // A control of the window by its object name; insists that there is one.
@@ -26,10 +28,5 @@ Control& control(QWidget& window, const char* name) {
     insist(found, QString("no control ") + name);
     return *found;
 }
-
-// Types a text key by key; letters outside Latin-1's keys too.
-void type(QWidget& target, const QString& text);
-// Chooses a menu entry of the menu bar by mouse: the names of the menus and of the entry, outermost first.
-void chooseMenu(QWidget& window, const QStringList& names);
 
 }  // namespace tour

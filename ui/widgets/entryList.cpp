@@ -1,17 +1,22 @@
 #include "ui/widgets/entryList.h"
 
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <algorithm>
 
 #include "platform/failure.h"
 #include "ui/text.h"
+#include "ui/widgets/cellTip.h"
 
 namespace ui {
 
 EntryList::EntryList(QWidget* parent) : QListWidget(parent) {
     setSelectionMode(QAbstractItemView::SingleSelection);
     setUniformItemSizes(true);
+    // An address that does not fit is cut and has a tip, so that the few lines need no scroll bar below.
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setTextElideMode(Qt::ElideMiddle);
 }
 
 QListWidgetItem& EntryList::entry(int index) const {
@@ -48,6 +53,12 @@ std::string EntryList::entryText(int index) const {
 int EntryList::chosenEntry() const {
     const QModelIndexList selected = selectionModel()->selectedRows();
     return selected.isEmpty() ? -1 : selected.front().row();
+}
+
+bool EntryList::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::ToolTip && showCutText(*this, *static_cast<QHelpEvent*>(event)))
+        return true;
+    return QListWidget::viewportEvent(event);
 }
 
 void EntryList::mouseReleaseEvent(QMouseEvent* event) {

@@ -28,6 +28,7 @@ class EntryList : public QListWidget {
     void entryClicked(int index);
 
   protected:
+    bool viewportEvent(QEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 

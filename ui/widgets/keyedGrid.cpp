@@ -134,6 +134,7 @@ KeyedGrid::KeyedGrid(QWidget* parent) : QTableWidget(parent) {
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     giveGridLook(*this);
     horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setDefaultAlignment(Qt::AlignCenter | static_cast<Qt::Alignment>(Qt::TextWordWrap));
     horizontalHeader()->setStretchLastSection(true);
     horizontalHeader()->setSectionsClickable(true);
     connect(horizontalHeader(), &QHeaderView::sectionClicked, this, &KeyedGrid::sortBy);
@@ -196,44 +197,77 @@ void KeyedGrid::addRow(const std::vector<Cell>& cells) {
 
 void KeyedGrid::fitColumns() {
     resizeColumnsToContents();
-    constexpr int breathing = 8;
     widths_.assign(columns_.size(), {});
     for (int i = 0; i < columnCount(); ++i)
         if (!isColumnHidden(i))
-            widths_[static_cast<std::size_t>(i)] = {columnWidth(i) + breathing,
-                                                    horizontalHeader()->sectionSizeHint(i)};
+            widths_[static_cast<std::size_t>(i)] = widthOf(i);
     shareWidth();
+}
+
+// Width of a section of the header that shows this text on one line.
+int KeyedGrid::headerWidth(const QString& text) const {
+    constexpr int breathing = 4;
+    return horizontalHeader()->fontMetrics().horizontalAdvance(text) +
+           2 * style()->pixelMetric(QStyle::PM_HeaderMargin) + breathing;
+}
+
+// Of a column that has just been made as wide as its content.
+KeyedGrid::Width KeyedGrid::widthOf(int column) const {
+    constexpr int breathing = 8;
+    Width width{columnWidth(column) + breathing, 0};
+    for (const QString& word : horizontalHeaderItem(column)->text().split(' '))
+        width.header = std::max(width.header, headerWidth(word));
+    return width;
 }
 
 void KeyedGrid::stretchColumn(std::string_view column, int extra) {
     const int wide = columnIndex(column);
     // The last column would take what this one is to get.
     horizontalHeader()->setStretchLastSection(false);
-    shareWidth();
+    shareWidth(wide);
+    // What the columns are too wide lies beyond the right edge; the last one's text stays within.
+    const int last = horizontalHeader()->logicalIndex(columnCount() - 1);
+    if (last != wide)
+        setColumnWidth(last, columnWidth(last) + 2 * extra);
     int others = 0;
     for (int i = 0; i < columnCount(); ++i)
         others += i == wide ? 0 : columnWidth(i);
     setColumnWidth(wide, width() - others + extra);
+    fitHeader();
 }
 
 // Columns get what their content wants as long as that fits. Where it does not, the widest give way first,
-// down to their headers, so that every column stays in sight; what is cut off then is in the cell's tip.
-void KeyedGrid::shareWidth() {
+// down to the longest words of their headers, so that every column stays in sight; what is cut off then is in
+// the cell's tip. One column, if given, does not give way.
+void KeyedGrid::shareWidth(int unlimited) {
     if (widths_.size() != columns_.size())
         return;
-    const auto share = [](const Width& width, int limit) {
-        return std::max(width.header, std::min(width.content, limit));
+    const auto share = [&](int column, int limit) {
+        const Width& width = widths_[static_cast<std::size_t>(column)];
+        return column == unlimited ? width.content : std::max(width.header, std::min(width.content, limit));
     };
     int limit = viewport()->width();
     int total = 0;
     do {
         total = 0;
-        for (const Width& width : widths_)
-            total += share(width, limit);
+        for (int i = 0; i < columnCount(); ++i)
+            total += share(i, limit);
     } while (total > viewport()->width() && --limit > 0);
     for (int i = 0; i < columnCount(); ++i)
         if (!isColumnHidden(i))
-            setColumnWidth(i, share(widths_[static_cast<std::size_t>(i)], limit));
+            setColumnWidth(i, share(i, limit));
+    fitHeader();
+}
+
+// As high as its texts need: those that are wider than their column go on in a second line.
+void KeyedGrid::fitHeader() {
+    constexpr int margins = 6;
+    QHeaderView& header = *horizontalHeader();
+    int lines = 1;
+    for (int i = 0; i < columnCount(); ++i)
+        if (!isColumnHidden(i) && columnWidth(i) < headerWidth(horizontalHeaderItem(i)->text()))
+            lines = 2;
+    header.setFixedHeight(lines * header.fontMetrics().lineSpacing() + margins);
 }
 
 void KeyedGrid::resizeEvent(QResizeEvent* event) {

@@ -83,17 +83,21 @@ class KeyedGrid : public QTableWidget {
     bool viewportEvent(QEvent* event) override;
 
   private:
+    struct Width {
+        int content = 0;  // what the widest cell and the header on one line want
+        int header = 0;   // what the longest word of the header wants
+    };
+
     int columnIndex(std::string_view column) const;
     QTableWidgetItem& cell(int gridRow, std::string_view column) const;
     void sortBy(int column);
-    void shareWidth();
+    int headerWidth(const QString& text) const;
+    Width widthOf(int column) const;
+    void shareWidth(int unlimited = -1);
+    void fitHeader();
     QAbstractItemDelegate* delegateFor(const Column& column);
 
     std::vector<Column> columns_;
-    struct Width {
-        int content = 0;  // what the widest cell and the header want
-        int header = 0;   // what the header alone wants
-    };
     std::vector<Width> widths_;
     static constexpr int notFilling = -1;
     int filled_ = notFilling;  // rows that hold something, during a fill

@@ -61,19 +61,23 @@ RowGrid::~RowGrid() {
 }
 
 void RowGrid::setRows(std::vector<Row> rows) {
+    constexpr int breathing = 8;
     rows_->replace(std::move(rows));
+    // A last column that was stretched before must not count with that width.
+    horizontalHeader()->setStretchLastSection(false);
     resizeColumnsToContents();
+    for (int i = 0; i < rows_->columnCount(); ++i)
+        setColumnWidth(i, columnWidth(i) + breathing);
     giveWay();
+    horizontalHeader()->setStretchLastSection(true);
 }
 
 // The widest column gives way where not all fit, so that each stays in sight.
 void RowGrid::giveWay() {
     constexpr int narrowest = 80;
-    const int last = rows_->columnCount() - 1;
-    // The last column takes what is left and shall have what it needs.
-    int total = sizeHintForColumn(last) + 2 * frameWidth() + verticalScrollBar()->sizeHint().width();
+    int total = 2 * frameWidth() + verticalScrollBar()->sizeHint().width();
     int widest = 0;
-    for (int i = 0; i < last; ++i) {
+    for (int i = 0; i < rows_->columnCount(); ++i) {
         total += columnWidth(i);
         if (columnWidth(i) > columnWidth(widest))
             widest = i;

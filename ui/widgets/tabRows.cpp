@@ -36,6 +36,9 @@ class TabButton : public QAbstractButton {
         return {text.width() + 2 * margin, text.height() + margin};
     }
 
+    // A long caption takes its column's width from the others.
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
   protected:
     void paintEvent(QPaintEvent*) override {
         QStyleOptionTab option;
