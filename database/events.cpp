@@ -152,10 +152,9 @@ void modifyEvent(const ModifiedEvent& event) {
 
 bool deleteEvent(long eventKey, std::string_view eventName) {
     return core::procedure(module, "deleteEvent", false, [&](Frame& frame, bool& deleted) {
-        Recordset row;
+        Recordset row = getEvent(eventKey);
         bool catchAll = false;
-        frame.step([&] { row = openForReading(eventQuery("*", eventKey)); });
-        frame.step([&] { catchAll = !row.EOF_() && row.boolean("EventCollection"); });
+        frame.step([&] { catchAll = row.boolean("EventCollection"); });
         if (catchAll) {
             platform::prompts().messageBox(
                 {myLoadResString(1248), myLoadResString(1249), BoxIcon::information});
