@@ -1,5 +1,5 @@
-// Measures everything and prints the table. Usage: qln_bench [GROUP...], the groups being start, tree, log
-// and recordset; all by default. Needs an X display for the first.
+// Measures everything and prints the table. Usage: qln_bench [GROUP...], the groups being start, windows,
+// log and recordset; all by default. Needs an X display for the first.
 
 #include <QApplication>
 #include <algorithm>
@@ -27,8 +27,10 @@ int main(int argc, char** argv) {
     bench::Table table;
     if (wanted("start"))
         bench::startRows(table, fresh(disk, "start"));
-    if (wanted("tree"))
-        bench::treeRows(table, fresh(disk, "tree"));
+    if (wanted("windows")) {
+        bench::windowRows(table, fresh(disk, "windows"));
+        bench::answerRows(table, fresh(disk, "answers"));
+    }
     if (wanted("log"))
         bench::logRows(table, fresh(disk, "log"));
     if (wanted("recordset")) {

@@ -6,134 +6,27 @@
 // recipients_bench [folder]: the databases are made below the folder, by default in memory. What is written
 // is as durable as the console makes it, so on a disk the rows that write tell of little but the disk, and a
 // rebuild with its 15,000 statements takes minutes.
-#include <sqlite3.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <functional>
 
-#include "core/classLog.h"
-#include "core/state.h"
+#include "bench/largeInstallation.h"
+#include "bench/recipientsPeer.h"
 #include "database/addressDetails.h"
 #include "database/assignment.h"
 #include "database/devices.h"
 #include "database/exclusions.h"
 #include "database/recipients.h"
-#include "host/provision.h"
-#include "platform/host.h"
-#include "recipientsPeer.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace mdlDatabase;
-using bench::Peer;
+using namespace bench;
 
 constexpr int rounds = 7;
-constexpr long recipientCount = 5000;
-constexpr long deviceCount = 15000;
-constexpr long eventCount = 1000;
-constexpr long assignmentCount = 20000;
-constexpr long subscriberCount = 50000;
-constexpr long listCount = 2000;
-constexpr long bigRecipient = recipientCount;  // has 20 devices
-constexpr long bigFirstDevice = deviceCount - 19;
 constexpr int savesPerRun = 20;
-
-class Workplace {
-  public:
-    explicit Workplace(const fs::path& parent) {
-        std::string pattern = (parent / "recipients-bench-XXXXXX").string();
-        root_ = ::mkdtemp(pattern.data());
-        for (const char* folder : {"Host", "QLNAdmin", "Database"})
-            fs::create_directories(root_ / folder);
-        platform::host::setFolder(root_ / "Host");
-        platform::program::setFile(root_ / "QLNAdmin" / "QLNAdmin");
-        host::createTemplateDatabase(database());
-        fill();
-        core::gDatabase.open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + database().string());
-        core::gCorvaneDb.open("Provider=SQLOLEDB.1;Initial Catalog=CorvaneDb");
-    }
-    ~Workplace() {
-        core::gDatabase.close();
-        core::gCorvaneDb.close();
-        core::resetLog();
-        std::error_code ignored;
-        fs::remove_all(root_, ignored);
-    }
-    Workplace(const Workplace&) = delete;
-    Workplace& operator=(const Workplace&) = delete;
-
-    fs::path database() const { return root_ / "Database" / "QLNDB.MDB"; }
-    fs::path directory() const { return platform::host::directoryDatabase(); }
-    fs::path peerLog() const { return root_ / "peer.LOG"; }
-
-  private:
-    void fill() const {
-        fillDirectory();
-        const auto engine = bench::openBare(database());
-        bench::runBare(engine.get(), "BEGIN");
-        bench::Prepared recipient(engine.get(), "INSERT INTO Recipients VALUES (?1, ?2, ?3)");
-        // One of ten is inactive.
-        for (long key = 1; key <= recipientCount; ++key)
-            recipient.bind(1, key)
-                .bind(2, "Recipient " + std::to_string(key * 7919 % 10007))
-                .bind(3, key % 10 == 0 && key != bigRecipient ? 0L : -1L)
-                .run();
-        fillDevices(engine.get());
-        bench::Prepared event(
-            engine.get(),
-            "INSERT INTO Events(EventSource, EventId, EventTitle, EventType, EventActive) VALUES "
-            "('Source', ?1, 'Event', 1, -1)");
-        for (long count = eventCount - 2; count > 0; --count)
-            event.bind(1, count).run();
-        bench::Prepared assignment(engine.get(), "INSERT INTO EventDevice VALUES (?1, ?2, ?3)");
-        for (long i = 0; i < assignmentCount; ++i)
-            assignment.bind(1, i % eventCount + 1)
-                .bind(2, i * 7919 % deviceCount + 1)
-                .bind(3, i % 3 == 0 ? 0L : -1L)
-                .run();
-        bench::runBare(engine.get(), "COMMIT");
-    }
-    // Voice mail, e-mail and pager for everybody, until 20 devices are left for the last recipient.
-    static void fillDevices(sqlite3* engine) {
-        bench::Prepared device(engine, "INSERT INTO Device VALUES (?1, ?2, ?3, -1)");
-        bench::Prepared link(engine, "INSERT INTO DeviceRecipient VALUES (?1, ?2)");
-        for (long key = 1; key <= deviceCount; ++key) {
-            const bool big = key >= bigFirstDevice;
-            long type = key % 3 + 1;
-            std::string address = type == pager
-                                      ? "555-" + std::to_string(key)
-                                      : "id-" + std::to_string(key * 31 % (subscriberCount + listCount));
-            if (big) {
-                type = key == deviceCount ? syslog : key % 2 == 0 ? pager : smtpAddress;
-                address = "address-" + std::to_string(key);
-            }
-            device.bind(1, key).bind(2, type).bind(3, address).run();
-            link.bind(1, key).bind(2, big ? bigRecipient : (key - 1) / 3 + 1).run();
-        }
-    }
-    void fillDirectory() const {
-        const auto engine = bench::openBare(directory());
-        bench::runBare(
-            engine.get(),
-            "BEGIN; CREATE TABLE GlobalSubscriber(DisplayName TEXT COLLATE NOCASE, DirectoryId TEXT "
-            "COLLATE NOCASE); CREATE TABLE DistributionList(DisplayName TEXT COLLATE NOCASE, DirectoryId "
-            "TEXT COLLATE NOCASE); CREATE INDEX S ON GlobalSubscriber(DirectoryId); CREATE INDEX L ON "
-            "DistributionList(DirectoryId)");
-        bench::Prepared subscriber(engine.get(), "INSERT INTO GlobalSubscriber VALUES (?1, ?2)");
-        bench::Prepared list(engine.get(), "INSERT INTO DistributionList VALUES (?1, ?2)");
-        for (long i = 0; i < subscriberCount + listCount; ++i)
-            (i < subscriberCount ? subscriber : list)
-                .bind(1, "Name " + std::to_string(i))
-                .bind(2, "id-" + std::to_string(i))
-                .run();
-        bench::runBare(engine.get(), "COMMIT");
-    }
-
-    fs::path root_;
-};
 
 using Side = std::function<long()>;
 
@@ -157,9 +50,8 @@ void compare(const std::string& what, long units, const Side& ours, const Side& 
         long peerResult = 0;
         const double ourTime = timed(ours, ourResult);
         const double peerTime = timed(peer, peerResult);
-        if (ourResult != peerResult)
-            bench::stop(what + ": the two sides disagree: " + std::to_string(ourResult) + " and " +
-                        std::to_string(peerResult));
+        insist(ourResult == peerResult, what + ": the two sides disagree: " + std::to_string(ourResult) +
+                                            " and " + std::to_string(peerResult));
         if (round == 0)
             continue;  // warms up
         ourTimes.push_back(ourTime);
@@ -217,7 +109,7 @@ long analyzed(long event) {
 // and adds one, so that he keeps his number of devices.
 class Saves {
   public:
-    explicit Saves(sqlite3* reader)
+    explicit Saves(const Engine& reader)
         : devices_(
               reader,
               "SELECT d.DeviceKey, d.DeviceType, d.DeviceAddress FROM DeviceRecipient l JOIN Device d ON "
@@ -259,14 +151,14 @@ class Saves {
         return record;
     }
 
-    bench::Prepared devices_;
+    Prepared devices_;
     long number_ = 0;
 };
 
 void compareSaves(Peer& peer, const fs::path& database, bool logging) {
     peer.setLogging(logging);
-    const auto reader = bench::openBare(database);
-    Saves saves(reader.get());
+    const Engine reader = openBare(database);
+    Saves saves(reader);
     std::vector<double> ours;
     std::vector<double> theirs;
     for (int round = 0; round <= rounds; ++round) {
@@ -276,8 +168,7 @@ void compareSaves(Peer& peer, const fs::path& database, bool logging) {
             saves.run([](const RecipientRecord& r) { modifyRecipient(bigRecipient, r); }, ourTime);
         const long peerCount =
             saves.run([&](const RecipientRecord& r) { peer.modify(bigRecipient, r); }, peerTime);
-        if (ourCount != 20 || peerCount != 20)
-            bench::stop("modifyRecipient: a device was lost or won");
+        insist(ourCount == 20 && peerCount == 20, "modifyRecipient: a device was lost or won");
         if (round == 0)
             continue;
         ours.push_back(ourTime);
@@ -293,7 +184,7 @@ void compareSaves(Peer& peer, const fs::path& database, bool logging) {
 int main(int argc, char** argv) {
     constexpr char memory[] = "/dev/shm";
     const fs::path usual = fs::is_directory(memory) ? fs::path(memory) : fs::temp_directory_path();
-    const Workplace place(argc > 1 ? fs::path(argv[1]) : usual);
+    const LargeInstallation place(argc > 1 ? fs::path(argv[1]) : usual);
     Peer peer(place.database(), place.directory(), place.peerLog());
     std::printf("what | ours | peer | ratio\n");
     compare(

@@ -1,7 +1,6 @@
 #include "recipientsPeer.h"
 
 #include <fcntl.h>
-#include <sqlite3.h>
 #include <sys/time.h>
 #include <time.h>
 #include <unistd.h>
@@ -9,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 
 #include "database/deviceType.h"
 
@@ -29,89 +27,12 @@ constexpr char recipientsForEventQuery[] =
 
 }  // namespace
 
-void CloseEngine::operator()(sqlite3* handle) const noexcept {
-    sqlite3_close(handle);
-}
-
-void FinalizeStatement::operator()(sqlite3_stmt* statement) const noexcept {
-    sqlite3_finalize(statement);
-}
-
-void stop(const std::string& reason) {
-    std::fprintf(stderr, "%s\n", reason.c_str());
-    std::exit(1);
-}
-
-std::unique_ptr<sqlite3, CloseEngine> openBare(const std::filesystem::path& file) {
-    sqlite3* handle = nullptr;
-    if (sqlite3_open_v2(file.c_str(), &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr) !=
-        SQLITE_OK)
-        stop("cannot open " + file.string());
-    std::unique_ptr<sqlite3, CloseEngine> engine(handle);
-    runBare(handle, "PRAGMA synchronous = FULL; PRAGMA journal_mode = DELETE");
-    return engine;
-}
-
-void runBare(sqlite3* engine, const std::string& statements) {
-    if (sqlite3_exec(engine, statements.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
-        stop(sqlite3_errmsg(engine));
-}
-
-Prepared::Prepared(sqlite3* engine, const std::string& text) {
-    sqlite3_stmt* prepared = nullptr;
-    if (sqlite3_prepare_v2(engine, text.c_str(), -1, &prepared, nullptr) != SQLITE_OK)
-        stop(sqlite3_errmsg(engine));
-    statement_.reset(prepared);
-}
-
-Prepared& Prepared::bind(int parameter, long value) {
-    sqlite3_bind_int64(statement_.get(), parameter, value);
-    return *this;
-}
-
-Prepared& Prepared::bind(int parameter, std::string_view value) {
-    sqlite3_bind_text(statement_.get(), parameter, value.data(), static_cast<int>(value.size()),
-                      SQLITE_TRANSIENT);
-    return *this;
-}
-
-bool Prepared::row() {
-    const int code = sqlite3_step(statement_.get());
-    if (code == SQLITE_ROW)
-        return true;
-    if (code != SQLITE_DONE)
-        stop(sqlite3_errmsg(sqlite3_db_handle(statement_.get())));
-    reset();
-    return false;
-}
-
-void Prepared::run() {
-    while (row()) {
-    }
-}
-
-long Prepared::number(int column) {
-    return static_cast<long>(sqlite3_column_int64(statement_.get(), column));
-}
-
-std::string Prepared::text(int column) {
-    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
-    return bytes
-               ? std::string(bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column)))
-               : std::string();
-}
-
-void Prepared::reset() {
-    sqlite3_reset(statement_.get());
-}
-
 Peer::Peer(const std::filesystem::path& database, const std::filesystem::path& directory,
            const std::filesystem::path& log)
     : engine_(openBare(database)),
       directory_(openBare(directory)),
       log_(::open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600)) {
-    if (log_ < 0)
-        stop("cannot write " + log.string());
+    insist(log_ >= 0, "cannot write " + log.string());
 }
 
 Peer::~Peer() {
@@ -119,11 +40,11 @@ Peer::~Peer() {
 }
 
 Prepared& Peer::statement(const char* text) {
-    return statements_.try_emplace(text, engine_.get(), text).first->second;
+    return statements_.try_emplace(text, engine_, text).first->second;
 }
 
 Prepared& Peer::inDirectory(const char* text) {
-    return statements_.try_emplace(text, directory_.get(), text).first->second;
+    return statements_.try_emplace(text, directory_, text).first->second;
 }
 
 // Two lines of the console's form: time, level, tag, and the second one with its times.
@@ -147,8 +68,8 @@ void Peer::called(std::string_view procedure) {
                     : std::snprintf(line.data(), line.size(), "%02d:%02d:%02d    Info:(%45s) Entering %s_0\n",
                                     local.tm_hour, local.tm_min, local.tm_sec, procedure.data(),
                                     procedure.data());
-        if (::write(log_, line.data(), static_cast<std::size_t>(length)) != length)
-            stop("the log cannot be written");
+        insist(::write(log_, line.data(), static_cast<std::size_t>(length)) == length,
+               "the log cannot be written");
     }
 }
 

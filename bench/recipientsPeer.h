@@ -4,41 +4,14 @@
 
 #include <filesystem>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "bench/prepared.h"
 #include "database/recipientRecord.h"
 
-struct sqlite3;
-struct sqlite3_stmt;
-
 namespace bench {
-
-struct CloseEngine {
-    void operator()(sqlite3* handle) const noexcept;
-};
-struct FinalizeStatement {
-    void operator()(sqlite3_stmt* statement) const noexcept;
-};
-
-// A statement that is run again and again. Ends the program with the engine's text on any failure: a row
-// whose work failed must not be told as a time.
-class Prepared {
-  public:
-    Prepared(sqlite3* engine, const std::string& text);
-    Prepared& bind(int parameter, long value);
-    Prepared& bind(int parameter, std::string_view value);
-    bool row();  // false at the end, which also resets
-    void run();  // to the end
-    long number(int column);
-    std::string text(int column);
-    void reset();
-
-  private:
-    std::unique_ptr<sqlite3_stmt, FinalizeStatement> statement_;
-};
 
 class Peer {
   public:
@@ -59,14 +32,17 @@ class Peer {
     long countDevices(long type, long recipient);
     void modify(long recipient, const mdlDatabase::RecipientRecord& record);
 
+    bool active(long recipient);
+    // A call of that procedure, which leaves its two lines where calls are logged.
+    void called(std::string_view procedure);
+    const Engine& engine() const { return engine_; }
+
   private:
     struct Stored {
         long key;
         long type;
         std::string address;
     };
-    void called(std::string_view procedure);
-    bool active(long recipient);
     void rewrite(long device, const std::string& address);
     void create(long recipient, long type, const std::string& address);
     void remove(long device);
@@ -75,16 +51,11 @@ class Peer {
     Prepared& statement(const char* text);
     Prepared& inDirectory(const char* text);
 
-    std::unique_ptr<sqlite3, CloseEngine> engine_;
-    std::unique_ptr<sqlite3, CloseEngine> directory_;
+    Engine engine_;
+    Engine directory_;
     std::map<const char*, Prepared> statements_;
     int log_ = -1;
     bool logging_ = false;
 };
-
-// Opens a file as the console does: same durability.
-std::unique_ptr<sqlite3, CloseEngine> openBare(const std::filesystem::path& file);
-void runBare(sqlite3* engine, const std::string& statements);
-[[noreturn]] void stop(const std::string& reason);
 
 }  // namespace bench

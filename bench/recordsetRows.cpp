@@ -200,7 +200,7 @@ void updateBare(const Engine& engine) {
 void recordsetRows(Table& table, const std::filesystem::path& folder, const std::string& place) {
     constexpr double reach = 1.3;
     const std::filesystem::path file = folder / "recordsets.MDB";
-    makeDatabase(file, {eventCount, 0});
+    makeDatabase(file, eventCount);
     Connection connection;
     connection.open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file.string());
     const Engine engine = openBare(file);

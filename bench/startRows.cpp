@@ -95,7 +95,7 @@ void startRows(Table& table, const std::filesystem::path& folder) {
     host::createHost(folder, options);
     const std::filesystem::path database = folder / "Database" / "QLNDB.MDB";
     const std::filesystem::path copy = folder / "peer.db";
-    makeDatabase(database, {eventCount, 0});
+    makeDatabase(database, eventCount);
     std::filesystem::copy_file(database, copy);
     // Settings of a person who runs the peer for the first time would differ from run to run.
     std::filesystem::create_directory(folder / "home");

@@ -55,7 +55,21 @@ void Table::compare(const Row& row, const Side& ours, const Side& peer) {
     results_.push_back({row, peer.name, median(ourTimes), median(peerTimes)});
 }
 
+void Table::tell(const std::string& what, double seconds, double reach) {
+    longest_.push_back({what, seconds, reach});
+}
+
 void Table::print() const {
+    if (!results_.empty())
+        printCompared();
+    if (!longest_.empty())
+        std::printf("%-52s %12s %12s\n", "what", "longest", "reach");
+    for (const Longest& each : longest_)
+        std::printf("%-52s %12s %12s\n", each.what.c_str(), timeText(each.seconds).c_str(),
+                    timeText(each.reach).c_str());
+}
+
+void Table::printCompared() const {
     std::printf("%-52s %12s %12s %7s %7s  %s\n", "what", "ours", "the peer's", "ratio", "reach", "the peer");
     for (const Result& result : results_) {
         const std::string reach = result.row.reach > 0 ? printed("%.2f", result.row.reach) : "";

@@ -29,10 +29,14 @@ class Table {
   public:
     // Runs each side once without counting it, then both in turn, `row.rounds` times, and keeps the medians.
     void compare(const Row& row, const Side& ours, const Side& peer);
-    // Prints all rows. The ratio is our time by the peer's: below 1 we are faster.
+    // A time that has no peer, only a reach, both in seconds: what a person must not wait longer for.
+    void tell(const std::string& what, double seconds, double reach);
+    // Prints all rows, and after them the times without a peer. The ratio is our time by the peer's: below 1
+    // we are faster.
     void print() const;
 
   private:
+    void printCompared() const;
     struct Result {
         Row row;
         std::string peer;
@@ -40,6 +44,12 @@ class Table {
         double peerSeconds;
     };
     std::vector<Result> results_;
+    struct Longest {
+        std::string what;
+        double seconds;
+        double reach;
+    };
+    std::vector<Longest> longest_;
 };
 
 // Seconds that the action takes.

@@ -23,32 +23,15 @@ Folder::~Folder() {
     fs::remove_all(path_, ignored);
 }
 
-void makeDatabase(const fs::path& file, const Content& content) {
+void makeDatabase(const fs::path& file, int events) {
     host::createTemplateDatabase(file);
     host::SqliteFile database(file, false);
-    const auto numbers = [](int count) {
-        return "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
-               std::to_string(count) + ") ";
-    };
-    std::string script = "BEGIN;";
-    if (content.events > 0)
-        script += numbers(content.events) +
-                  "INSERT INTO Events(EventSource, EventId, EventTitle, EventType, EventActive) "
-                  "SELECT 'MeridaneCorvane_' || (i % 40), i, 'Call the night shift about number ' || i, 1, "
-                  "-(i % 2) FROM n;";
-    if (content.recipients > 0)
-        script +=
-            numbers(content.recipients) +
-            "INSERT INTO Recipients(RecipientName, RecipientActive) SELECT 'Recipient ' || i, -1 FROM n;" +
-            numbers(2 * content.recipients) +
-            "INSERT INTO Device(DeviceType, DeviceAddress, DeviceActive) "
-            "SELECT 4, 'person' || i || '@corvane.example', -1 FROM n;"
-            "INSERT INTO DeviceRecipient SELECT DeviceKey, (DeviceKey + 1) / 2 FROM Device;"
-            "INSERT INTO AddressDetails SELECT DeviceAddress, DeviceAddress || ' (SMTP)', 4, DeviceKey "
-            "FROM Device;"
-            "INSERT INTO EventDevice SELECT EventKey, 1 + (EventKey + d * 7) % (SELECT count(*) FROM "
-            "Device), -1 FROM Events, (SELECT 0 AS d UNION SELECT 1) WHERE EventTitle <> '$$IGNORE';";
-    database.run((script + "COMMIT;").c_str());
+    const std::string script =
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(events) +
+        ") INSERT INTO Events(EventSource, EventId, EventTitle, EventType, EventActive) "
+        "SELECT 'MeridaneCorvane_' || (i % 40), i, 'Call the night shift about number ' || i, 1, "
+        "-(i % 2) FROM n;";
+    database.run(script.c_str());
 }
 
 void CloseEngine::operator()(sqlite3* handle) const noexcept {

@@ -23,12 +23,8 @@ class Folder {
     std::filesystem::path path_;
 };
 
-struct Content {
-    int events = 0;
-    int recipients = 0;  // each with two devices; each event notifies two recipients' devices
-};
-// Makes a configuration database from the template and fills it.
-void makeDatabase(const std::filesystem::path& file, const Content& content);
+// Makes a configuration database from the template and adds events.
+void makeDatabase(const std::filesystem::path& file, int events);
 
 // The engine's C interface, opened as the console opens it: same flags, pragmas and durability.
 struct CloseEngine {

@@ -136,9 +136,14 @@ DeviceCounts countDevicesByRecipient() {
                     "Recipients.RecipientKey = DeviceRecipient.RecipientKey) ON Device.DeviceKey = "
                     "DeviceRecipient.DeviceKey "
                     "GROUP BY Recipients.RecipientKey, Device.DeviceType");
-                for (; !rows.EOF_(); rows.moveNext())
-                    counts[{rows.number("RecipientKey"), rows.number("DeviceType")}] =
-                        rows.number("DeviceCount");
+                for (; !rows.EOF_(); rows.moveNext()) {
+                    auto& ofRecipient = counts[rows.number("RecipientKey")];
+                    const long count = rows.number("DeviceCount");
+                    const long type = rows.isNull("DeviceType") ? 0 : rows.number("DeviceType");
+                    ofRecipient[allDeviceTypes] += count;
+                    if (type >= voiceMail && type <= failover)
+                        ofRecipient[static_cast<std::size_t>(type)] = count;
+                }
                 rows.close();
             });
         });

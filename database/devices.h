@@ -1,11 +1,11 @@
 // Notification devices of recipients: a row in Device, its link in DeviceRecipient, and the events it is on.
 #pragma once
 
-#include <map>
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
+#include <unordered_map>
 
 #include "core/procedure.h"
 #include "database/deviceType.h"
@@ -36,9 +36,10 @@ void deleteDevice(long deviceKey);
 platform::Recordset openDevicesForRecipient(long recipientKey);
 // Number of devices of a type, or of all types (0); of one recipient when a key is given. 0 on failure.
 long countDevices(long deviceType, std::optional<long> recipientKey = std::nullopt);
-// Number of devices by recipient's key and type; what there are none of is missing. Empty on failure. One
-// statement for all recipients: their list shows seven numbers in each of its rows.
-using DeviceCounts = std::map<std::pair<long, long>, long>;
+// Numbers of devices by recipient's key: by type, and of all types together at allDeviceTypes. A recipient
+// without devices is missing. Empty on failure. One statement for all recipients: their list shows seven
+// numbers in each of its rows.
+using DeviceCounts = std::unordered_map<long, std::array<long, failover + 1>>;
 DeviceCounts countDevicesByRecipient();
 // False, with a failure in the log, when there is no such device.
 bool isDeviceActive(long deviceKey);

@@ -124,7 +124,7 @@ class Recordset {
     std::size_t fieldCount() const;
     const std::string& fieldName(std::size_t index) const;  // raises 3265
     // Field of the present row, or of the row being added. Names ignore case. Raises 3021 and 3265.
-    const Value& value(std::string_view field) const;
+    const Value& value(std::string_view field) const;  // the reference holds until the field is read again
     bool isNull(std::string_view field) const;
     // Raise 94 for Null. `number` raises 13 for a text that is no number and 6 outside 32 bits; `boolean` is
     // true for any number but 0.

@@ -46,8 +46,9 @@ long Catalog::columnCount(std::string_view table) const {
     ado::Statement query(connection_, text, text);
     query.bind(1, std::string(table));
     query.step();
-    Value counted;
-    query.column(0, counted);
+    ado::Cell counted{};
+    ado::Texts texts;
+    query.row({&counted, 1}, texts);
     const long count = ado::longOf(counted);
     if (count == 0)
         throw makeFailure(itemNotFound, table);

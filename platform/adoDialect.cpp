@@ -37,6 +37,29 @@ char lower(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+// True for a statement of words, whole numbers and signs alone, as nearly all are: it holds no literal in
+// quotes or signs, no quoted name, comment or parameter, and not a second statement.
+bool isPlain(std::string_view statement) noexcept {
+    enum Kind : unsigned char { sign, word, digit, other };
+    static constexpr std::array<Kind, 256> kinds = [] {
+        std::array<Kind, 256> table{};
+        for (std::size_t c = 0; c < table.size(); ++c)
+            table[c] = c >= '0' && c <= '9' ? digit : wordCharacters[c] ? word : sign;
+        for (const char c : {'\0', '\'', '"', '`', '[', '#', ';', '-', '/', '?', ':', '@', '$'})
+            table[static_cast<unsigned char>(c)] = other;
+        return table;
+    }();
+    Kind before = sign;
+    for (const char c : statement) {
+        const Kind kind = kinds[static_cast<unsigned char>(c)];
+        // A word that begins with a digit is a number as long as it has nothing but digits.
+        if (kind == other || (kind == word && before == digit))
+            return false;
+        before = kind == digit && before == word ? word : kind;
+    }
+    return true;
+}
+
 // 12, 0x1F, 5e3 and the 5e of 5e-3.
 bool isNumber(std::string_view word) {
     if (word.size() > 2 && word[0] == '0' && lower(word[1]) == 'x')
@@ -187,10 +210,66 @@ bool endsCondition(std::string_view word) {
                        [&](std::string_view each) { return equalsIgnoringCase(word, each); });
 }
 
+// Where the condition of a plain statement begins, if it has one that goes on to the statement's end.
+std::size_t conditionToTheEnd(std::string_view plain) {
+    std::size_t condition = std::string_view::npos;
+    int depth = 0;
+    for (std::size_t i = 0; i < plain.size();) {
+        const std::size_t start = i;
+        while (i < plain.size() && isWordCharacter(plain[i]))
+            ++i;
+        if (i == start) {
+            depth += plain[i] == '(' ? 1 : plain[i] == ')' ? -1 : 0;
+            ++i;
+            continue;
+        }
+        const std::string_view word = plain.substr(start, i - start);
+        if (condition != std::string_view::npos) {
+            if (endsCondition(word))
+                return std::string_view::npos;
+        } else if (depth == 0 && equalsIgnoringCase(word, "WHERE")) {
+            condition = i;
+        }
+    }
+    return condition;
+}
+
+constexpr std::size_t safeDigits = 18;
+
+// withNumbersTaken of a plain statement whose condition goes from there to its end.
+std::string numbersTakenFromPlain(std::string_view plain, std::size_t condition,
+                                  std::vector<std::int64_t>& numbers) {
+    std::string result;
+    result.reserve(plain.size());
+    std::size_t copied = 0;
+    for (std::size_t i = condition; i < plain.size(); ++i) {
+        if (plain[i] != '=' && plain[i] != '>')
+            continue;
+        std::size_t start = i + 1;
+        while (start < plain.size() && isBlank(plain[start]))
+            ++start;
+        std::size_t end = start;
+        while (end < plain.size() && isDigit(plain[end]))
+            ++end;
+        if (end == start || end - start > safeDigits || (end < plain.size() && plain[end] == '.'))
+            continue;
+        std::int64_t number = 0;
+        std::from_chars(plain.data() + start, plain.data() + end, number);
+        numbers.push_back(number);
+        result.append(plain, copied, start - copied).append(1, '?');
+        copied = end;
+    }
+    return result.append(plain, copied);
+}
+
 }  // namespace
 
 std::string withNumbersTaken(std::string_view translated, std::vector<std::int64_t>& numbers) {
-    constexpr std::size_t safeDigits = 18;
+    if (isPlain(translated)) {
+        const std::size_t condition = conditionToTheEnd(translated);
+        if (condition != std::string_view::npos)
+            return numbersTakenFromPlain(translated, condition, numbers);
+    }
     const char* const end = translated.data() + translated.size();
     const auto isWhole = [&](const Token& token) {
         const char* const after = token.text.data() + token.text.size();
@@ -248,6 +327,8 @@ std::string dateLiteral(std::string_view literal, std::string_view statement) {
 }  // namespace
 
 std::string translateStatement(std::string_view statement) {
+    if (ado::isPlain(statement))
+        return std::string(statement);
     if (statement.find('\0') != std::string_view::npos)
         refuse("zero character in the statement", statement.substr(0, statement.find('\0')));
     std::string result;

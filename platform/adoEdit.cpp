@@ -110,17 +110,16 @@ void Recordset::Impl::refresh(Row& row) {
     const std::string text = "SELECT " + columns + " FROM " + ado::quotedName(table) + " WHERE rowid = ?";
     ado::Statement query(connection, text, text);
     query.bind(1, *row.id);
-    if (query.step()) {
-        for (std::size_t i = 0; i < fields.size(); ++i)
-            query.column(static_cast<int>(i), row.values[i]);
-    }
+    if (query.step())
+        query.row(valuesOf(row), texts);
     row.stale = false;
 }
 
 void Recordset::Impl::updateAdded() {
-    Row row = newRow();
+    Row row;
+    row.values = newValues();
     for (std::size_t i = 0; i < edits.size(); ++i)
-        row.values[i] = edits[i].value_or(Null{});
+        texts.put(row.values[i], edits[i].value_or(Null{}));
     if (batch) {
         operations.push_back({Operation::Kind::add, rows.size(), edits});
     } else {
@@ -151,7 +150,7 @@ void Recordset::Impl::updatePresent() {
     }
     for (std::size_t i = 0; i < edits.size(); ++i) {
         if (edits[i])
-            row.values[i] = *edits[i];
+            texts.put(row.values[i], *edits[i]);
     }
 }
 

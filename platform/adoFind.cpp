@@ -7,7 +7,7 @@
 
 namespace platform {
 
-Recordset::Impl::Criterion Recordset::Impl::parseCriterion(std::string_view text) const {
+Recordset::Impl::Criterion Recordset::Impl::parseCriterion(std::string_view text) {
     const std::size_t equals = text.find('=');
     if (equals == std::string_view::npos)
         throw makeFailure(invalidProcedureCall, text);
@@ -44,8 +44,8 @@ void Recordset::Impl::findStreaming(const Criterion& criterion, std::size_t from
     while (!atEnd() && position < from)
         moveNext();
     while (!atEnd()) {
-        const Value& candidate = stored(present(), criterion.field);
-        if (!std::holds_alternative<Null>(candidate) && ado::searchKey(candidate) == criterion.key)
+        const ado::Cell& candidate = stored(present(), criterion.field);
+        if (!candidate.isNull() && ado::searchKey(candidate) == criterion.key)
             return;
         moveNext();
     }
@@ -53,8 +53,8 @@ void Recordset::Impl::findStreaming(const Criterion& criterion, std::size_t from
 
 void Recordset::Impl::find(const Criterion& criterion, std::size_t from) {
     const auto keyOf = [&](Row& row) -> std::optional<std::string> {
-        const Value& candidate = stored(row, criterion.field);
-        if (row.deleted || std::holds_alternative<Null>(candidate))
+        const ado::Cell& candidate = stored(row, criterion.field);
+        if (row.deleted || candidate.isNull())
             return std::nullopt;
         return ado::searchKey(candidate);
     };

@@ -209,7 +209,10 @@ class ServerRows final : public RowSource {
     std::vector<std::string> fieldNames() const override { return names_; }
     bool step() override;
     void reset() noexcept override;
-    void column(int index, Value& value) const override { value = row_[static_cast<std::size_t>(index)]; }
+    void row(std::span<Cell> cells, Texts& texts) const override {
+        for (std::size_t i = 0; i < cells.size(); ++i)
+            texts.put(cells[i], row_[i]);
+    }
 
   private:
     void execute();

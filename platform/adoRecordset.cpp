@@ -5,6 +5,7 @@
 #include <iterator>
 #include <limits>
 #include <unordered_set>
+#include <utility>
 
 #include "platform/ado.h"
 #include "platform/adoDialect.h"
@@ -35,6 +36,13 @@ bool isNamed(std::string_view field, std::string_view name) noexcept {
     return field == name || ado::equalsIgnoringCase(field, name);
 }
 
+// A column of the caller's own may hide the row id.
+std::int64_t idIn(const ado::Cell& cell) {
+    if (cell.kind != ado::CellKind::integer)
+        throw makeFailure(typeMismatch, idColumn);
+    return cell.integer;
+}
+
 template <typename ImplPointer>
 auto& opened(const ImplPointer& impl) {
     if (!impl)
@@ -52,6 +60,8 @@ Recordset::Impl::Impl(std::string_view statement, Connection& owner, std::unique
         fields.push_back(std::move(field));
     }
     indexes.resize(fields.size());
+    asked.resize(fields.size() + 1);  // one more, so that it is never empty
+    shown.resize(fields.size());
 }
 
 // A recordset is writable when each of its columns is a column of one and the same table. Otherwise it
@@ -108,45 +118,45 @@ void Recordset::Impl::readAtOpen() {
     }
 }
 
-// A row with room for its values, which may still hold those of a row that was dropped.
-Recordset::Impl::Row Recordset::Impl::newRow() {
-    if (blockRows == roomOf(block)) {
-        ++block;
-        blockRows = 0;
+// Room for the values and the id of a row.
+ado::Cell* Recordset::Impl::newValues() {
+    const std::size_t width = fields.size() + 1;
+    if (roomLeft < width) {
+        const std::size_t rowsOfBlock = roomOf(block);
+        if (block == cells.size())
+            cells.push_back(std::make_unique_for_overwrite<ado::Cell[]>(rowsOfBlock * width));
+        nextCell = cells[block++].get();
+        roomLeft = rowsOfBlock * width;
     }
-    if (block == cells.size())
-        cells.push_back(std::make_unique<Value[]>(roomOf(block) * fields.size()));
-    Row row;
-    row.values = &cells[block][blockRows++ * fields.size()];
-    return row;
+    roomLeft -= width;
+    return std::exchange(nextCell, nextCell + width);
 }
 
 // The memory is kept: a stream fills it again and again.
 void Recordset::Impl::dropRows() noexcept {
     rows.clear();
-    block = blockRows = 0;
+    texts.clear();
+    block = roomLeft = 0;
 }
 
 // Appends up to `limit` rows of the statement.
 void Recordset::Impl::readRows(std::size_t limit) {
-    const int idIndex = static_cast<int>(fields.size());
-    Value id;
+    const std::size_t width = fields.size() + (writable ? 1 : 0);
     for (std::size_t count = 0; count < limit; ++count) {
         const bool found = select->step();
-        if (columnsChanged())
+        // Only the first step of a run can find out that the statement has to be prepared anew.
+        if (count == 0 && columnsChanged())
             throw Failure(providerError, "columns have changed since [" + source + "] was opened", "SQLite");
         if (!found) {
             complete = true;
             return;
         }
-        Row row = newRow();
-        for (std::size_t i = 0; i < fields.size(); ++i)
-            select->column(static_cast<int>(i), row.values[i]);
-        if (writable) {
-            select->column(idIndex, id);
-            row.id = std::get<std::int64_t>(id);
-        }
-        rows.push_back(row);
+        ado::Cell* const values = newValues();
+        select->row({values, width}, texts);
+        Row& row = rows.emplace_back();
+        row.values = values;
+        if (writable)
+            row.id = idIn(values[fields.size()]);
     }
 }
 
@@ -234,8 +244,7 @@ bool Recordset::Impl::seek(const Criterion& criterion) {
     if (!query.step() || query.preparedAnew())
         return false;
     soughtValues.resize(fields.size());
-    for (std::size_t i = 0; i < fields.size(); ++i)
-        query.column(static_cast<int>(i), soughtValues[i]);
+    query.row(soughtValues, texts);
     sought = Row{};
     sought->values = soughtValues.data();
     sought->id = id;
@@ -246,14 +255,6 @@ bool Recordset::Impl::seek(const Criterion& criterion) {
 void Recordset::Impl::ensureLoaded() {
     if (loadedLater())
         load();
-}
-
-bool Recordset::Impl::atEnd() {
-    if (sought)
-        return false;
-    if (unplaced)
-        load();
-    return position - base >= rows.size();
 }
 
 Recordset::Impl::Row& Recordset::Impl::present() {
@@ -269,7 +270,7 @@ void Recordset::Impl::skipDeleted() noexcept {
         ++position;
 }
 
-std::size_t Recordset::Impl::fieldIndex(std::string_view name) const {
+std::size_t Recordset::Impl::findField(std::string_view name) const {
     for (std::size_t i = 0; i < fields.size(); ++i) {
         if (isNamed(fields[i].name, name))
             return i;
@@ -277,19 +278,34 @@ std::size_t Recordset::Impl::fieldIndex(std::string_view name) const {
     throw makeFailure(itemNotFound, name);
 }
 
-const Value& Recordset::Impl::stored(Row& row, std::size_t field) {
+std::size_t Recordset::Impl::fieldIndex(std::string_view name) {
+    std::size_t found = expectedField(name);
+    if (found == fields.size() || name.empty()) {
+        found = findField(name);
+        asked[lastAsked].after = found;
+        asked[found].spelling = name;
+    }
+    return lastAsked = found;
+}
+
+const ado::Cell& Recordset::Impl::stored(Row& row, std::size_t field) {
     if (row.stale)
         refresh(row);
     return row.values[field];
 }
 
-const Value& Recordset::Impl::value(std::size_t field) {
-    static const Value nothing = Null{};
-    if (!edits.empty()) {
-        if (const std::optional<Value>& edited = edits[field])
-            return *edited;
-    }
-    return adding ? nothing : stored(present(), field);
+const ado::Cell& Recordset::Impl::changedCell(std::size_t field) {
+    if (!edits.empty() && edits[field])
+        return edited = ado::cellOf(*edits[field]);
+    return adding ? edited = ado::cellOf(Null{}) : stored(present(), field);
+}
+
+inline const ado::Cell& Recordset::Impl::cell(std::string_view field) {
+    const std::size_t expected = expectedField(field);
+    if (expected == fields.size() || field.empty() || !isPlain())
+        return changedCell(fieldIndex(field));
+    lastAsked = expected;
+    return rows[position - base].values[expected];
 }
 
 void Recordset::Impl::moveFirst() {
@@ -420,29 +436,24 @@ const std::string& Recordset::fieldName(std::size_t index) const {
 
 const Value& Recordset::value(std::string_view field) const {
     Impl& impl = opened(impl_);
-    return impl.value(impl.fieldIndex(field));
+    const ado::Cell& cell = impl.cell(field);
+    return impl.shown[impl.lastAsked] = ado::valueOf(cell);
 }
 
 bool Recordset::isNull(std::string_view field) const {
-    return std::holds_alternative<Null>(value(field));
+    return opened(impl_).cell(field).isNull();
 }
 
 std::string Recordset::text(std::string_view field) const {
-    const Value& found = value(field);
-    if (std::holds_alternative<Null>(found))
-        throw makeFailure(invalidUseOfNull);
-    return valueText(found);
+    return ado::textOf(opened(impl_).cell(field));
 }
 
 long Recordset::number(std::string_view field) const {
-    return ado::longOf(value(field));
+    return ado::longOf(opened(impl_).cell(field));
 }
 
 bool Recordset::boolean(std::string_view field) const {
-    const Value& found = value(field);
-    if (std::holds_alternative<Null>(found))
-        throw makeFailure(invalidUseOfNull);
-    return ado::booleanOf(found) != 0;
+    return ado::booleanOf(opened(impl_).cell(field));
 }
 
 }  // namespace platform

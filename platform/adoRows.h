@@ -2,11 +2,12 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "platform/ado.h"
+#include "platform/adoCells.h"
 
 namespace platform::ado {
 
@@ -25,8 +26,8 @@ class RowSource {
     // True when the query had to be prepared anew, because the schema is not what it was; its fields may then
     // be others.
     virtual bool preparedAnew() const noexcept { return false; }
-    // Puts a field of the present row, counted from 0, into the value.
-    virtual void column(int index, Value& value) const = 0;
+    // Puts the present row's first fields into as many cells, and their texts into the memory for texts.
+    virtual void row(std::span<Cell> cells, Texts& texts) const = 0;
 };
 
 // Runs a caller's statement on an open connection as far as its first row; nothing for a statement without

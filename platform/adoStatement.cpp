@@ -169,27 +169,26 @@ void Statement::reset() noexcept {
     sqlite3_reset(statement_.get());
 }
 
-void Statement::column(int index, Value& value) const {
-    // One call for the column and its parts from there; that is safe in a connection's one thread.
-    sqlite3_value* stored = sqlite3_column_value(statement_.get(), index);
-    switch (sqlite3_value_type(stored)) {
-        case SQLITE_INTEGER:
-            value.emplace<std::int64_t>(sqlite3_value_int64(stored));
-            break;
-        case SQLITE_FLOAT:
-            value.emplace<double>(sqlite3_value_double(stored));
-            break;
-        case SQLITE_NULL:
-            value.emplace<Null>();
-            break;
-        default: {
-            const auto* bytes = static_cast<const char*>(sqlite3_value_blob(stored));
-            const int size = sqlite3_value_bytes(stored);
-            // A text that is there already lends its memory.
-            auto* text = std::get_if<std::string>(&value);
-            if (!text)
-                text = &value.emplace<std::string>();
-            text->assign(bytes ? bytes : "", bytes ? static_cast<std::size_t>(size) : 0);
+void Statement::row(std::span<Cell> cells, Texts& texts) const {
+    sqlite3_stmt* const statement = statement_.get();
+    int index = 0;
+    for (Cell& cell : cells) {
+        // One call for the column and its parts from there; that is safe in a connection's one thread.
+        sqlite3_value* const stored = sqlite3_column_value(statement, index++);
+        switch (sqlite3_value_type(stored)) {
+            case SQLITE_INTEGER:
+                cell.setInteger(sqlite3_value_int64(stored));
+                break;
+            case SQLITE_FLOAT:
+                cell.setReal(sqlite3_value_double(stored));
+                break;
+            case SQLITE_NULL:
+                cell.setNull();
+                break;
+            default: {
+                const auto* bytes = static_cast<const char*>(sqlite3_value_blob(stored));
+                texts.put(cell, bytes, bytes ? static_cast<std::size_t>(sqlite3_value_bytes(stored)) : 0);
+            }
         }
     }
 }

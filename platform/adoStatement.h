@@ -70,7 +70,7 @@ class Statement : public RowSource {
     // A failure resets the statement, so that it keeps no lock.
     bool step() override;
     void reset() noexcept override;
-    void column(int index, Value& value) const override;
+    void row(std::span<Cell> cells, Texts& texts) const override;
     bool preparedAnew() const noexcept override;
     // Parameters of the text itself, for which values are to be given.
     int parameterCount() const noexcept;

@@ -5,8 +5,7 @@
 #include <map>
 #include <string_view>
 
-#include "platform/failure.h"
-#include "platform/files.h"
+#include "platform/fileParts.h"
 #include "platform/peFile.h"
 #include "platform/textStream.h"
 
@@ -14,8 +13,8 @@ namespace platform {
 
 namespace {
 
-// Programs with debugging information are large; the note stands anywhere in them.
-constexpr std::uint64_t largestProgram = 512ull << 20;
+// Programs with debugging information are large; nothing larger than this is one.
+constexpr std::uint64_t largestFile = 512ull << 20;
 
 // Reads a JSON object whose values are all strings, which is what a package note is.
 class FlatObjectReader {
@@ -186,14 +185,16 @@ struct NoteTable {
 constexpr NoteTable segmentTable{32, 54, 56, 0, 4, 8, 32, 48};
 constexpr NoteTable sectionTable{40, 58, 60, 4, 7, 24, 32, 48};
 
-std::optional<Bytes> findPackageNote(Bytes file, const NoteTable& table) {
-    const auto start = littleEndian<std::uint64_t>(file, table.tableOffset).value_or(0);
-    const auto entrySize = littleEndian<std::uint16_t>(file, table.entrySize).value_or(0);
-    const auto count = littleEndian<std::uint16_t>(file, table.entryCount).value_or(0);
+using Part = std::vector<std::uint8_t>;
+
+std::optional<Part> findPackageNote(const FileParts& file, Bytes header, const NoteTable& table) {
+    const auto start = littleEndian<std::uint64_t>(header, table.tableOffset).value_or(0);
+    const auto entrySize = littleEndian<std::uint16_t>(header, table.entrySize).value_or(0);
+    const auto count = littleEndian<std::uint16_t>(header, table.entryCount).value_or(0);
     constexpr std::uint16_t smallestEntry = 56;
     if (entrySize < smallestEntry)
         return std::nullopt;
-    const auto entries = slice(file, start, std::uint64_t{entrySize} * count);
+    const auto entries = file.read(start, std::uint64_t{entrySize} * count);
     if (!entries)
         return std::nullopt;
     std::uint64_t walked = 0;
@@ -203,7 +204,7 @@ std::optional<Bytes> findPackageNote(Bytes file, const NoteTable& table) {
         const auto offset = littleEndian<std::uint64_t>(*entries, at + table.offset);
         const auto size = littleEndian<std::uint64_t>(*entries, at + table.size);
         const auto alignment = littleEndian<std::uint64_t>(*entries, at + table.alignment);
-        const auto notes = offset && size ? slice(file, *offset, *size) : std::nullopt;
+        const auto notes = offset && size ? file.read(*offset, *size) : std::nullopt;
         if (!notes)
             continue;
         // Entries that share their bytes could make the walk take hours.
@@ -211,19 +212,21 @@ std::optional<Bytes> findPackageNote(Bytes file, const NoteTable& table) {
         if (walked > file.size())
             return std::nullopt;
         if (const auto note = findPackageNote(*notes, alignment == 8u ? 8 : 4))
-            return note;
+            return Part(note->begin(), note->end());
     }
     return std::nullopt;
 }
 
-std::optional<VersionRecord> parseElf(Bytes file) {
+std::optional<VersionRecord> parseElf(const FileParts& file) {
+    constexpr std::uint64_t headerSize = 64;
     constexpr std::uint8_t elf64 = 2;
     constexpr std::uint8_t littleEndianData = 1;
-    if (file.size() < 64 || file[4] != elf64 || file[5] != littleEndianData)
+    const auto header = file.read(0, headerSize);
+    if (!header || (*header)[4] != elf64 || (*header)[5] != littleEndianData)
         return std::nullopt;
-    auto note = findPackageNote(file, segmentTable);
+    auto note = findPackageNote(file, *header, segmentTable);
     if (!note)
-        note = findPackageNote(file, sectionTable);
+        note = findPackageNote(file, *header, sectionTable);
     return note ? parsePackageNote(*note) : std::nullopt;
 }
 
@@ -305,23 +308,27 @@ std::optional<VersionRecord> parseVersionResource(Bytes resource) {
     return record;
 }
 
-}  // namespace
-
-std::optional<VersionRecord> parseVersionRecord(std::span<const std::uint8_t> bytes) {
-    constexpr std::uint32_t elfSignature = 0x464C457F;
-    if (littleEndian<std::uint32_t>(bytes, 0) == elfSignature)
-        return parseElf(bytes);
-    const auto versions = peResources(bytes, ResourceType::version);
+std::optional<VersionRecord> parse(const FileParts& file) {
+    constexpr Part::value_type elfSignature[] = {0x7F, 'E', 'L', 'F'};
+    const auto beginning = file.read(0, std::size(elfSignature));
+    if (!beginning)
+        return std::nullopt;
+    if (std::equal(beginning->begin(), beginning->end(), elfSignature))
+        return parseElf(file);
+    const auto whole = file.read(0, file.size());
+    const auto versions = whole ? peResources(*whole, ResourceType::version) : std::nullopt;
     return versions && !versions->empty() ? parseVersionResource(versions->front().data) : std::nullopt;
 }
 
+}  // namespace
+
+std::optional<VersionRecord> parseVersionRecord(std::span<const std::uint8_t> bytes) {
+    return parse(FileParts(bytes));
+}
+
 std::optional<VersionRecord> versionRecord(const std::filesystem::path& file) {
-    try {
-        const std::string content = files::readFile(file, largestProgram);
-        return parseVersionRecord({reinterpret_cast<const std::uint8_t*>(content.data()), content.size()});
-    } catch (const Failure&) {
-        return std::nullopt;
-    }
+    const FileParts parts(file);
+    return parts.size() <= largestFile ? parse(parts) : std::nullopt;
 }
 
 }  // namespace platform

@@ -5,9 +5,11 @@
 
 #include "core/modLocalize.h"
 #include "core/procedure.h"
+#include "core/state.h"
 #include "database/events.h"
 #include "database/exclusions.h"
 #include "database/recipients.h"
+#include "platform/adoReadLock.h"
 #include "ui/cTooltip.h"
 #include "ui/frmMain.h"
 #include "ui/paneEventDetails.h"
@@ -97,6 +99,7 @@ void frmMain::addChildren(core::Frame& frame, const Category& category, Recordse
     std::string selection;
     {
         const ui::KeyedTree::Fill fill(*tvNavigation);
+        const platform::ReadLock ofOneMoment(core::gDatabase);
         forEachRow(frame, rows, [&] {
             ui::KeyedTree::NewNode node = makeNode();
             node.parent = category.rootKey;

@@ -4,8 +4,10 @@
 
 #include "core/modLocalize.h"
 #include "core/procedure.h"
+#include "core/state.h"
 #include "database/devices.h"
 #include "database/recipients.h"
+#include "platform/adoReadLock.h"
 #include "ui/rowText.h"
 #include "ui/widgets/keyedTree.h"
 
@@ -97,15 +99,17 @@ void populateRecipientsList(KeyedTree& tree, long eventKey, DeviceSelection& sel
     core::procedure(module, "populateRecipientsList", [&](Frame& frame) {
         Recordset recipients = mdlDatabase::getRecipients();  // by name already
         frame.step([&] { assignmentsForEvent() = mdlDatabase::getRecipientsForEvent(eventKey); });
+        const mdlDatabase::DeviceCounts counts =
+            assignedOnly ? mdlDatabase::DeviceCounts() : mdlDatabase::countDevicesByRecipient();
         {
             const KeyedTree::Fill fill(tree);
+            const platform::ReadLock ofOneMoment(core::gDatabase);
             frame.step([&] { tree.clearNodes(); });
             while (recipients.state() == ObjectState::open && !recipients.EOF_()) {
                 frame.step([&] {
                     const long key = recipients.number("RecipientKey");
-                    const bool shown = assignedOnly
-                                           ? findAssignment("RecipientKey", key)
-                                           : mdlDatabase::countDevices(mdlDatabase::allDeviceTypes, key) >= 1;
+                    const bool shown =
+                        assignedOnly ? findAssignment("RecipientKey", key) : counts.contains(key);
                     if (shown)
                         addRecipient(frame, tree, recipients, selectedDevices);
                 });

@@ -43,9 +43,9 @@ std::vector<KeyedGrid::Column> gridColumns() {
 std::vector<KeyedGrid::Cell> gridRow(const platform::Recordset& recipient,
                                      const mdlDatabase::DeviceCounts& counts) {
     const long key = recipient.number("RecipientKey");
+    const auto found = counts.find(key);
     const auto count = [&](long type) {
-        const auto found = counts.find({key, type});
-        return found == counts.end() ? 0L : found->second;
+        return found == counts.end() ? 0L : found->second[static_cast<std::size_t>(type)];
     };
     const auto number = [&](long type) {
         return KeyedGrid::Cell{std::to_string(count(type)), static_cast<qlonglong>(count(type))};

@@ -45,6 +45,11 @@ class Other {
         EXPECT_EQ(sqlite3_exec(handle_.get(), statements.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
             << sqlite3_errmsg(handle_.get());
     }
+    // Whether a statement can run at once.
+    bool canRun(const std::string& statement) {
+        sqlite3_busy_timeout(handle_.get(), 0);
+        return sqlite3_exec(handle_.get(), statement.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+    }
     // Rows as text: columns divided by "|", rows by blanks.
     std::string read(const std::string& statement) {
         std::string result;

@@ -5,6 +5,7 @@
 
 #include "adoFixture.h"
 #include "platform/adoDialect.h"
+#include "platform/adoReadLock.h"
 #include "platform/host.h"
 
 using namespace adoTest;
@@ -144,6 +145,28 @@ TEST_F(ConnectionTest, ReadsTheDirectoryAndNumbersItsFailuresAsOne) {
     host::setFolder({});
 }
 
+TEST_F(ConnectionTest, AReadLockKeepsOthersWaitingAndNotItsOwnConnection) {
+    const char change[] = "INSERT INTO Device VALUES (70, 'new')";
+    Recordset rows;
+    {
+        const ReadLock lock(connection);
+        rows.open("SELECT * FROM Device", connection, CursorType::staticCursor);
+        rows.close();
+        EXPECT_FALSE(other.canRun(change)) << "what is read stays of one moment";
+        EXPECT_EQ(other.read("SELECT count(*) FROM Device"), "0");
+        execute("INSERT INTO Device VALUES (71, 'ours')", connection);
+        EXPECT_FALSE(other.canRun(change)) << "a write of its own does not end the lock";
+    }
+    EXPECT_TRUE(other.canRun(change));
+    EXPECT_EQ(other.read("SELECT DeviceKey FROM Device ORDER BY DeviceKey"), "70 71");
+    {
+        const ReadLock lock(connection);
+        connection.close();
+    }
+    const ReadLock ofNothing(connection);
+    EXPECT_TRUE(other.canRun("DELETE FROM Device"));
+}
+
 TEST(Dialect, ChangesDigitNamesAndDatesOnly) {
     const auto same = [](const char* text) { EXPECT_EQ(translateStatement(text), text); };
     EXPECT_EQ(translateStatement("SELECT 31Sources.a FROM A,31Sources,[31x] WHERE b=12"),
@@ -173,9 +196,13 @@ TEST(Dialect, TakesComparedWholeNumbersOut) {
               "SELECT a = 1, (SELECT b FROM T WHERE c = 2) FROM T where (d = ?) GROUP BY a = 4 3");
     EXPECT_EQ(form("SELECT a = 1 FROM T WHERE b = 2 UNION SELECT a = 3 FROM T WHERE c = 4 ORDER BY a = 1"),
               "SELECT a = 1 FROM T WHERE b = ? UNION SELECT a = 3 FROM T WHERE c = ? ORDER BY a = 1 2 4");
+    EXPECT_EQ(form("SELECT a FROM T WHERE b<>3 AND c >= 4 AND (d=5) OR e = a6 LIMIT 7"),
+              "SELECT a FROM T WHERE b<>? AND c >= ? AND (d=?) OR e = a6 LIMIT 7 3 4 5");
+    EXPECT_EQ(form("SELECT a FROM T WHERE b = 1.5 OR c = .5 OR d = 12 OR e ="),
+              "SELECT a FROM T WHERE b = 1.5 OR c = .5 OR d = ? OR e = 12");
     for (const char* text :
-         {"SELECT a FROM T WHERE b = ? AND c = 1", "SELECT a FROM T WHERE c = 1 AND b = $x",
-          "SELECT a FROM T WHERE b = 1234567890123456789"})
+         {"SELECT a FROM T WHERE b = ? AND c = 1", "SELECT a FROM T WHERE b = 5e3",
+          "SELECT a FROM T WHERE c = 1 AND b = $x", "SELECT a FROM T WHERE b = 1234567890123456789"})
         EXPECT_EQ(form(text), text);
 }
 

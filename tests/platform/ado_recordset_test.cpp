@@ -419,4 +419,78 @@ TEST_F(RecordsetTest, WritesNothingThroughAConnectionThatWasClosed) {
     EXPECT_EQ(failureOf([&] { rows.update(); }), connectionClosed);
 }
 
+TEST_F(RecordsetTest, FindsFieldsInAnyOrderAndSpelling) {
+    Recordset rows;
+    rows.open(
+        "SELECT 1 AS Id, 2 AS EventSourceA, 3 AS EventSourceB, 4 AS XventSourceB, 5 AS Id, 6 AS abc, 7 AS "
+        "abd "
+        "UNION ALL SELECT 11, 12, 13, 14, 15, 16, 17",
+        connection);
+    for (const long row : {0L, 10L}) {
+        for (int round = 0; round < 2; ++round) {
+            EXPECT_EQ(rows.number("EventSourceA"), row + 2);
+            EXPECT_EQ(rows.number("EventSourceB"), row + 3);
+            EXPECT_EQ(rows.number("XventSourceB"), row + 4);
+            EXPECT_EQ(rows.number("id"), row + 1) << "the first one of that name";
+            EXPECT_EQ(failureOf([&] { rows.number(""); }), itemNotFound);
+            EXPECT_EQ(rows.number("ABD"), row + 7);
+            EXPECT_EQ(rows.number("abc"), row + 6);
+            EXPECT_EQ(failureOf([&] { rows.number("EventSource"); }), itemNotFound);
+            EXPECT_EQ(rows.number("ID"), row + 1);
+            EXPECT_EQ(rows.number("ID"), row + 1);
+        }
+        EXPECT_EQ(rows.number("eventsourceb"), row + 3);
+        EXPECT_EQ(rows.number("eventsourcea"), row + 2);
+        rows.moveNext();
+    }
+    EXPECT_EQ(failureOf([&] { rows.number("Id"); }), noCurrentRecord);
+}
+
+TEST_F(RecordsetTest, KeepsTextsOfAnyLengthWhateverElseRuns) {
+    constexpr int count = 600;
+    other.run(
+        "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 599) INSERT INTO "
+        "Device SELECT i, replace(hex(zeroblob(i * (i % 7) * 20)), '00', char(97 + i % 26)) FROM n");
+    Recordset stream;
+    stream.open("SELECT DeviceKey, Address FROM Device", connection);
+    Recordset kept = write("SELECT DeviceKey, Address FROM Device");
+    const auto expected = [](int i) {
+        return std::string(static_cast<std::size_t>(i * (i % 7) * 20), static_cast<char>('a' + i % 26));
+    };
+    for (int i = 0; i < count; ++i) {
+        for (Recordset* rows : {&stream, &kept}) {
+            ASSERT_FALSE(rows->EOF_() || rows->isNull("Address")) << i;
+            ASSERT_EQ(rows->text("Address"), expected(i));
+            ASSERT_EQ(rows->value("Address"), Value(expected(i)));
+        }
+        if (i % 50 == 0) {
+            kept.set("Address", "changed");
+            EXPECT_EQ(kept.text("Address"), "changed");
+            EXPECT_EQ(stream.text("Address"), expected(i)) << "what was read stays as it was";
+            kept.moveFirst();
+            for (int steps = 0; steps < i; ++steps)
+                kept.moveNext();
+            EXPECT_EQ(kept.text("Address"), expected(i)) << "a move drops what was set";
+        }
+        stream.moveNext();
+        kept.moveNext();
+    }
+    EXPECT_TRUE(stream.EOF_() && kept.EOF_());
+    kept.moveFirst();
+    for (const std::string& text : {std::string(5000, 'x'), std::string(), std::string("short")}) {
+        kept.set("Address", text);
+        kept.update();
+        EXPECT_EQ(kept.text("Address"), text);
+    }
+    kept.moveNext();
+    EXPECT_EQ(kept.text("Address"), expected(1));
+    kept.addNew();
+    EXPECT_TRUE(kept.isNull("Address"));
+    kept.set("Address", "new");
+    kept.update();
+    EXPECT_EQ(kept.text("Address"), "new");
+    kept.close();
+    EXPECT_EQ(failureOf([&] { kept.text("Address"); }), objectClosed);
+}
+
 }  // namespace

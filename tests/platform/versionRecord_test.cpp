@@ -167,6 +167,16 @@ TEST(VersionRecord, ReadsWhatTheLinkerWritesUnderAnyFileName) {
         EXPECT_TRUE(record && record->numbers == Numbers({1, 3, 0, 13})) << name;
         EXPECT_TRUE(record && record->productName == "Quillon Service") << name;
     }
+    // Of a large program only the parts are read that lead to its note.
+    constexpr std::uintmax_t largest = 512ull << 20;
+    fs::resize_file(folder / "service", largest);
+    EXPECT_TRUE(platform::versionRecord(folder / "service"));
+    fs::resize_file(folder / "service", largest + 1);
+    EXPECT_FALSE(platform::versionRecord(folder / "service"));
+    fs::resize_file(folder / "service.ex_", 70);
+    EXPECT_FALSE(platform::versionRecord(folder / "service.ex_"));
+    fs::resize_file(folder / "service.ex_", 0);
+    EXPECT_FALSE(platform::versionRecord(folder / "service.ex_"));
     EXPECT_FALSE(platform::versionRecord(folder));
     EXPECT_FALSE(platform::versionRecord(folder / "missing"));
     fs::remove_all(folder);

@@ -30,6 +30,7 @@ constexpr uid_t ordinaryUser = 65534;
     int code = 0;
     try {
         work(ready);
+        core::resetState();  // what is still open is no leak
         code = ::testing::Test::HasFailure() ? 1 : 0;
     } catch (const std::exception& error) {
         std::printf("in the child: %s\n", error.what());
@@ -135,7 +136,7 @@ Ran runAsOrdinaryUser(const std::filesystem::path& folder, const std::function<v
 Ran runOnSmallDisk(const std::filesystem::path& folder, long kilobytes, const std::function<void()>& work) {
     const auto change = [&] {
         const std::string size = "mode=700,size=" + std::to_string(kilobytes) + "k";
-        return separateMounts() && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+        return separateMounts() && ::mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0 &&
                ::mount("tmpfs", folder.c_str(), "tmpfs", 0, size.c_str()) == 0;
     };
     return ranWith(change, work);

@@ -147,6 +147,27 @@ TEST(KeyedGrid, AddressesCellsByColumnKeyAndSortsByValue) {
     EXPECT_EQ(grid.cellText(1, "Key"), "2");
 }
 
+TEST(KeyedGrid, AFillLeavesExactlyTheRowsThatWereAdded) {
+    KeyedGrid grid;
+    const QIcon picture(":/icons/complete.svg");
+    grid.reset({{"Flag", "Active", false, true}, {"Device", "Mail", false, false, true, false, picture}});
+    grid.addRow({{"", true}, {"", true}});
+    {
+        const KeyedGrid::Fill fill(grid);
+        for (int i = 0; i < 200; ++i)
+            grid.addRow({{"", i % 2 == 0}, {"", false}});
+    }
+    EXPECT_EQ(grid.gridRowCount(), 201);
+    EXPECT_EQ(grid.item(200, 0)->checkState(), Qt::Unchecked);
+    EXPECT_EQ(grid.item(199, 0)->checkState(), Qt::Checked);
+    EXPECT_EQ(grid.item(0, 1)->data(Qt::AccessibleTextRole), "Mail");
+    EXPECT_TRUE(grid.item(200, 1)->icon().isNull());
+    grid.setHeaders({{"Flag", "An"}, {"Device", "Post"}});
+    EXPECT_EQ(grid.item(0, 1)->data(Qt::AccessibleTextRole), "Post") << "in the present language";
+    { const KeyedGrid::Fill nothing(grid); }
+    EXPECT_EQ(grid.gridRowCount(), 201);
+}
+
 TEST(NumberBox, TakesWholeNumbersWithinItsLimitsOnly) {
     NumberBox box(-999, 999);
     QTest::keyClicks(&box, "1a2.3 4");

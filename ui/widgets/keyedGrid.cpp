@@ -21,16 +21,58 @@ namespace {
 
 constexpr int valueRole = Qt::UserRole;
 
-// Compares by value, so that numbers and dates do not sort as texts.
+// A cell keeps its text and its value; its looks are those of its column, which lives as long as the rows do.
 class ValueItem : public QTableWidgetItem {
   public:
-    bool operator<(const QTableWidgetItem& other) const override {
-        const QVariant mine = data(valueRole);
-        const QVariant theirs = other.data(valueRole);
-        if (mine.typeId() == QMetaType::QString)
-            return QString::localeAwareCompare(mine.toString(), theirs.toString()) < 0;
-        return QVariant::compare(mine, theirs) == QPartialOrdering::Less;
+    ValueItem(const KeyedGrid::Column& column, const KeyedGrid::Cell& cell)
+        : column_(column), text_(shown(column) ? fromUtf8(cell.text) : QString()), value_(cell.value) {
+        setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+        if (!value_.isValid())
+            value_ = fromUtf8(cell.text);
+        // A cell is one line high: line breaks of a long note show as blanks, the tip has the whole text.
+        if (text_.contains('\n') || text_.contains('\r')) {
+            setToolTip(text_.left(2000).toHtmlEscaped().replace('\n', "<br>"));
+            text_ = text_.simplified();
+        }
     }
+
+    QVariant data(int role) const override {
+        const bool on = (role == Qt::DecorationRole || role == Qt::AccessibleTextRole) &&
+                        !column_.picture.isNull() && value_.toBool();
+        switch (role) {
+            case valueRole:
+                return value_;
+            case Qt::DisplayRole:
+                return text_;
+            case Qt::TextAlignmentRole:
+                return column_.centred ? QVariant(Qt::AlignCenter) : QVariant();
+            case Qt::CheckStateRole:
+                return column_.checkBox ? QVariant(value_.toBool() ? Qt::Checked : Qt::Unchecked)
+                                        : QVariant();
+            case Qt::DecorationRole:
+                return on ? QVariant(column_.picture) : QVariant();
+            case Qt::AccessibleTextRole:
+                // Who cannot see the picture is told what it stands for.
+                return on ? QVariant(fromUtf8(column_.header)) : QVariant();
+            default:
+                return QTableWidgetItem::data(role);
+        }
+    }
+
+    // Compares by value, so that numbers and dates do not sort as texts.
+    bool operator<(const QTableWidgetItem& other) const override {
+        const QVariant theirs = other.data(valueRole);
+        if (value_.typeId() == QMetaType::QString)
+            return QString::localeAwareCompare(value_.toString(), theirs.toString()) < 0;
+        return QVariant::compare(value_, theirs) == QPartialOrdering::Less;
+    }
+
+  private:
+    static bool shown(const KeyedGrid::Column& column) { return !column.checkBox && column.picture.isNull(); }
+
+    const KeyedGrid::Column& column_;
+    QString text_;
+    QVariant value_;
 };
 
 // Draws the box of a check-box cell in the cell's middle; the style alone would put it at the left edge.
@@ -86,14 +128,6 @@ class MiddleElidingDelegate : public QStyledItemDelegate {
     }
 };
 
-// Who cannot see the picture is told what it stands for.
-void showPicture(QTableWidgetItem& item, const KeyedGrid::Column& column, bool shown) {
-    if (!shown)
-        return;
-    item.setIcon(column.picture);
-    item.setData(Qt::AccessibleTextRole, fromUtf8(column.header));
-}
-
 }  // namespace
 
 KeyedGrid::KeyedGrid(QWidget* parent) : QTableWidget(parent) {
@@ -130,34 +164,34 @@ void KeyedGrid::reset(const std::vector<Column>& columns) {
 void KeyedGrid::setHeaders(const std::vector<Column>& columns) {
     if (columns.size() != columns_.size())
         return;
-    for (int i = 0; i < columnCount(); ++i)
-        horizontalHeaderItem(i)->setText(fromUtf8(columns[static_cast<std::size_t>(i)].header));
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        columns_[i].header = columns[i].header;
+        horizontalHeaderItem(static_cast<int>(i))->setText(fromUtf8(columns[i].header));
+    }
     fitColumns();
 }
 
+KeyedGrid::Fill::Fill(KeyedGrid& grid) : grid_(grid) {
+    grid_.setUpdatesEnabled(false);
+    grid_.filled_ = grid_.rowCount();
+}
+
+KeyedGrid::Fill::~Fill() {
+    grid_.setRowCount(std::exchange(grid_.filled_, notFilling));
+    grid_.setUpdatesEnabled(true);
+}
+
 void KeyedGrid::addRow(const std::vector<Cell>& cells) {
-    const int row = rowCount();
-    insertRow(row);
-    for (std::size_t i = 0; i < columns_.size() && i < cells.size(); ++i) {
-        auto* item = new ValueItem;
-        const QVariant value = cells[i].value.isValid() ? cells[i].value : QVariant(fromUtf8(cells[i].text));
-        item->setData(valueRole, value);
-        item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
-        if (columns_[i].checkBox)
-            item->setCheckState(value.toBool() ? Qt::Checked : Qt::Unchecked);
-        else if (!columns_[i].picture.isNull())
-            showPicture(*item, columns_[i], value.toBool());
-        else
-            item->setText(fromUtf8(cells[i].text));
-        // A cell is one line high: line breaks of a long note show as blanks, the tip has the whole text.
-        if (const QString whole = item->text(); whole.contains('\n') || whole.contains('\r')) {
-            item->setText(whole.simplified());
-            item->setToolTip(whole.left(2000).toHtmlEscaped().replace('\n', "<br>"));
-        }
-        if (columns_[i].centred)
-            item->setTextAlignment(Qt::AlignCenter);
-        setItem(row, static_cast<int>(i), item);
-    }
+    const bool filling = filled_ != notFilling;
+    const int row = filling ? filled_ : rowCount();
+    // During a fill the rows come in ever larger blocks, and no cell is told of by itself: all of the grid is
+    // painted after it.
+    if (row == rowCount())
+        setRowCount(filling ? std::max(64, 2 * row) : row + 1);
+    const QSignalBlocker quiet(filling ? model() : nullptr);
+    for (std::size_t i = 0; i < columns_.size() && i < cells.size(); ++i)
+        setItem(row, static_cast<int>(i), new ValueItem(columns_[i], cells[i]));
+    filled_ = filling ? row + 1 : notFilling;
 }
 
 void KeyedGrid::fitColumns() {

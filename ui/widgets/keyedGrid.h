@@ -37,11 +37,11 @@ class KeyedGrid : public QTableWidget {
     };
     // Adds a row with one cell per column, in column order.
     void addRow(const std::vector<Cell>& cells);
-    // While an instance lives the grid does not paint.
+    // While an instance lives the grid does not paint, and it has room for more rows than were added.
     class Fill {
       public:
-        explicit Fill(KeyedGrid& grid) : grid_(grid) { grid_.setUpdatesEnabled(false); }
-        ~Fill() { grid_.setUpdatesEnabled(true); }
+        explicit Fill(KeyedGrid& grid);
+        ~Fill();
         Fill(const Fill&) = delete;
         Fill& operator=(const Fill&) = delete;
 
@@ -95,6 +95,8 @@ class KeyedGrid : public QTableWidget {
         int header = 0;   // what the header alone wants
     };
     std::vector<Width> widths_;
+    static constexpr int notFilling = -1;
+    int filled_ = notFilling;  // rows that hold something, during a fill
     bool doubleClicked_ = false;
 };
 

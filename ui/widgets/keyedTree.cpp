@@ -16,8 +16,16 @@ namespace {
 
 constexpr int nodeIndexRole = Qt::UserRole;
 
+// Nearly all keys are plain, and folding one of them letter by letter takes no other text.
 std::string folded(std::string_view key) {
-    return toUtf8(fromUtf8(key).toCaseFolded());
+    std::string plain(key);
+    for (char& c : plain) {
+        if (static_cast<unsigned char>(c) >= 0x80)
+            return toUtf8(fromUtf8(key).toCaseFolded());
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    }
+    return plain;
 }
 
 QBrush greyedText(const QWidget& tree) {
@@ -46,12 +54,14 @@ KeyedTree::KeyedTree(QWidget* parent) : QTreeWidget(parent) {
 }
 
 void KeyedTree::addNode(const NewNode& node) {
-    if (find(node.key))
+    std::string key = folded(node.key);
+    if (index_.contains(key))
         throw platform::makeFailure(platform::keyNotUnique, node.key);
     QTreeWidgetItem* parent = node.parent.empty() ? invisibleRootItem() : &get(node.parent);
     auto item = std::make_unique<QTreeWidgetItem>();
     item->setText(0, fromUtf8(node.text));
-    item->setIcon(0, node.icon);
+    if (!node.icon.isNull())
+        item->setIcon(0, node.icon);
     item->setData(0, nodeIndexRole, static_cast<qulonglong>(order_.size()));
     if (node.bold) {
         QFont bold = font();
@@ -62,7 +72,7 @@ void KeyedTree::addNode(const NewNode& node) {
         item->setForeground(0, greyedText(*this));
     if (node.checkBox)
         item->setCheckState(0, Qt::Unchecked);
-    index_.emplace(folded(node.key), order_.size());
+    index_.emplace(std::move(key), order_.size());
     order_.push_back({node.key, node.info, item.get()});
     parent->addChild(item.release());
 }

@@ -1,0 +1,144 @@
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <unordered_set>
+
+#include "bench/bareWindows.h"
+#include "database/deviceType.h"
+
+namespace bench {
+
+BareSelection::BareSelection(Peer& peer)
+    : peer_(peer),
+      tree_(new QTreeWidget(this)),
+      recipients_(peer.engine(), "SELECT RecipientKey, RecipientName FROM Recipients ORDER BY RecipientName"),
+      owners_(peer.engine(),
+              "SELECT DISTINCT l.RecipientKey FROM DeviceRecipient l JOIN Device d ON d.DeviceKey = "
+              "l.DeviceKey"),
+      devices_(peer.engine(),
+               "SELECT d.DeviceKey, d.DeviceType, a.DisplayName FROM DeviceRecipient l JOIN Device d ON "
+               "d.DeviceKey = l.DeviceKey JOIN AddressDetails a ON a.DeviceKey = d.DeviceKey WHERE "
+               "l.RecipientKey = ?1 ORDER BY d.DeviceType"),
+      assigned_(peer.engine(),
+                "SELECT e.DeviceKey, e.Active, l.RecipientKey FROM EventDevice e JOIN DeviceRecipient l ON "
+                "l.DeviceKey = e.DeviceKey WHERE e.EventKey = ?1"),
+      deviceActive_(peer.engine(), "SELECT DeviceActive FROM Device WHERE DeviceKey = ?1"),
+      all_(peer.engine(),
+           "SELECT r.RecipientKey, r.RecipientName, r.RecipientActive, d.DeviceKey, d.DeviceType, "
+           "a.DisplayName FROM Recipients r JOIN DeviceRecipient l ON l.RecipientKey = r.RecipientKey JOIN "
+           "Device d ON d.DeviceKey = l.DeviceKey JOIN AddressDetails a ON a.DeviceKey = d.DeviceKey ORDER "
+           "BY r.RecipientName, r.RecipientKey, d.DeviceType") {
+    tree_->setHeaderHidden(true);
+    tree_->setUniformRowHeights(true);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(new QLabel("Select Recipients"));
+    layout->addWidget(tree_, 1);
+    layout->addWidget(new QPushButton("OK"));
+    layout->addWidget(new QPushButton("Cancel"));
+    resize(480, 460);
+}
+
+long BareSelection::count() const {
+    long count = tree_->topLevelItemCount();
+    for (int i = 0; i < tree_->topLevelItemCount(); ++i)
+        count += tree_->topLevelItem(i)->childCount();
+    return count;
+}
+
+void BareSelection::beginFill() {
+    tree_->setUpdatesEnabled(false);
+    tree_->clear();
+}
+
+void BareSelection::endFill() {
+    tree_->scrollToTop();
+    tree_->setUpdatesEnabled(true);
+}
+
+BareSelection::Assignments BareSelection::readAssignments(long event) {
+    peer_.called("[mdlDatabase]getRecipientsForEvent");
+    Assignments assignments;
+    for (assigned_.bind(1, event); assigned_.row();)
+        assignments[assigned_.number(0)] = {assigned_.number(1) != 0, assigned_.number(2)};
+    return assignments;
+}
+
+QTreeWidgetItem* BareSelection::addRecipient(const std::string& name, bool active) {
+    auto* item = new QTreeWidgetItem(tree_, {QString::fromStdString(name)});
+    item->setCheckState(0, Qt::Unchecked);
+    if (!active)
+        item->setForeground(0, palette().brush(QPalette::Disabled, QPalette::Text));
+    return item;
+}
+
+QTreeWidgetItem* BareSelection::addDevice(QTreeWidgetItem* parent, long type, const std::string& name) {
+    QString text = QString::fromStdString(name);
+    if (type == mdlDatabase::voiceMail)
+        text += " (VoiceMail)";
+    else if (type == mdlDatabase::email)
+        text += " (E-mail)";
+    auto* item = new QTreeWidgetItem(parent, {text});
+    item->setCheckState(0, Qt::Unchecked);
+    return item;
+}
+
+void BareSelection::fill(long event) {
+    peer_.called("[mdlRecDevices]populateRecipientsList");
+    const Assignments assignments = readAssignments(event);
+    std::unordered_set<long> owners;
+    while (owners_.row())
+        owners.insert(owners_.number(0));
+    beginFill();
+    while (recipients_.row()) {
+        const long key = recipients_.number(0);
+        if (!owners.contains(key))
+            continue;
+        addDevices(addRecipient(recipients_.text(1), peer_.active(key)), key, assignments);
+    }
+    endFill();
+}
+
+void BareSelection::addDevices(QTreeWidgetItem* parent, long recipient, const Assignments& assignments) {
+    peer_.called("[mdlRecDevices]addDevicesForRecipient");
+    for (devices_.bind(1, recipient); devices_.row();) {
+        const long key = devices_.number(0);
+        QTreeWidgetItem* item = addDevice(parent, devices_.number(1), devices_.text(2));
+        const auto assignment = assignments.find(key);
+        if (assignment == assignments.end())
+            continue;
+        if (assignment->second.active) {
+            parent->setExpanded(true);
+            item->setCheckState(0, Qt::Checked);
+            parent->setCheckState(0, Qt::Checked);
+            peer_.called("[mdlRecDevices]recordDeviceState");
+        }
+        peer_.called("[mdlDatabase]isDeviceActive");
+        const bool active = deviceActive_.bind(1, key).one() != 0;
+        if (!active || !peer_.active(assignment->second.recipient))
+            item->setForeground(0, palette().brush(QPalette::Disabled, QPalette::Text));
+        peer_.called("[mdlRecDevices]checkParentState");
+    }
+}
+
+void BareSelection::fillPlain(long event) {
+    const Assignments assignments = readAssignments(event);
+    beginFill();
+    QTreeWidgetItem* parent = nullptr;
+    long before = 0;
+    while (all_.row()) {
+        const long recipient = all_.number(0);
+        if (recipient != before)
+            parent = addRecipient(all_.text(1), all_.number(2) != 0);
+        before = recipient;
+        QTreeWidgetItem* item = addDevice(parent, all_.number(4), all_.text(5));
+        const auto assignment = assignments.find(all_.number(3));
+        if (assignment == assignments.end() || !assignment->second.active)
+            continue;
+        parent->setExpanded(true);
+        item->setCheckState(0, Qt::Checked);
+        parent->setCheckState(0, Qt::Checked);
+    }
+    endFill();
+}
+
+}  // namespace bench

@@ -1,0 +1,197 @@
+// The main window on a large installation against bare tables and trees of the toolkit's own, which show the
+// same rows of the same database.
+
+#include <QApplication>
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+#include "bench/bareWindows.h"
+#include "bench/driving.h"
+#include "bench/largeInstallation.h"
+#include "bench/rows.h"
+#include "core/classLog.h"
+#include "ui/dlgEditRecipients.h"
+#include "ui/frmMain.h"
+#include "ui/paneMonitoredEvents.h"
+#include "ui/paneRecipients.h"
+#include "ui/widgets/keyedGrid.h"
+
+namespace bench {
+
+namespace {
+
+constexpr int rounds = 9;
+constexpr double reach = 1.5;
+constexpr long shownEvent = 5;
+
+// What an action leaves to be laid out and painted belongs to it.
+double painted(const std::function<void()>& action) {
+    return secondsOf([&] {
+        action();
+        QApplication::processEvents();
+    });
+}
+
+// The same side with a peer that writes as many lines into a log of its own.
+Side logging(Peer& peer, Side side) {
+    return {side.name + ", with log", [&peer, run = std::move(side.run)] {
+                peer.setLogging(true);
+                const double seconds = run();
+                peer.setLogging(false);
+                return seconds;
+            }};
+}
+
+long linesOf(const std::filesystem::path& file) {
+    std::ifstream stream(file);
+    return std::count(std::istreambuf_iterator<char>(stream), {}, '\n');
+}
+
+class Windows {
+  public:
+    Windows(Table& table, const LargeInstallation& place)
+        : table_(table),
+          peerLog_(place.peerLog()),
+          peer_(place.database(), place.directory(), peerLog_),
+          bareTree_(peer_),
+          bareEvents_(peer_.engine()),
+          bareRecipients_(peer_.engine()) {
+        window_.loadNavigationTree();
+        window_.show();
+        bareTree_.resize(window_.tvNavigation->size());
+        bareTree_.show();
+    }
+
+    void treeRows() {
+        const Side ours{"ours", [&] { return painted([&] { window_.loadNavigationTree(); }); }};
+        const auto bare = [&](bool withStates) {
+            return [&, withStates] { return painted([&] { bareTree_.rebuild(withStates); }); };
+        };
+        bareTree_.rebuild(true);
+        insist(window_.tvNavigation->count() == bareTree_.count(), "both trees have the same nodes");
+        compareBoth("tree rebuild, 1,000 events, 5,000 recipients", ours,
+                    {"bare Qt tree, same queries", bare(true)});
+        table_.compare({"the same", 1, Show::timePerUnit, rounds}, ours,
+                       {"bare Qt tree, no states", bare(false)});
+    }
+
+    void eventRows() {
+        window_.selectNode("keyMonitoredEvents");
+        auto& pane = findPane<paneMonitoredEvents>(window_);
+        showBeside(bareEvents_, findControl<ui::KeyedGrid>(window_, "vsflexgridMonitoredEvents"));
+        table_.compare({"fill the grid of 1,000 events", 1, Show::timePerUnit, rounds, reach},
+                       {"ours", [&] { return painted([&] { pane.displayEvents(); }); }},
+                       {"bare Qt table, same rows", [&] { return painted([&] { bareEvents_.fill(); }); }});
+    }
+
+    void recipientRows() {
+        window_.selectNode("keyRecipients");
+        auto& pane = findPane<paneRecipients>(window_);
+        auto& grid = findControl<ui::KeyedGrid>(window_, "vsflexgridAllRecipients");
+        showBeside(bareRecipients_, grid);
+        table_.compare(
+            {"fill the grid of 5,000 recipients", 1, Show::timePerUnit, rounds, reach},
+            {"ours", [&] { return painted([&] { pane.displayAllRecipients(); }); }},
+            {"bare Qt table, same rows", [&] { return painted([&] { bareRecipients_.fill(); }); }});
+        insist(grid.rowCount() == bareRecipients_.rowCount(), "both grids have the same rows");
+        table_.compare({"scroll through 5,000 recipients", 1, Show::timePerUnit, rounds, reach},
+                       {"ours", [&] { return scrollThrough(grid); }},
+                       {"bare Qt table, same rows", [&] { return scrollThrough(bareRecipients_); }});
+        toggleRow(grid);
+    }
+
+    void selectionRows() {
+        BareSelection bare(peer_);
+        dlgEditRecipients dialog(&window_);
+        auto& tree = findControl<ui::KeyedTree>(dialog, "tvRecipients");
+        const auto peerRun = [&](void (BareSelection::*fill)(long)) {
+            return [&, fill] {
+                return openUntilPainted(bare, *bare.tree().viewport(), [&] {
+                    (bare.*fill)(shownEvent);
+                    bare.exec();
+                });
+            };
+        };
+        const Side ours{"ours", [&] {
+                            return openUntilPainted(dialog, *tree.viewport(),
+                                                    [&] { dialog.displayForm(shownEvent, "an event"); });
+                        }};
+        const Side peer{"bare Qt dialog, same queries", peerRun(&BareSelection::fill)};
+        ours.run();
+        peer.run();
+        insist(tree.count() == bare.count(), "both dialogs have the same nodes");
+        compareBoth("open the choice of 5,000 recipients", ours, peer);
+        table_.compare({"the same", 1, Show::timePerUnit, rounds}, ours,
+                       {"bare Qt dialog, one query", peerRun(&BareSelection::fillPlain)});
+    }
+
+  private:
+    // Against the peer as it is, and against one that writes as long a log. The reach is for the latter: the
+    // lines must be written.
+    void compareBoth(const char* what, const Side& ours, const Side& peer) {
+        const Side writing = logging(peer_, peer);
+        requireSameLines(ours, writing);
+        table_.compare({what, 1, Show::timePerUnit, rounds}, ours, peer);
+        table_.compare({"the same", 1, Show::timePerUnit, rounds, reach}, ours, writing);
+    }
+
+    // One run of each leaves as many lines, to one in fifty.
+    void requireSameLines(const Side& ours, const Side& peer) const {
+        const auto written = [](const std::filesystem::path& log, const Side& side) {
+            const long before = linesOf(log);
+            side.run();
+            return linesOf(log) - before;
+        };
+        const long lines = written(core::gLog().strLogFile(), ours);
+        const long peerLines = written(peerLog_, peer);
+        insist(lines > 0 && std::abs(lines - peerLines) * 50 <= lines,
+               "both sides write the same lines: " + std::to_string(lines) + " and " +
+                   std::to_string(peerLines));
+    }
+
+    static void showBeside(BareTable& bare, const QWidget& ours) {
+        bare.resize(ours.size());
+        bare.show();
+    }
+
+    // Both write the row's recipient, build the tree anew and fill the grid anew.
+    void toggleRow(ui::KeyedGrid& grid) {
+        constexpr int row = recipientCount / 2;
+        const auto ours = [&] {
+            grid.setCurrentGridCell(row, "RecipientActive");
+            return pressKey(grid, Qt::Key_Space);
+        };
+        const Side peer{"bare Qt table and tree, same queries", [&] {
+                            return painted([&] {
+                                bareRecipients_.toggle(row - 1);
+                                bareTree_.rebuild(true);
+                                bareRecipients_.fill();
+                                bareRecipients_.setCurrentCell(row - 1, 0);
+                            });
+                        }};
+        compareBoth("switch one of 5,000 recipients on or off", {"ours", ours}, peer);
+    }
+
+    Table& table_;
+    std::filesystem::path peerLog_;
+    Peer peer_;
+    frmMain window_;
+    BareTree bareTree_;
+    BareEvents bareEvents_;
+    BareRecipients bareRecipients_;
+};
+
+}  // namespace
+
+void windowRows(Table& table, const std::filesystem::path& folder) {
+    const LargeInstallation place(folder);
+    Windows windows(table, place);
+    windows.treeRows();
+    windows.eventRows();
+    windows.selectionRows();
+    windows.recipientRows();
+}
+
+}  // namespace bench
