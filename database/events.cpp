@@ -154,7 +154,8 @@ bool deleteEvent(long eventKey, std::string_view eventName) {
     return core::procedure(module, "deleteEvent", false, [&](Frame& frame, bool& deleted) {
         Recordset row = getEvent(eventKey);
         bool catchAll = false;
-        frame.step([&] { catchAll = row.boolean("EventCollection"); });
+        // One that is gone already, as after a kill, has nothing to read and still loses what depends on it.
+        frame.step([&] { catchAll = !row.EOF_() && row.boolean("EventCollection"); });
         if (catchAll) {
             platform::prompts().messageBox(
                 {myLoadResString(1248), myLoadResString(1249), BoxIcon::information});
