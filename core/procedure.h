@@ -63,7 +63,9 @@ class Frame {
     template <class Result, class Body>
     friend Result procedure(std::string_view, std::string_view, Result, Body&&);
 
-    struct Abandoned {};  // thrown at the eleventh failure, caught by procedure()
+    // Thrown at the eleventh failure, caught by procedure(). The call leaves no exit line, so the log's
+    // indent stays one step deeper; it stays so.
+    struct Abandoned {};
 
     void enter() const;
     bool run(const Step& action);

@@ -152,9 +152,9 @@ void modifyEvent(const ModifiedEvent& event) {
 
 bool deleteEvent(long eventKey, std::string_view eventName) {
     return core::procedure(module, "deleteEvent", false, [&](Frame& frame, bool& deleted) {
-        Recordset row;
+        Recordset row = getEvent(eventKey);
         bool catchAll = false;
-        frame.step([&] { row = openForReading(eventQuery("*", eventKey)); });
+        // One that is gone already, as after a kill, has nothing to read and still loses what depends on it.
         frame.step([&] { catchAll = !row.EOF_() && row.boolean("EventCollection"); });
         if (catchAll) {
             platform::prompts().messageBox(

@@ -95,8 +95,9 @@ const std::string& commandLine() {
 
 void setCommandLine(int argc, const char* const* argv) {
     commandLineText.clear();
-    for (int i = 0; i < argc; ++i) {
-        if (i > 0)
+    // Without the program's own path, in whose folders a word is no argument.
+    for (int i = 1; i < argc; ++i) {
+        if (i > 1)
             commandLineText += ' ';
         commandLineText += argv[i];
     }

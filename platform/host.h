@@ -39,7 +39,7 @@ std::string name();
 // Lets a test program pass for a program elsewhere; an empty path goes back to the running one.
 void setFile(std::filesystem::path file);
 
-// The command line as one text, arguments joined by blanks.
+// The command line as one text: the arguments, joined by blanks.
 const std::string& commandLine();
 // Called once by main().
 void setCommandLine(int argc, const char* const* argv);

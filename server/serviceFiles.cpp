@@ -47,8 +47,8 @@ void flipReadOnly(const FileObject& file) {
     files::setReadOnly(path, !files::isReadOnly(path));
 }
 
-// Makes a read-only target writable.
-void clearReadOnly(core::Frame& frame, const Path& target, const Path& delivered) {
+// Makes a read-only target writable. `startAgain` turns true in a step that is refused, and ends it.
+void clearReadOnly(core::Frame& frame, const Path& target, const Path& delivered, const bool& startAgain) {
     FileObject file;
     bool readOnly = false;
     frame.step([&] { file = getFile(target); });
@@ -62,6 +62,8 @@ void clearReadOnly(core::Frame& frame, const Path& target, const Path& delivered
     // so.
     FileObject kitFile;
     frame.step([&] { flipReadOnly(file); });
+    if (startAgain)
+        return;
     frame.step([&] { kitFile = getFile(delivered); });
     frame.step([&] { flipReadOnly(kitFile); });
 }
@@ -90,7 +92,7 @@ void copyQLNService() {
             for (const auto& [running, delivered] : copies) {
                 target = serviceFolder() / running;
                 const Path kitFile = serviceFolder() / delivered;
-                clearReadOnly(frame, target, kitFile);
+                clearReadOnly(frame, target, kitFile, startAgain);
                 if (!startAgain)
                     frame.step([&, from = kitFile] { files::copyFile(from, target); });
                 if (startAgain)

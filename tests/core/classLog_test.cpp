@@ -9,6 +9,7 @@
 
 #include "platform/ado.h"
 #include "platform/files.h"
+#include "platform/host.h"
 #include "support/temporaryHost.h"
 
 namespace {
@@ -90,6 +91,19 @@ TEST_F(Log, HeaderAndLinesHaveTheirForm) {
     EXPECT_EQ(lines[9], "06:05:09 VerInfo:(" + std::string(44, ' ') + "t)   version");
     EXPECT_EQ(lines[10], "06:05:10    Info:(" + mainTag +
                              "Exiting  [mdlMain]Main_0 Start: 21909 End: 21910.5 - Elapsed: 1.5");
+}
+
+TEST_F(Log, TheWordDebugAmongTheArgumentsSendsLinesToTheDebuggerToo) {
+    const auto shown = [](const char* argument) {
+        const char* const arguments[] = {"/opt/debug/QLNAdmin", "first", argument};
+        platform::program::setCommandLine(3, arguments);
+        testing::internal::CaptureStderr();
+        core::classLog().log("text", core::logInfo, "[mdlTest]work");
+        return testing::internal::GetCapturedStderr();
+    };
+    EXPECT_EQ(shown("last"), "") << "a folder of that name is no argument";
+    EXPECT_NE(shown("/NoDeBugger").find("QLNAdmin:([mdlTest]work) text\n"), std::string::npos);
+    platform::program::setCommandLine(0, nullptr);
 }
 
 TEST_F(Log, InstancesNestAndAnUnmatchedExitIsHarmless) {

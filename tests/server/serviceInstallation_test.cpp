@@ -13,6 +13,7 @@
 #include "platform/registry.h"
 #include "server/serviceControl.h"
 #include "server/serviceFiles.h"
+#include "support/childProcess.h"
 #include "support/processEnd.h"
 #include "support/scriptedPrompts.h"
 #include "support/serviceHost.h"
@@ -251,6 +252,26 @@ TEST_F(Installation, RetriesAHeldTargetUntilTheEleventhFailure) {
               10);
     EXPECT_EQ(host.countInLog("Error count exceeded, forcing exit from [mdlUtility]copyQLNService"), 1);
     EXPECT_EQ(contentOf("HbQlnSvcRes_ENU.dll"), "old") << "each try starts with the first file";
+}
+
+TEST_F(Installation, AFlagThatCannotBeClearedStartsTheCopyAgainAtOnce) {
+    // Somebody else's file, read-only; without the kit's every step behind the flag would be one more
+    // failure.
+    const fs::path target = host.serviceFile("HbQlnSvc.exe");
+    fs::create_symlink("/proc/version", target);
+    fs::remove(host.serviceFile("HbQlnSvc.ex_"));
+    const auto ran = support::runAsOrdinaryUser(host.root(), [&] {
+        expectBox(("Cannot copy over file: " + target.string() +
+                   ".  Please make sure this file is not marked read-only.  Press Ok to try again.")
+                      .c_str(),
+                  "File copy error", BoxIcon::critical, 10);
+        mdlUtility::copyQLNService();
+        EXPECT_TRUE(prompts.finished());
+        EXPECT_EQ(host.countInLog("Err.Number = 53 "), 0);
+    });
+    if (ran == support::Ran::impossible)
+        GTEST_SKIP() << "the system lets nobody become an ordinary user here";
+    EXPECT_EQ(ran, support::Ran::passed);
 }
 
 // Looks for the password wherever another user of the machine could, while the service is installed.
