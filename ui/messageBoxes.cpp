@@ -5,8 +5,10 @@
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QTreeView>
+#include <QWindow>
 
 #include "ui/loadedWindows.h"
+#include "ui/paintingWait.h"
 #include "ui/text.h"
 
 namespace ui {
@@ -31,6 +33,15 @@ QMessageBox::Icon iconOf(BoxIcon icon) {
     return QMessageBox::NoIcon;
 }
 
+// The window that a box belongs to. One that was shown a moment ago has its place on the screen only when it
+// is up, and a box would stand beside it.
+QWidget* ownerOfBox() {
+    QWidget* owner = frontWindow();
+    if (owner && owner->windowHandle() && !owner->windowHandle()->isExposed())
+        paintBeforeGoingOn(*owner);
+    return owner;
+}
+
 // Size, kind and date of a file in full; its name has the rest.
 void widenColumns(QFileDialog& window) {
     constexpr int width = 760;
@@ -46,7 +57,7 @@ void widenColumns(QFileDialog& window) {
 }  // namespace
 
 BoxAnswer MessageBoxes::messageBox(const MessageBox& box) {
-    QMessageBox window(frontWindow());
+    QMessageBox window(ownerOfBox());
     window.setObjectName("messageBox");
     window.setIcon(iconOf(box.icon));
     window.setWindowTitle(fromUtf8(box.title));
@@ -78,7 +89,7 @@ BoxAnswer MessageBoxes::messageBox(const MessageBox& box) {
 
 std::optional<std::string> MessageBoxes::inputBox(const std::string& text, const std::string& title,
                                                   const std::string& initial) {
-    QInputDialog window(frontWindow());
+    QInputDialog window(ownerOfBox());
     window.setObjectName("inputBox");
     window.setWindowTitle(fromUtf8(title));
     window.setLabelText(fromUtf8(text));
@@ -91,7 +102,7 @@ std::optional<std::string> MessageBoxes::inputBox(const std::string& text, const
 std::optional<std::string> MessageBoxes::openFile(const FileQuestion& question) {
     // "Audio file (*.wav)|*.wav" names the pattern twice; the first half is all that the dialog needs.
     const QString description = fromUtf8(question.filter).section('|', 0, 0);
-    QFileDialog window(frontWindow(), fromUtf8(question.title), fromUtf8(question.folder), description);
+    QFileDialog window(ownerOfBox(), fromUtf8(question.title), fromUtf8(question.folder), description);
     window.setObjectName("fileDialog");
     window.setFileMode(QFileDialog::ExistingFile);
     window.setDefaultSuffix(fromUtf8(question.defaultExtension));
