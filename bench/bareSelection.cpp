@@ -28,8 +28,7 @@ BareSelection::BareSelection(Peer& peer)
            "a.DisplayName FROM Recipients r JOIN DeviceRecipient l ON l.RecipientKey = r.RecipientKey JOIN "
            "Device d ON d.DeviceKey = l.DeviceKey JOIN AddressDetails a ON a.DeviceKey = d.DeviceKey ORDER "
            "BY r.RecipientName, r.RecipientKey, d.DeviceType") {
-    tree_->setHeaderHidden(true);
-    tree_->setUniformRowHeights(true);
+    showNamesWhole(*tree_);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(new QLabel("Select Recipients"));
     layout->addWidget(tree_, 1);

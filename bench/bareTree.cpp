@@ -1,8 +1,17 @@
+#include <QHeaderView>
 #include <set>
 
 #include "bench/bareWindows.h"
 
 namespace bench {
+
+void showNamesWhole(QTreeWidget& tree) {
+    tree.setHeaderHidden(true);
+    tree.setUniformRowHeights(true);
+    tree.header()->setStretchLastSection(false);
+    tree.header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    tree.setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+}
 
 BareTree::BareTree(Peer& peer)
     : peer_(peer),
@@ -20,8 +29,7 @@ BareTree::BareTree(Peer& peer)
       exclusions_(peer.engine(), "SELECT EventSource, EventId FROM Exclusions ORDER BY EventSource, EventId"),
       icons_{QIcon(":/icons/category.svg"), QIcon(":/icons/complete.svg"), QIcon(":/icons/incomplete.svg"),
              QIcon(":/icons/inactive.svg")} {
-    setHeaderHidden(true);
-    setUniformRowHeights(true);
+    showNamesWhole(*this);
 }
 
 void BareTree::rebuild(bool withStates) {

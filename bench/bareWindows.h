@@ -14,6 +14,9 @@
 
 namespace bench {
 
+// What the console's trees look like: no header, and names that scroll sideways instead of being cut.
+void showNamesWhole(QTreeWidget& tree);
+
 // The navigation tree. With states each event's icon comes from the queries that the console runs for it;
 // without, from nothing.
 class BareTree : public QTreeWidget {

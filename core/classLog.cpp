@@ -266,8 +266,11 @@ void classLog::setCallDepth(long depth) {
 // The lowest instance number that is free. A procedure that runs inside itself gets the next one.
 long classLog::openInstances(std::string_view tag) const {
     long instance = 0;
-    while (timers_.contains(instanceKey(tag, instance)))
-        ++instance;
+    std::string key = instanceKey(tag, instance);
+    while (timers_.contains(key)) {
+        key.resize(tag.size() + 1);
+        key += std::to_string(++instance);
+    }
     return instance;
 }
 
@@ -286,12 +289,14 @@ void classLog::exitProc(std::string_view tag) {
     const std::string key = instanceKey(tag, openInstances(tag) - 1);
     const float end = timer();
     setCallDepth(callDepth_ - 1);
-    std::string text = "Exiting  " + key;
+    std::string text;
+    text.reserve(key.size() + 80);
+    text.append("Exiting  ").append(key);
     if (const auto open = timers_.find(key); open != timers_.end()) {
         const float start = open->second;
         // A call that crosses midnight shows a negative time; it stays so.
-        text += " Start: " + timerText(start) + " End: " + timerText(end) +
-                " - Elapsed: " + elapsedTime(end - start);
+        text.append(" Start: ").append(timerText(start)).append(" End: ").append(timerText(end));
+        text.append(" - Elapsed: ").append(elapsedTime(end - start));
         timers_.erase(open);
     }
     log(text, logInfo, tag);

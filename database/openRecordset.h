@@ -67,7 +67,7 @@ inline platform::Recordset queryProcedure(std::string_view name, std::string_vie
 
 // The framed operation that reads whether a thing is active. False when there is no such row, with a failure
 // of our own in the log: number 1001 above the object-error base.
-inline bool activeProcedure(const std::string& name, const std::string& thing, std::string_view source,
+inline bool activeProcedure(std::string_view name, std::string_view thing, std::string_view source,
                             long key) {
     return core::procedure("mdlDatabase", name, false, [&](core::Frame& frame, bool& active) {
         platform::Recordset row;
@@ -76,9 +76,10 @@ inline bool activeProcedure(const std::string& name, const std::string& thing, s
             constexpr long objectError = -2147221504;
             if (row.EOF_())
                 throw platform::Failure(objectError + 1001,
-                                        thing + " was not found.  " + thing + "Key = " + std::to_string(key),
-                                        "[mdlDatabase]" + name);
-            active = row.boolean(thing + "Active");
+                                        std::string(thing) + " was not found.  " + std::string(thing) +
+                                            "Key = " + std::to_string(key),
+                                        "[mdlDatabase]" + std::string(name));
+            active = row.boolean(std::string(thing) + "Active");
         });
         frame.step([&] { row.close(); });
     });

@@ -210,54 +210,42 @@ bool endsCondition(std::string_view word) {
                        [&](std::string_view each) { return equalsIgnoringCase(word, each); });
 }
 
-// Where the condition of a plain statement begins, if it has one that goes on to the statement's end.
-std::size_t conditionToTheEnd(std::string_view plain) {
-    std::size_t condition = std::string_view::npos;
-    int depth = 0;
-    for (std::size_t i = 0; i < plain.size();) {
-        const std::size_t start = i;
-        while (i < plain.size() && isWordCharacter(plain[i]))
-            ++i;
-        if (i == start) {
-            depth += plain[i] == '(' ? 1 : plain[i] == ')' ? -1 : 0;
-            ++i;
-            continue;
-        }
-        const std::string_view word = plain.substr(start, i - start);
-        if (condition != std::string_view::npos) {
-            if (endsCondition(word))
-                return std::string_view::npos;
-        } else if (depth == 0 && equalsIgnoringCase(word, "WHERE")) {
-            condition = i;
-        }
-    }
-    return condition;
-}
-
 constexpr std::size_t safeDigits = 18;
 
-// withNumbersTaken of a plain statement whose condition goes from there to its end.
-std::string numbersTakenFromPlain(std::string_view plain, std::size_t condition,
-                                  std::vector<std::int64_t>& numbers) {
+bool isWholeNumber(std::string_view word) {
+    return word.size() <= safeDigits && std::all_of(word.begin(), word.end(), isDigit);
+}
+
+// withNumbersTaken of a plain statement. Its words and signs are all there is, so one look at each
+// character does.
+std::string numbersTakenFromPlain(std::string_view plain, std::vector<std::int64_t>& numbers) {
     std::string result;
     result.reserve(plain.size());
     std::size_t copied = 0;
-    for (std::size_t i = condition; i < plain.size(); ++i) {
-        if (plain[i] != '=' && plain[i] != '>')
+    int depth = 0;
+    bool condition = false;
+    bool compared = false;
+    for (std::size_t i = 0; i < plain.size();) {
+        const char first = plain[i];
+        const std::size_t start = i++;
+        if (!isWordCharacter(first)) {
+            depth += first == '(' ? 1 : first == ')' ? -1 : 0;
+            if (!isBlank(first))
+                compared = first == '=' || first == '>';
             continue;
-        std::size_t start = i + 1;
-        while (start < plain.size() && isBlank(plain[start]))
-            ++start;
-        std::size_t end = start;
-        while (end < plain.size() && isDigit(plain[end]))
-            ++end;
-        if (end == start || end - start > safeDigits || (end < plain.size() && plain[end] == '.'))
-            continue;
-        std::int64_t number = 0;
-        std::from_chars(plain.data() + start, plain.data() + end, number);
-        numbers.push_back(number);
-        result.append(plain, copied, start - copied).append(1, '?');
-        copied = end;
+        }
+        while (i < plain.size() && isWordCharacter(plain[i]))
+            ++i;
+        const std::string_view word = plain.substr(start, i - start);
+        if (compared && condition && isWholeNumber(word) && (i == plain.size() || plain[i] != '.')) {
+            std::int64_t number = 0;
+            std::from_chars(word.data(), word.data() + word.size(), number);
+            numbers.push_back(number);
+            result.append(plain, copied, start - copied).append(1, '?');
+            copied = i;
+        }
+        condition = condition ? !endsCondition(word) : depth == 0 && equalsIgnoringCase(word, "WHERE");
+        compared = false;
     }
     return result.append(plain, copied);
 }
@@ -265,16 +253,12 @@ std::string numbersTakenFromPlain(std::string_view plain, std::size_t condition,
 }  // namespace
 
 std::string withNumbersTaken(std::string_view translated, std::vector<std::int64_t>& numbers) {
-    if (isPlain(translated)) {
-        const std::size_t condition = conditionToTheEnd(translated);
-        if (condition != std::string_view::npos)
-            return numbersTakenFromPlain(translated, condition, numbers);
-    }
+    if (isPlain(translated))
+        return numbersTakenFromPlain(translated, numbers);
     const char* const end = translated.data() + translated.size();
     const auto isWhole = [&](const Token& token) {
         const char* const after = token.text.data() + token.text.size();
-        return token.kind == TokenKind::word && token.text.size() <= safeDigits &&
-               std::all_of(token.text.begin(), token.text.end(), isDigit) && (after == end || *after != '.');
+        return token.kind == TokenKind::word && isWholeNumber(token.text) && (after == end || *after != '.');
     };
     std::string result;
     result.reserve(translated.size());

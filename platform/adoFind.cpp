@@ -58,6 +58,8 @@ void Recordset::Impl::find(const Criterion& criterion, std::size_t from) {
             return std::nullopt;
         return ado::searchKey(candidate);
     };
+    if (indexes.empty())
+        indexes.resize(fields.size());
     ColumnIndex& index = indexes[criterion.field];
     // One search is cheaper without the index; who searches twice will search often.
     if (++index.uses == 1) {

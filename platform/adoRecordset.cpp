@@ -25,7 +25,7 @@ constexpr std::size_t blockSize = 256;
 constexpr std::size_t rowsReadAtOnce = 64;
 // Rows that the blocks of values have room for: few at first, since most results are short.
 std::size_t roomOf(std::size_t block) {
-    return std::size_t{2} << std::min<std::size_t>(block, 8);
+    return std::size_t{4} << std::min<std::size_t>(block, 7);
 }
 
 // Without regard to case. The columns of a table often begin alike, so the last letter is compared first.
@@ -59,9 +59,7 @@ Recordset::Impl::Impl(std::string_view statement, Connection& owner, std::unique
         field.name = std::move(name);
         fields.push_back(std::move(field));
     }
-    indexes.resize(fields.size());
     asked.resize(fields.size() + 1);  // one more, so that it is never empty
-    shown.resize(fields.size());
 }
 
 // A recordset is writable when each of its columns is a column of one and the same table. Otherwise it
@@ -437,6 +435,9 @@ const std::string& Recordset::fieldName(std::size_t index) const {
 const Value& Recordset::value(std::string_view field) const {
     Impl& impl = opened(impl_);
     const ado::Cell& cell = impl.cell(field);
+    // Most recordsets are never asked in this way.
+    if (impl.shown.empty())
+        impl.shown.resize(impl.fields.size());
     return impl.shown[impl.lastAsked] = ado::valueOf(cell);
 }
 

@@ -30,12 +30,10 @@ void Finalize::operator()(sqlite3_stmt* statement) const noexcept {
 
 Handle StatementCache::take(const std::string& text) {
     const auto found = statements_.find(text);
-    if (found == statements_.end())
+    if (found == statements_.end() || !found->second)
         return nullptr;
-    Handle statement = std::move(found->second);
-    statements_.erase(found);
-    sqlite3_stmt_status(statement.get(), SQLITE_STMTSTATUS_REPREPARE, 1);
-    return statement;
+    sqlite3_stmt_status(found->second.get(), SQLITE_STMTSTATUS_REPREPARE, 1);
+    return std::move(found->second);
 }
 
 void StatementCache::giveBack(const std::string& text, Handle statement) {
@@ -43,10 +41,14 @@ void StatementCache::giveBack(const std::string& text, Handle statement) {
     sqlite3_clear_bindings(statement.get());
     if (closed_)
         return;
+    if (const auto known = statements_.find(text); known != statements_.end()) {
+        known->second = std::move(statement);
+        return;
+    }
     // Those that are asked for again are soon back.
     if (statements_.size() == keptStatements)
         statements_.clear();
-    statements_.insert_or_assign(text, std::move(statement));
+    statements_.emplace(text, std::move(statement));
 }
 
 void StatementCache::clear() noexcept {

@@ -45,7 +45,7 @@ class StatementCache {
     void close() noexcept;
 
   private:
-    std::unordered_map<std::string, Handle> statements_;
+    std::unordered_map<std::string, Handle> statements_;  // nothing where somebody runs it
     bool closed_ = false;
 };
 

@@ -198,6 +198,8 @@ TEST(Dialect, TakesComparedWholeNumbersOut) {
               "SELECT a = 1 FROM T WHERE b = ? UNION SELECT a = 3 FROM T WHERE c = ? ORDER BY a = 1 2 4");
     EXPECT_EQ(form("SELECT a FROM T WHERE b<>3 AND c >= 4 AND (d=5) OR e = a6 LIMIT 7"),
               "SELECT a FROM T WHERE b<>? AND c >= ? AND (d=?) OR e = a6 LIMIT 7 3 4 5");
+    EXPECT_EQ(form("SELECT (b = 1) FROM T WHERE b=2 AND (c =(SELECT d = 3)) AND e = 4 ORDER BY b = 5, f > 6"),
+              "SELECT (b = 1) FROM T WHERE b=? AND (c =(SELECT d = 3)) AND e = 4 ORDER BY b = 5, f > 6 2");
     EXPECT_EQ(form("SELECT a FROM T WHERE b = 1.5 OR c = .5 OR d = 12 OR e ="),
               "SELECT a FROM T WHERE b = 1.5 OR c = .5 OR d = ? OR e = 12");
     for (const char* text :

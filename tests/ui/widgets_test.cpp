@@ -51,11 +51,18 @@ TEST(KeyedTree, KnowsNodesByKeyWithoutCaseAndByOrder) {
     EXPECT_EQ(tree.info("CHILD-1").nodeType, 4);
     EXPECT_EQ(tree.keyAt(2), "Child-1");
     EXPECT_EQ(failureNumber([&] { tree.addNode(node("", "KEYa", "again")); }), platform::keyNotUnique);
-    EXPECT_EQ(failureNumber([&] { tree.addNode(node("nobody", "x", "x")); }), platform::elementNotFound);
+    for (const char* parent : {"nobody", "x"})
+        EXPECT_EQ(failureNumber([&] { tree.addNode(node(parent, "x", "x")); }), platform::elementNotFound);
+    EXPECT_FALSE(tree.contains("x"));
     EXPECT_EQ(failureNumber([&] { tree.keyAt(3); }), platform::elementNotFound);
     EXPECT_EQ(failureNumber([&] { tree.keyAt(0); }), platform::elementNotFound);
     EXPECT_EQ(tree.count(), 2);
+    // Letters beyond the plain ones have cases too, and some become plain ones.
+    tree.addNode(node("", "GR\u00dcN \u212a", "umlaut"));
+    EXPECT_EQ(tree.nodeText("gr\u00fcn k"), "umlaut");
+    EXPECT_EQ(failureNumber([&] { tree.addNode(node("", "Gr\u00fcN K", "again")); }), platform::keyNotUnique);
     tree.clearNodes();
+    EXPECT_FALSE(tree.contains("keyA"));
     EXPECT_EQ(tree.count(), 0);
     EXPECT_EQ(tree.selectedKey(), "");
 }

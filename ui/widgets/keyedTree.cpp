@@ -5,6 +5,8 @@
 #include <QMouseEvent>
 #include <QScopedValueRollback>
 #include <QScrollBar>
+#include <algorithm>
+#include <cstdint>
 #include <utility>
 
 #include "platform/failure.h"
@@ -16,16 +18,25 @@ namespace {
 
 constexpr int nodeIndexRole = Qt::UserRole;
 
-// Nearly all keys are plain, and folding one of them letter by letter takes no other text.
+char lowerCase(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// Nearly all keys are plain: those are folded letter by letter, without another text.
+bool isPlain(std::string_view key) {
+    return std::all_of(key.begin(), key.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
 std::string folded(std::string_view key) {
-    std::string plain(key);
-    for (char& c : plain) {
-        if (static_cast<unsigned char>(c) >= 0x80)
-            return toUtf8(fromUtf8(key).toCaseFolded());
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    }
-    return plain;
+    return toUtf8(fromUtf8(key).toCaseFolded());
+}
+
+// FNV-1a in 64 bits, with its two constants.
+std::size_t hashOfFolded(std::string_view key) {
+    std::uint64_t hash = 14695981039346656037U;
+    for (const char c : key)
+        hash = (hash ^ static_cast<unsigned char>(lowerCase(c))) * 1099511628211U;
+    return hash;
 }
 
 QBrush greyedText(const QWidget& tree) {
@@ -53,16 +64,35 @@ KeyedTree::KeyedTree(QWidget* parent) : QTreeWidget(parent) {
     connect(this, &QTreeWidget::itemChanged, this, &KeyedTree::noteCheck);
 }
 
+std::size_t KeyedTree::KeyHash::operator()(std::string_view key) const {
+    return isPlain(key) ? hashOfFolded(key) : hashOfFolded(folded(key));
+}
+
+bool KeyedTree::SameKey::operator()(std::string_view left, std::string_view right) const {
+    if (isPlain(left) && isPlain(right))
+        return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                          [](char a, char b) { return lowerCase(a) == lowerCase(b); });
+    return folded(left) == folded(right);
+}
+
 void KeyedTree::addNode(const NewNode& node) {
-    std::string key = folded(node.key);
-    if (index_.contains(key))
+    const std::size_t place = order_.size();
+    Node& added = order_.emplace_back(Node{node.key, node.info, nullptr});
+    if (!index_.try_emplace(added.key, place).second) {
+        order_.pop_back();
         throw platform::makeFailure(platform::keyNotUnique, node.key);
-    QTreeWidgetItem* parent = node.parent.empty() ? invisibleRootItem() : &get(node.parent);
+    }
+    QTreeWidgetItem* parent = node.parent.empty() ? invisibleRootItem() : find(node.parent);
+    if (!parent) {
+        index_.erase(added.key);
+        order_.pop_back();
+        throw platform::makeFailure(platform::elementNotFound, node.parent);
+    }
     auto item = std::make_unique<QTreeWidgetItem>();
     item->setText(0, fromUtf8(node.text));
     if (!node.icon.isNull())
         item->setIcon(0, node.icon);
-    item->setData(0, nodeIndexRole, static_cast<qulonglong>(order_.size()));
+    item->setData(0, nodeIndexRole, static_cast<qulonglong>(place));
     if (node.bold) {
         QFont bold = font();
         bold.setBold(true);
@@ -72,19 +102,18 @@ void KeyedTree::addNode(const NewNode& node) {
         item->setForeground(0, greyedText(*this));
     if (node.checkBox)
         item->setCheckState(0, Qt::Unchecked);
-    index_.emplace(std::move(key), order_.size());
-    order_.push_back({node.key, node.info, item.get()});
+    added.item = item.get();
     parent->addChild(item.release());
 }
 
 void KeyedTree::clearNodes() {
-    order_.clear();
     index_.clear();
+    order_.clear();
     clear();
 }
 
 QTreeWidgetItem* KeyedTree::find(std::string_view key) const {
-    const auto found = index_.find(folded(key));
+    const auto found = index_.find(key);
     return found == index_.end() ? nullptr : order_[found->second].item;
 }
 

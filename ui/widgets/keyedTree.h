@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QTreeWidget>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -109,8 +110,15 @@ class KeyedTree : public QTreeWidget {
         classNodeInfo info;
         QTreeWidgetItem* item;
     };
-    std::vector<Node> order_;
-    std::unordered_map<std::string, std::size_t> index_;  // folded key to place in order_
+    // Keys are compared without regard to case. The hash may throw, so the index remembers it.
+    struct KeyHash {
+        std::size_t operator()(std::string_view key) const;
+    };
+    struct SameKey {
+        bool operator()(std::string_view left, std::string_view right) const;
+    };
+    std::deque<Node> order_;  // a node stays where it is, because the index shows its key
+    std::unordered_map<std::string_view, std::size_t, KeyHash, SameKey> index_;  // key to place in order_
     std::string pressedKey_;
     std::string chosenKey_;   // what was selected before the press
     std::string checkedKey_;  // whose box was switched by the present event
