@@ -68,7 +68,7 @@ void paneExclusions::controlInit() {
 void paneExclusions::displayAllExclusions() {
     core::procedure(module, "displayAllExclusions", [&](core::Frame& frame) {
         platform::Recordset exclusions = mdlDatabase::getExclusions();
-        frame.step([&] { vsflexgridAllExclusions->reset(gridColumns()); });
+        frame.step([&] { vsflexgridAllExclusions->setColumns(gridColumns()); });
         ui::addRecords(frame, *vsflexgridAllExclusions, exclusions, gridRow);
         frame.step([&] { vsflexgridAllExclusions->fitColumns(); });
         frame.step([&] { resizeAllExclusionsGrid(); });

@@ -125,7 +125,7 @@ void paneMonitoredEvents::refillInPresentLanguage() {
 void paneMonitoredEvents::displayEvents() {
     core::procedure(module, "displayEvents", [&](core::Frame& frame) {
         platform::Recordset events = mdlDatabase::getEvents();
-        frame.step([&] { vsflexgridMonitoredEvents->reset(gridColumns()); });
+        frame.step([&] { vsflexgridMonitoredEvents->setColumns(gridColumns()); });
         ui::addRecords(frame, *vsflexgridMonitoredEvents, events, gridRow);
         frame.step([&] { vsflexgridMonitoredEvents->fitColumns(); });
         frame.step([&] { cmdDeleteSelectedEvent->setEnabled(false); });

@@ -99,7 +99,7 @@ void paneRecipients::displayAllRecipients() {
     core::procedure(module, "displayAllRecipients", [&](core::Frame& frame) {
         platform::Recordset recipients = mdlDatabase::getRecipients();
         const mdlDatabase::DeviceCounts counts = mdlDatabase::countDevicesByRecipient();
-        frame.step([&] { vsflexgridAllRecipients->reset(gridColumns()); });
+        frame.step([&] { vsflexgridAllRecipients->setColumns(gridColumns()); });
         ui::addRecords(frame, *vsflexgridAllRecipients, recipients,
                        [&](const platform::Recordset& row) { return gridRow(row, counts); });
         frame.step([&] { ui::closeRecords(recipients); });

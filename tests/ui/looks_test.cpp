@@ -65,7 +65,7 @@ TEST(Looks, ABoxBelongsToTheDialogThatHasTheInput) {
 
 TEST(Looks, LongHeadingsFoldBeforeTheirColumnsAreCutOff) {
     ui::KeyedGrid grid;
-    grid.reset({{"name", "Name"}, {"sent", "Last Notification Sent"}, {"count", "Devices"}});
+    grid.setColumns({{"name", "Name"}, {"sent", "Last Notification Sent"}, {"count", "Devices"}});
     grid.addRow({{"a name that wants some room", {}}, {"", {}}, {"2", 2}});
     const auto showAt = [&](int width) {
         grid.resize(width, 200);

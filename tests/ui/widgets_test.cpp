@@ -125,7 +125,7 @@ TEST(KeyedTree, SurvivesARebuildInsideItsOwnClick) {
 
 TEST(KeyedGrid, AddressesCellsByColumnKeyAndSortsByValue) {
     KeyedGrid grid;
-    grid.reset({{"Flag", "Active", false, true}, {"Key", "", true}, {"Id", "ID"}});
+    grid.setColumns({{"Flag", "Active", false, true}, {"Key", "", true}, {"Id", "ID"}});
     grid.addRow({{"", true}, {"1", 1LL}, {"All", -1LL}});
     grid.addRow({{"", false}, {"2", 2LL}, {"1000", 1000LL}});
     grid.addRow({{"", false}, {"3", 3LL}, {"9\nlines", 9LL}});
@@ -157,7 +157,8 @@ TEST(KeyedGrid, AddressesCellsByColumnKeyAndSortsByValue) {
 TEST(KeyedGrid, AFillLeavesExactlyTheRowsThatWereAdded) {
     KeyedGrid grid;
     const QIcon picture(":/icons/complete.svg");
-    grid.reset({{"Flag", "Active", false, true}, {"Device", "Mail", false, false, true, false, picture}});
+    grid.setColumns(
+        {{"Flag", "Active", false, true}, {"Device", "Mail", false, false, true, false, picture}});
     grid.addRow({{"", true}, {"", true}});
     {
         const KeyedGrid::Fill fill(grid);

@@ -46,6 +46,7 @@ std::vector<HelpHit> HelpSearch::find(const QStringList& words) const {
         return std::tie(b.inTitle, b.inText) < std::tie(a.inTitle, a.inText);
     });
     std::vector<HelpHit> hits;
+    hits.reserve(found.size());
     for (const Ranked& rank : found)
         hits.push_back({rank.page->title, rank.page->name});
     return hits;

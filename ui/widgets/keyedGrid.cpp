@@ -148,7 +148,7 @@ QAbstractItemDelegate* KeyedGrid::delegateFor(const Column& column) {
     return column.alikeBeginnings ? new MiddleElidingDelegate(this) : nullptr;
 }
 
-void KeyedGrid::reset(const std::vector<Column>& columns) {
+void KeyedGrid::setColumns(const std::vector<Column>& columns) {
     setRowCount(0);
     columns_ = columns;
     setColumnCount(static_cast<int>(columns.size()));

@@ -26,7 +26,7 @@ class KeyedGrid : public QTableWidget {
         QIcon picture = {};            // shown instead of a text where the value is true
     };
     // Drops all rows and sets the columns.
-    void reset(const std::vector<Column>& columns);
+    void setColumns(const std::vector<Column>& columns);
 
     // Gives the columns other header texts; the rows stay. Does nothing before the columns are set.
     void setHeaders(const std::vector<Column>& columns);
