@@ -136,12 +136,4 @@ TEST_F(Recipients, RowsThatAreNotThereFail) {
               1);
 }
 
-TEST_F(Recipients, TypesHaveTheirNames) {
-    Lines names;
-    for (long type = 0; type <= 8; ++type)
-        names.push_back(getDeviceLabel(type));
-    EXPECT_EQ(names, (Lines{"", "Voice mail", "Pager", "E-mail", "SMTP Address", "SNMP Trap", "Syslog",
-                            "Failover", ""}));
-}
-
 }  // namespace

@@ -6,11 +6,11 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <stdexcept>
 #include <string>
 
 #include "platform/ado.h"
+#include "support/temporaryHost.h"
 
 namespace adoTest {
 
@@ -33,44 +33,16 @@ class Folder {
 };
 
 // Another program's handle on a file.
-class Other {
+class Other : public support::Database {
   public:
-    explicit Other(const std::string& file) {
-        sqlite3* opened = nullptr;
-        EXPECT_EQ(sqlite3_open(file.c_str(), &opened), SQLITE_OK);
-        handle_.reset(opened);
-        sqlite3_busy_timeout(opened, 2000);
-    }
-    void run(const std::string& statements) {
-        EXPECT_EQ(sqlite3_exec(handle_.get(), statements.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-            << sqlite3_errmsg(handle_.get());
-    }
-    // Whether a statement can run at once.
-    bool canRun(const std::string& statement) {
-        sqlite3_busy_timeout(handle_.get(), 0);
-        return sqlite3_exec(handle_.get(), statement.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
-    }
-    // Rows as text: columns divided by "|", rows by blanks.
+    using support::Database::Database;
+    // Rows as text, divided by blanks.
     std::string read(const std::string& statement) {
         std::string result;
-        const auto append = [](void* text, int count, char** values, char**) {
-            auto& all = *static_cast<std::string*>(text);
-            if (!all.empty())
-                all += ' ';
-            for (int i = 0; i < count; ++i)
-                all += (i ? "|" : "") + std::string(values[i] ? values[i] : "Null");
-            return 0;
-        };
-        EXPECT_EQ(sqlite3_exec(handle_.get(), statement.c_str(), append, &result, nullptr), SQLITE_OK)
-            << sqlite3_errmsg(handle_.get());
+        for (const std::string& row : query(statement))
+            result += (result.empty() ? "" : " ") + row;
         return result;
     }
-
-  private:
-    struct Close {
-        void operator()(sqlite3* handle) const { sqlite3_close(handle); }
-    };
-    std::unique_ptr<sqlite3, Close> handle_;
 };
 
 inline std::string openString(const std::string& file) {

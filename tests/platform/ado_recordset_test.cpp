@@ -102,7 +102,7 @@ TEST_F(RecordsetTest, HoldsToTheDeclaredTypesOnWrite) {
     rows.set("EventActive", std::int64_t{7});
     rows.set("EventLast", Null{});
     rows.update();
-    EXPECT_EQ(other.read("SELECT EventActive, EventLast FROM Events"), "-1|Null");
+    EXPECT_EQ(other.read("SELECT EventActive, EventLast FROM Events"), "-1|NULL");
     rows.set("EventActive", "0");
     rows.update();
     EXPECT_FALSE(rows.boolean("EventActive"));
@@ -128,7 +128,7 @@ TEST_F(RecordsetTest, AddsRowsAndStandsOnTheNewOne) {
     EXPECT_EQ(rows.text("EventSource"), "old");
     rows.set("EventId", 5);
     rows.moveNext();  // drops what was set
-    EXPECT_EQ(other.read("SELECT EventSource, EventId FROM Events"), "old|Null new|Null");
+    EXPECT_EQ(other.read("SELECT EventSource, EventId FROM Events"), "old|NULL new|NULL");
     rows.moveNext();
     EXPECT_EQ(failureOf([&] { rows.set("EventId", 5); }), noCurrentRecord);
     EXPECT_EQ(failureOf([&] { rows.update(); }), noCurrentRecord);
@@ -248,9 +248,9 @@ TEST_F(RecordsetTest, AppliesABatchWholeOrNotAtAll) {
         rows.update();
     }
     EXPECT_EQ(rows.recordCount(), 5);
-    EXPECT_EQ(other.read("SELECT EventSource, EventId FROM Events"), "a|Null b|Null c|Null");
+    EXPECT_EQ(other.read("SELECT EventSource, EventId FROM Events"), "a|NULL b|NULL c|NULL");
     EXPECT_EQ(failureOf([&] { rows.updateBatch(); }), constraintViolated);
-    EXPECT_EQ(other.read("SELECT EventSource, EventId FROM Events"), "a|Null b|Null c|Null");
+    EXPECT_EQ(other.read("SELECT EventSource, EventId FROM Events"), "a|NULL b|NULL c|NULL");
     other.run("INSERT INTO Device VALUES (0, 'no transaction is left open')");
 
     rows.set("EventSource", "f");  // the row in the way, not yet written
@@ -258,7 +258,7 @@ TEST_F(RecordsetTest, AppliesABatchWholeOrNotAtAll) {
     rows.find("EventSource = 'e'", 0, 0);
     rows.deleteCurrent();
     rows.updateBatch();
-    EXPECT_EQ(other.read("SELECT EventSource, EventId FROM Events"), "a|1 c|Null d|Null f|Null");
+    EXPECT_EQ(other.read("SELECT EventSource, EventId FROM Events"), "a|1 c|NULL d|NULL f|NULL");
     rows.find("EventSource = 'f'", 0, 0);
     EXPECT_EQ(rows.number("EventKey"), 5);
     rows.updateBatch();  // nothing more to do
@@ -336,7 +336,7 @@ TEST_F(RecordsetTest, FindsARowByItsKeyWithoutTheOthersAndGoesOnFromThere) {
     rows.set("EventType", 3);
     rows.update();
     EXPECT_EQ(rows.number("EventType"), 3);
-    EXPECT_EQ(other.read("SELECT EventType FROM Events WHERE EventKey IN (6, 7)"), "Null 3");
+    EXPECT_EQ(other.read("SELECT EventType FROM Events WHERE EventKey IN (6, 7)"), "NULL 3");
     rows.addNew();
     rows.set("EventSource", "new");
     rows.set("EventId", 1);

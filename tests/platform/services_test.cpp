@@ -6,6 +6,7 @@
 
 #include <fstream>
 
+#include "adoFixture.h"
 #include "platform/accounts.h"
 #include "platform/clock.h"
 #include "platform/eventLog.h"
@@ -18,19 +19,10 @@
 namespace {
 
 namespace fs = std::filesystem;
+using adoTest::failureOf;
 using platform::EventRecord;
 using platform::ServiceState;
 using Names = std::vector<std::string>;
-
-template <class Action>
-long failureNumber(Action&& action) {
-    try {
-        action();
-    } catch (const platform::Failure& failure) {
-        return failure.number();
-    }
-    return 0;
-}
 
 mode_t modeOf(const fs::path& path) {
     struct stat status {};
@@ -49,7 +41,7 @@ TEST(ServiceManager, KnowsServicesByTheirImagePath) {
     EXPECT_EQ(platform::queryServiceStatus("hbqlnsvc").state, ServiceState::stopped);
     for (const char* name : {"Broken", "None", "", "..\\Services\\HbQlnSvc", "../HbQlnSvc"})
         EXPECT_EQ(platform::queryServiceStatus(name).error, 1060u) << name;
-    EXPECT_EQ(failureNumber([] { platform::writeServiceState("../x", ServiceState::running, 1); }), 5);
+    EXPECT_EQ(failureOf([] { platform::writeServiceState("../x", ServiceState::running, 1); }), 5);
 }
 
 TEST(ServiceManager, BelievesAStateOnlyWithItsProcess) {
@@ -120,11 +112,11 @@ TEST(Accounts, KeepHashesThatOnlyTheRightPasswordMatches) {
 TEST(Accounts, RefuseBadNamesAndNeverReplaceABrokenFile) {
     const support::TemporaryHost host;
     for (const char* name : {"", "a:b", "a\nb", "a\rb"})
-        EXPECT_EQ(failureNumber([&] { platform::setAccountPassword(name, "x"); }), 5) << name;
-    EXPECT_EQ(failureNumber([] { platform::setAccountPassword("a", std::string(5000, 'x')); }), 5);
+        EXPECT_EQ(failureOf([&] { platform::setAccountPassword(name, "x"); }), 5) << name;
+    EXPECT_EQ(failureOf([] { platform::setAccountPassword("a", std::string(5000, 'x')); }), 5);
     std::ofstream(platform::host::accountsFile()) << "good:*\n\nwithout a colon\n";
-    EXPECT_EQ(failureNumber([] { platform::setAccountPassword("a", "x"); }), 75);
-    EXPECT_EQ(failureNumber([] { platform::deleteAccount("good"); }), 75);
+    EXPECT_EQ(failureOf([] { platform::setAccountPassword("a", "x"); }), 75);
+    EXPECT_EQ(failureOf([] { platform::deleteAccount("good"); }), 75);
     EXPECT_EQ(platform::files::readFile(platform::host::accountsFile()), "good:*\n\nwithout a colon\n");
     std::ofstream(platform::host::accountsFile()) << "locked:*\nempty:\n";
     EXPECT_FALSE(platform::verifyAccount("locked", "*"));
@@ -149,9 +141,9 @@ TEST(EventLog, KeepsRecordsWhole) {
 
     EXPECT_TRUE(platform::readEvents("System").empty());
     EXPECT_EQ(modeOf(platform::host::eventLogsFolder() / "Application.log"), 0600u);
-    EXPECT_EQ(failureNumber([&] { platform::readEvents("../Application"); }), 5);
+    EXPECT_EQ(failureOf([&] { platform::readEvents("../Application"); }), 5);
     sparse.log = "Security";
-    EXPECT_EQ(failureNumber([&] { platform::appendEvent(sparse); }), 5);
+    EXPECT_EQ(failureOf([&] { platform::appendEvent(sparse); }), 5);
 }
 
 TEST(EventLog, LeavesOutTornLinesAndKeepsWritersApart) {

@@ -119,6 +119,11 @@ void Database::run(const std::string& statements) {
         << statements << ": " << sqlite3_errmsg(handle_.get());
 }
 
+bool Database::canRun(const std::string& statement) {
+    sqlite3_busy_timeout(handle_.get(), 0);
+    return sqlite3_exec(handle_.get(), statement.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
 std::vector<std::string> Database::query(const std::string& statement) {
     std::vector<std::string> rows;
     const auto collect = [](void* target, int count, char** values, char**) {

@@ -54,6 +54,8 @@ class Database {
     explicit Database(const std::filesystem::path& file, bool readOnly = false);
     // Runs statements; fails the test when one fails.
     void run(const std::string& statements);
+    // Whether a statement can run at once.
+    bool canRun(const std::string& statement);
     // Rows of a query: fields joined by '|', Null as "NULL".
     std::vector<std::string> query(const std::string& statement);
 

@@ -18,8 +18,7 @@ class ExclusionsDialog : public uiTest::MainWindow {
         for (const char* source :
              {"MeridaneCorvane_A", "MeridaneCorvane_B", "MeridaneCorvane_C", "MeridaneCorvane_D's"})
             host.setRegistry(uiTest::sourcesKey + std::string(source), "EventMessageFile", source);
-        support::run(host.databaseFile(),
-                     "INSERT INTO Exclusions VALUES(0, 'MeridaneCorvane_B', 5), (1, 'Elsewhere', -1);");
+        run("INSERT INTO Exclusions VALUES(0, 'MeridaneCorvane_B', 5), (1, 'Elsewhere', -1);");
     }
 
     void work(const std::function<void()>& action) {
@@ -41,9 +40,7 @@ class ExclusionsDialog : public uiTest::MainWindow {
         QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, place);
         QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, place);
     }
-    Lines stored() {
-        return support::query(host.databaseFile(), "SELECT EventSource, EventId FROM Exclusions ORDER BY 1");
-    }
+    Lines stored() { return rows("SELECT EventSource, EventId FROM Exclusions ORDER BY 1"); }
 
     dlgExclusions dialog{nullptr};
     ui::TextList* available = nullptr;

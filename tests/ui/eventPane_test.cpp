@@ -52,14 +52,13 @@ class EventPane : public uiTest::MainWindow {
         recipients = find<QWidget>("vsviewportDetails_1")->findChild<ui::KeyedTree*>("tvRecipients");
     }
     void makeAna(bool onEvent, bool active = true) {
-        support::run(host.databaseFile(),
-                     "INSERT INTO Recipients VALUES(1, 'Ana', -1);"
-                     "INSERT INTO Device VALUES(11, 4, 'a@b', -1), (12, 6, 'host', -1);"
-                     "INSERT INTO DeviceRecipient VALUES(11, 1), (12, 1);"
-                     "INSERT INTO AddressDetails VALUES('a@b', 'a@b', 4, 11), ('host', 'host', 6, 12);");
+        run("INSERT INTO Recipients VALUES(1, 'Ana', -1);"
+            "INSERT INTO Device VALUES(11, 4, 'a@b', -1), (12, 6, 'host', -1);"
+            "INSERT INTO DeviceRecipient VALUES(11, 1), (12, 1);"
+            "INSERT INTO AddressDetails VALUES('a@b', 'a@b', 4, 11), ('host', 'host', 6, 12);");
         if (onEvent)
-            support::run(host.databaseFile(), "INSERT INTO EventDevice VALUES(" + std::to_string(event) +
-                                                  ", 11, " + (active ? "-1" : "0") + ");");
+            run("INSERT INTO EventDevice VALUES(" + std::to_string(event) + ", 11, " + (active ? "-1" : "0") +
+                ");");
     }
     bool applyEnabled() { return find<QPushButton>("cmdEventApply")->isEnabled(); }
     void apply() { QTest::mouseClick(find<QPushButton>("cmdEventApply"), Qt::LeftButton); }
@@ -69,8 +68,7 @@ class EventPane : public uiTest::MainWindow {
     }
     std::string assignments() {
         std::string all;
-        for (const std::string& row : support::query(
-                 host.databaseFile(), "SELECT DeviceKey, Active FROM EventDevice ORDER BY DeviceKey"))
+        for (const std::string& row : rows("SELECT DeviceKey, Active FROM EventDevice ORDER BY DeviceKey"))
             all += row + " ";
         return all;
     }
@@ -89,11 +87,9 @@ class EventPane : public uiTest::MainWindow {
 TEST_F(EventPane, ShowsAnEventAndIsCleanThen) {
     makeAna(true);
     mdlDatabase::setEventActiveState(event, true);
-    support::run(host.databaseFile(),
-                 "UPDATE Contents SET ContentPriority = 2, ContentNote = 'to <User>' WHERE ContentType = 3;"
-                 "UPDATE Contents SET ContentPriority = 0 WHERE ContentType = 1 AND EventKey = " +
-                     std::to_string(event) +
-                     ";DELETE FROM Contents WHERE EventKey = " + std::to_string(other));
+    run("UPDATE Contents SET ContentPriority = 2, ContentNote = 'to <User>' WHERE ContentType = 3;"
+        "UPDATE Contents SET ContentPriority = 0 WHERE ContentType = 1 AND EventKey = " +
+        std::to_string(event) + ";DELETE FROM Contents WHERE EventKey = " + std::to_string(other));
     show(event);
     EXPECT_EQ(find<QComboBox>("comboEventSource")->currentText(), "Backup");
     EXPECT_EQ(find<ui::EventIdBox>("comboEventId")->idText(), "17");
@@ -210,10 +206,9 @@ TEST_F(EventPane, ApplyWritesWhatIsShownAndSelectsTheEventAgain) {
               "= " +
               key),
         "Cluster|-1|it's|4|0");
-    EXPECT_EQ(support::query(host.databaseFile(),
-                             "SELECT ContentAttachment, ContentPriority, ContentSubject, ContentNote FROM "
-                             "Contents WHERE EventKey = " +
-                                 key + " ORDER BY ContentType"),
+    EXPECT_EQ(rows("SELECT ContentAttachment, ContentPriority, ContentSubject, ContentNote FROM "
+                   "Contents WHERE EventKey = " +
+                   key + " ORDER BY ContentType"),
               (std::vector<std::string>{"b.wav|2|new <Type>|one\r\ntwo", "NULL|1|new <Type>|one\r\ntwo"}));
     EXPECT_EQ(assignments(), "11|-1 12|-1 ");
     EXPECT_EQ(tree->selectedKey(), nodeOf(event));
@@ -335,7 +330,7 @@ TEST_F(EventPane, LeavingAChangedEventAsks) {
 
 // The rebuild that a Yes causes runs inside the rebuild that selects the new event.
 TEST_F(EventPane, ANewEventAsksForTheChangedOneAndTheTreeIsWhole) {
-    support::run(host.databaseFile(), "INSERT INTO Exclusions VALUES(0, 'Cluster', -1);");
+    run("INSERT INTO Exclusions VALUES(0, 'Cluster', -1);");
     makeAna(true);
     for (const BoxAnswer answer : {BoxAnswer::yes, BoxAnswer::cancel}) {
         show(event);

@@ -7,8 +7,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <chrono>
-#include <cstdio>
 
 #include "database/devices.h"
 #include "database/recipients.h"
@@ -264,15 +262,6 @@ TEST_F(RecipientPanes, EveryEditCountsAsAChange) {
     EXPECT_FALSE(enabled("cmdRecipientApply"));
     push("chkRecipientActive");
     EXPECT_TRUE(enabled("cmdRecipientApply")) << "nobody else looks at the name";
-    for (const auto& [address, may] : {std::pair("a@b", true),
-                                       {"@b", false},
-                                       {"a@", false},
-                                       {"@a@b", false},
-                                       {"ab", false},
-                                       {"", false}}) {
-        type("txtSMTPAddress", address);
-        EXPECT_EQ(enabled("cmdAddToSMTPList"), may) << address;
-    }
 }
 
 TEST_F(RecipientPanes, ApplyStoresTheEditsAndKeepsTheDevicesThatStay) {
@@ -302,6 +291,7 @@ TEST_F(RecipientPanes, ApplyStoresTheEditsAndKeepsTheDevicesThatStay) {
     EXPECT_EQ(rows(devices + " > 31 ORDER BY 1, 2"), (Lines{"2|556", "3|id3", "6|"}))
         << "a syslog device without a host may be stored";
     EXPECT_EQ(value("SELECT Count(*) FROM AddressDetails WHERE DisplayName LIKE '777%'"), "1");
+    EXPECT_EQ(linesOf("tvRecipientDevices").at(0), "Pager");
     EXPECT_EQ(linesOf("tvRecipientDevices").at(1), " 777") << "the pane shows what is stored";
 }
 
@@ -433,39 +423,6 @@ TEST_F(RecipientPanes, RecipientsAreCreatedAndDeletedFromEveryPlace) {
     EXPECT_TRUE(script.finished());
     EXPECT_TRUE(prompts.finished());
     EXPECT_EQ(host.countInLog("ERROR"), 0);
-}
-
-TEST_F(RecipientPanes, FiveThousandRecipientsFillTheList) {
-    std::string inserts = "BEGIN;";
-    for (int i = 1000; i < 6000; ++i) {
-        const std::string key = std::to_string(i);
-        inserts += "INSERT INTO Recipients VALUES(" + key + ", 'Recipient " + key + "', -1);";
-        for (int j = 0; j < 3; ++j) {
-            const std::string device = std::to_string(i * 3 + j);
-            inserts +=
-                "INSERT INTO Device VALUES(" + device + ", " + std::to_string(j * 2 + 2) + ", 'x', -1);";
-            inserts += "INSERT INTO DeviceRecipient VALUES(" + device + ", " + key + ");";
-        }
-    }
-    run(inserts + "COMMIT;");
-    open();
-    using Clock = std::chrono::steady_clock;
-    const auto milliseconds = [](Clock::duration time) {
-        return static_cast<long>(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
-    };
-    const auto start = Clock::now();
-    window->selectNode("keyRecipients");
-    const auto filled = Clock::now();
-    grid = find<ui::KeyedGrid>("vsflexgridAllRecipients");
-    ASSERT_EQ(grid->gridRowCount(), 5003);
-    EXPECT_EQ(grid->cellText(5003, "SMTPDevice"), "1");
-    grid->setCurrentGridCell(4, "RecipientActive");
-    grid->scrollToItem(grid->currentItem());
-    const auto before = Clock::now();
-    clickCell(4, "RecipientActive");
-    std::printf("5,003 recipients: list filled in %ld ms, \"Active\" switched in %ld ms\n",
-                milliseconds(filled - start), milliseconds(Clock::now() - before));
-    EXPECT_EQ(active(1000), "0");
 }
 
 }  // namespace

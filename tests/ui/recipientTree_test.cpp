@@ -20,9 +20,7 @@ class RecipientTree : public uiTest::MainWindow {
     RecipientTree() {
         event = add("Backup", "17");
         const std::string key = std::to_string(event);
-        support::run(
-            host.databaseFile(),
-            "INSERT INTO Recipients VALUES(1, 'Ana', -1), (2, 'Ben', -1), (3, 'Cy', 0), (4, 'Dan', -1);"
+        run("INSERT INTO Recipients VALUES(1, 'Ana', -1), (2, 'Ben', -1), (3, 'Cy', 0), (4, 'Dan', -1);"
             "INSERT INTO Device VALUES(11, 1, 'd1', -1), (12, 3, 'd2', -1), (13, 4, 'a@b', 0),"
             "(21, 2, '555', -1), (31, 6, 'host', -1);"
             "INSERT INTO DeviceRecipient VALUES(11, 1), (12, 1), (13, 1), (21, 2), (31, 3);"
@@ -30,7 +28,7 @@ class RecipientTree : public uiTest::MainWindow {
             "('a@b', 'a@b (SMTP Address)', 4, 13), ('555', '555 (Pager)', 3, 21),"
             "('host', 'host (SYSLOG)', 6, 31);"
             "INSERT INTO EventDevice VALUES(" +
-                key + ", 11, -1), (" + key + ", 13, 0), (" + key + ", 31, -1);");
+            key + ", 11, -1), (" + key + ", 13, 0), (" + key + ", 31, -1);");
     }
 
     // Nodes as "text", with '*' when ticked and '-' when grey.
