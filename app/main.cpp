@@ -1,14 +1,14 @@
 #include <QApplication>
 
 #include "app/mdlMain.h"
-#include "platform/host.h"
-#include "platform/language.h"
+#include "platform/machine/host.h"
+#include "platform/machine/language.h"
+#include "platform/machine/windowStation.h"
 #include "platform/prompts.h"
-#include "platform/windowStation.h"
-#include "ui/appearance.h"
+#include "ui/base/appearance.h"
+#include "ui/base/messageBoxes.h"
 #include "ui/helpViewer/helpViewer.h"
-#include "ui/messageBoxes.h"
-#include "ui/windowServices.h"
+#include "ui/shell/windowServices.h"
 
 int main(int argc, char** argv) {
     platform::program::setCommandLine(argc, argv);

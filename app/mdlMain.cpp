@@ -14,15 +14,15 @@
 #include "database/events.h"
 #include "database/lifecycle.h"
 #include "database/settings.h"
-#include "platform/clock.h"
-#include "platform/host.h"
+#include "platform/machine/clock.h"
+#include "platform/machine/host.h"
 #include "platform/prompts.h"
 #include "server/legacyShortcuts.h"
 #include "server/mdlCorvane.h"
 #include "server/mdlCorvaneDatabase.h"
 #include "server/serviceControl.h"
 #include "server/serviceInstallation.h"
-#include "ui/frmMain.h"
+#include "ui/shell/frmMain.h"
 #include "ui/widgets/keyedTree.h"
 
 using modLocalize::myLoadResString;
@@ -73,15 +73,15 @@ InstanceServer::InstanceServer(platform::WindowStation& station) {
     if (station.descriptor() < 0)
         return;
     station.setActions({[] {
-                            if (gMainWindow && gMainWindow->isMinimized())
-                                gMainWindow->showNormal();
+        if (gMainWindow && gMainWindow->isMinimized())
+            gMainWindow->showNormal();
                         },
                         [] {
-                            if (!gMainWindow)
-                                return;
-                            gMainWindow->raise();
-                            gMainWindow->activateWindow();
-                        }});
+        if (!gMainWindow)
+            return;
+        gMainWindow->raise();
+        gMainWindow->activateWindow();
+    }});
     requests_ = std::make_unique<QSocketNotifier>(station.descriptor(), QSocketNotifier::Read);
     QObject::connect(requests_.get(), &QSocketNotifier::activated, requests_.get(),
                      [&station] { station.serve(); });

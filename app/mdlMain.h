@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "platform/windowStation.h"
+#include "platform/machine/windowStation.h"
 
 class QSocketNotifier;
 

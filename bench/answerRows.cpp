@@ -13,11 +13,11 @@
 #include "bench/rows.h"
 #include "core/state.h"
 #include "database/exclusions.h"
-#include "ui/dlgAddExclusion.h"
-#include "ui/dlgEvent.h"
-#include "ui/dlgSelect.h"
-#include "ui/frmMain.h"
-#include "ui/paneEventDetails.h"
+#include "ui/dialogs/dlgAddExclusion.h"
+#include "ui/dialogs/dlgEvent.h"
+#include "ui/dialogs/dlgSelect.h"
+#include "ui/panes/paneEventDetails.h"
+#include "ui/shell/frmMain.h"
 #include "ui/widgets/boundGrid.h"
 #include "ui/widgets/variableTextBox.h"
 
@@ -107,23 +107,22 @@ void dialogRows(Table& table, frmMain& window) {
     insideDialog(
         event, [&] { event.displayForm(); },
         [&] {
-            findControl<QRadioButton>(event, "optionEventId_1").click();
-            const double longest = std::max(
-                {typingIn(event, {"tdbnlSpecificEventId"}, digits),
-                 typingIn(event,
-                          {"comboEventSource", "txtEventTitle", "txtVoiceMailFileName", "rtbEmailSubject"},
-                          words),
-                 typingInBody(event)});
-            table.tell("key in the fields of a new event, with such a body", longest, reachOfKey);
+        findControl<QRadioButton>(event, "optionEventId_1").click();
+        const double longest = std::max(
+            {typingIn(event, {"tdbnlSpecificEventId"}, digits),
+             typingIn(event, {"comboEventSource", "txtEventTitle", "txtVoiceMailFileName", "rtbEmailSubject"},
+                      words),
+             typingInBody(event)});
+        table.tell("key in the fields of a new event, with such a body", longest, reachOfKey);
         });
     dlgAddExclusion exclusion(&window);
     insideDialog(
         exclusion, [&] { exclusion.displayForm(); },
         [&] {
-            findControl<QRadioButton>(exclusion, "optionEventId_1").click();
-            const double longest = std::max(typingIn(exclusion, {"comboEventSource"}, words),
-                                            typingIn(exclusion, {"tdbnlSpecificEventId"}, digits));
-            table.tell("key in the fields of a new exclusion", longest, reachOfKey);
+        findControl<QRadioButton>(exclusion, "optionEventId_1").click();
+        const double longest = std::max(typingIn(exclusion, {"comboEventSource"}, words),
+                                        typingIn(exclusion, {"tdbnlSpecificEventId"}, digits));
+        table.tell("key in the fields of a new exclusion", longest, reachOfKey);
         });
 }
 
@@ -139,19 +138,19 @@ void searchRows(Table& table, frmMain& window) {
     insideDialog(
         dialog, [&] { dialog.exec(); },
         [&] {
-            auto& text = findControl<QLineEdit>(dialog, "txtSearchString");
-            const QAbstractItemModel& rows = *findControl<ui::BoundGrid>(dialog, "myGrid").model();
-            for (int i = 0; i <= searches; ++i) {
-                text.setText("*");
-                const double first = pressKey(text, Qt::Key_Return, "\r");
-                insist(rows.rowCount() > 0, "a search shows its first rows");
-                if (i > 0)  // the first time warms up
-                    firstRows = std::max(firstRows, first);
-                while (rows.rowCount() < subscriberCount)
-                    turn = std::max(turn, secondsOf([] { QApplication::processEvents(); }));
-            }
-            key = std::max(typingIn(dialog, {"comboSearchBy"}, "e"),
-                           typingIn(dialog, {"txtSearchString"}, words));
+        auto& text = findControl<QLineEdit>(dialog, "txtSearchString");
+        const QAbstractItemModel& rows = *findControl<ui::BoundGrid>(dialog, "myGrid").model();
+        for (int i = 0; i <= searches; ++i) {
+            text.setText("*");
+            const double first = pressKey(text, Qt::Key_Return, "\r");
+            insist(rows.rowCount() > 0, "a search shows its first rows");
+            if (i > 0)  // the first time warms up
+                firstRows = std::max(firstRows, first);
+            while (rows.rowCount() < subscriberCount)
+                turn = std::max(turn, secondsOf([] { QApplication::processEvents(); }));
+        }
+        key =
+            std::max(typingIn(dialog, {"comboSearchBy"}, "e"), typingIn(dialog, {"txtSearchString"}, words));
         });
     table.tell("first rows of a search for 50,000 subscribers", firstRows, reachOfSearch);
     table.tell("one turn of the event loop while it fills", turn, reachOfKey);

@@ -7,7 +7,7 @@
 #include "host/directory.h"
 #include "host/provision.h"
 #include "host/sqliteFile.h"
-#include "platform/host.h"
+#include "platform/machine/host.h"
 
 namespace bench {
 

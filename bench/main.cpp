@@ -6,7 +6,7 @@
 
 #include "bench/rows.h"
 #include "bench/workplace.h"
-#include "ui/appearance.h"
+#include "ui/base/appearance.h"
 
 int main(int argc, char** argv) {
     // The windows of this process are not shown; those of the processes that it starts are.

@@ -190,8 +190,8 @@ int main(int argc, char** argv) {
     compare(
         "rebuildAddressDetailsTable, 15,000 devices, 52,000 entries", 1,
         [] {
-            rebuildAddressDetailsTable();
-            return deviceCount;
+        rebuildAddressDetailsTable();
+        return deviceCount;
         },
         [&] { return peer.rebuildAddressDetails(); });
     compareBoth(peer, "getRecipientsForEvent, each of 1,000 events", eventCount, overEvents(readRecipients),

@@ -5,7 +5,7 @@
 
 #include "bench/rows.h"
 #include "bench/workplace.h"
-#include "platform/ado.h"
+#include "platform/ado/ado.h"
 
 namespace bench {
 

@@ -12,10 +12,10 @@
 #include "bench/largeInstallation.h"
 #include "bench/rows.h"
 #include "core/classLog.h"
-#include "ui/dlgEditRecipients.h"
-#include "ui/frmMain.h"
-#include "ui/paneMonitoredEvents.h"
-#include "ui/paneRecipients.h"
+#include "ui/dialogs/dlgEditRecipients.h"
+#include "ui/panes/paneMonitoredEvents.h"
+#include "ui/panes/paneRecipients.h"
+#include "ui/shell/frmMain.h"
 #include "ui/widgets/keyedGrid.h"
 
 namespace bench {

@@ -5,7 +5,7 @@
 #include <exception>
 #include <string>
 
-#include "platform/host.h"
+#include "platform/machine/host.h"
 #include "platform/prompts.h"
 
 namespace core {

@@ -9,12 +9,12 @@
 #include <memory>
 
 #include "core/mdlVerInfo.h"
-#include "platform/ado.h"
-#include "platform/clock.h"
-#include "platform/debugger.h"
+#include "platform/ado/ado.h"
 #include "platform/failure.h"
-#include "platform/files.h"
-#include "platform/host.h"
+#include "platform/files/files.h"
+#include "platform/machine/clock.h"
+#include "platform/machine/debugger.h"
+#include "platform/machine/host.h"
 
 namespace core {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/textStream.h"
+#include "platform/files/textStream.h"
 
 namespace platform {
 class Recordset;

@@ -6,9 +6,9 @@
 #include "core/modLocalize.h"
 #include "core/procedure.h"
 #include "core/state.h"
-#include "platform/clock.h"
-#include "platform/files.h"
-#include "platform/host.h"
+#include "platform/files/files.h"
+#include "platform/machine/clock.h"
+#include "platform/machine/host.h"
 
 namespace mdlHTMLHelp {
 
@@ -26,20 +26,20 @@ void setHelpViewer(HelpViewer* newViewer) {
 }
 
 std::string getHelpFileName() {
-    return core::procedure(
-        moduleName, "getHelpFileName", std::string(), [](core::Frame& frame, std::string& path) {
-            frame.step([&] {
-                const std::string base = (platform::program::folder() / "QuillonService").string();
-                // The user's default language decides, not the one chosen in the About window.
-                for (const std::string& code : {modLocalize::userLanguageCode(), std::string("ENU")}) {
-                    path = base;
-                    path.append("_").append(code).append(".chm");
-                    if (platform::files::fileExists(path))
-                        return;
-                }
-                path = base + ".chm";
-            });
+    return core::procedure(moduleName, "getHelpFileName", std::string(),
+                           [](core::Frame& frame, std::string& path) {
+        frame.step([&] {
+            const std::string base = (platform::program::folder() / "QuillonService").string();
+            // The user's default language decides, not the one chosen in the About window.
+            for (const std::string& code : {modLocalize::userLanguageCode(), std::string("ENU")}) {
+                path = base;
+                path.append("_").append(code).append(".chm");
+                if (platform::files::fileExists(path))
+                    return;
+            }
+            path = base + ".chm";
         });
+    });
 }
 
 void showCHMHelp(const std::string& helpFile, long ownerWindow, std::optional<long> topic) {

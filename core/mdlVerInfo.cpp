@@ -1,7 +1,7 @@
 #include "core/mdlVerInfo.h"
 
-#include "platform/host.h"
-#include "platform/versionRecord.h"
+#include "platform/libraries/versionRecord.h"
+#include "platform/machine/host.h"
 
 namespace mdlVerInfo {
 

@@ -8,9 +8,9 @@
 #include "core/boxOnFailure.h"
 #include "core/state.h"
 #include "platform/failure.h"
-#include "platform/files.h"
-#include "platform/host.h"
-#include "platform/language.h"
+#include "platform/files/files.h"
+#include "platform/machine/host.h"
+#include "platform/machine/language.h"
 
 namespace modLocalize {
 

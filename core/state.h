@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/ado.h"
-#include "platform/stringLibrary.h"
+#include "platform/ado/ado.h"
+#include "platform/libraries/stringLibrary.h"
 
 namespace core {
 

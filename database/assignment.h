@@ -5,7 +5,7 @@
 #include <string>
 
 #include "core/dictionary.h"
-#include "platform/ado.h"
+#include "platform/ado/ado.h"
 
 namespace mdlDatabase {
 

@@ -125,28 +125,28 @@ long countDevices(long deviceType, std::optional<long> recipientKey) {
 }
 
 DeviceCounts countDevicesByRecipient() {
-    return core::procedure(
-        module, "countDevicesByRecipient", DeviceCounts(), [&](Frame& frame, DeviceCounts& counts) {
-            Recordset rows;
-            frame.step([&] {
-                rows = openForReading(
-                    "SELECT Recipients.RecipientKey, Device.DeviceType, COUNT(Device.DeviceKey) AS "
-                    "DeviceCount "
-                    "FROM Device INNER JOIN (Recipients INNER JOIN DeviceRecipient ON "
-                    "Recipients.RecipientKey = DeviceRecipient.RecipientKey) ON Device.DeviceKey = "
-                    "DeviceRecipient.DeviceKey "
-                    "GROUP BY Recipients.RecipientKey, Device.DeviceType");
-                for (; !rows.EOF_(); rows.moveNext()) {
-                    auto& ofRecipient = counts[rows.number("RecipientKey")];
-                    const long count = rows.number("DeviceCount");
-                    const long type = rows.isNull("DeviceType") ? 0 : rows.number("DeviceType");
-                    ofRecipient[allDeviceTypes] += count;
-                    if (type >= voiceMail && type <= failover)
-                        ofRecipient[static_cast<std::size_t>(type)] = count;
-                }
-                rows.close();
-            });
+    return core::procedure(module, "countDevicesByRecipient", DeviceCounts(),
+                           [&](Frame& frame, DeviceCounts& counts) {
+        Recordset rows;
+        frame.step([&] {
+            rows = openForReading(
+                "SELECT Recipients.RecipientKey, Device.DeviceType, COUNT(Device.DeviceKey) AS "
+                "DeviceCount "
+                "FROM Device INNER JOIN (Recipients INNER JOIN DeviceRecipient ON "
+                "Recipients.RecipientKey = DeviceRecipient.RecipientKey) ON Device.DeviceKey = "
+                "DeviceRecipient.DeviceKey "
+                "GROUP BY Recipients.RecipientKey, Device.DeviceType");
+            for (; !rows.EOF_(); rows.moveNext()) {
+                auto& ofRecipient = counts[rows.number("RecipientKey")];
+                const long count = rows.number("DeviceCount");
+                const long type = rows.isNull("DeviceType") ? 0 : rows.number("DeviceType");
+                ofRecipient[allDeviceTypes] += count;
+                if (type >= voiceMail && type <= failover)
+                    ofRecipient[static_cast<std::size_t>(type)] = count;
+            }
+            rows.close();
         });
+    });
 }
 
 bool isDeviceActive(long deviceKey) {

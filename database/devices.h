@@ -9,7 +9,7 @@
 
 #include "core/procedure.h"
 #include "database/deviceType.h"
-#include "platform/ado.h"
+#include "platform/ado/ado.h"
 
 namespace mdlDatabase {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/ado.h"
+#include "platform/ado/ado.h"
 
 namespace mdlDatabase {
 

@@ -102,36 +102,36 @@ void replaceExclusions(const core::Dictionary<long>& exclusions) {
 EventAnalysis analyzeEvent(long eventKey) {
     return core::procedure(module, "analyzeEvent", EventAnalysis(),
                            [&](Frame& frame, EventAnalysis& analysis) {
-                               analysis = {{"ActiveDevices", 0}, {"Recipients", 0}, {"ActiveRecipients", 0}};
-                               Recordset rows = getRecipientsForEvent(eventKey);
-                               bool any = false;
-                               frame.step([&] { any = rows.recordCount() >= 1; });
-                               if (!any)
-                                   return;
-                               for (; !rows.EOF_(); frame.step([&] { rows.moveNext(); })) {
-                                   frame.step([&] {
-                                       const long key = rows.number("RecipientKey");
-                                       if (rows.boolean("Active") && key != -1 && isRecipientActive(key))
-                                           ++analysis["ActiveDevices"];
-                                   });
-                               }
-                               frame.step([&] { rows.moveFirst(); });
-                               // The rows of a recipient lie next to each other, because the query sorts them
-                               // by his name. Two of one name may count more often than twice; it stays so.
-                               long before = 0;
-                               for (; !rows.EOF_(); frame.step([&] { rows.moveNext(); })) {
-                                   frame.step([&] {
-                                       const long key = rows.number("RecipientKey");
-                                       if (key == before)
-                                           return;
-                                       before = key;
-                                       ++analysis["Recipients"];
-                                       if (isRecipientActive(key))
-                                           ++analysis["ActiveRecipients"];
-                                   });
-                               }
-                               frame.step([&] { rows.close(); });
-                           });
+        analysis = {{"ActiveDevices", 0}, {"Recipients", 0}, {"ActiveRecipients", 0}};
+        Recordset rows = getRecipientsForEvent(eventKey);
+        bool any = false;
+        frame.step([&] { any = rows.recordCount() >= 1; });
+        if (!any)
+            return;
+        for (; !rows.EOF_(); frame.step([&] { rows.moveNext(); })) {
+            frame.step([&] {
+                const long key = rows.number("RecipientKey");
+                if (rows.boolean("Active") && key != -1 && isRecipientActive(key))
+                    ++analysis["ActiveDevices"];
+            });
+        }
+        frame.step([&] { rows.moveFirst(); });
+        // The rows of a recipient lie next to each other, because the query sorts them
+        // by his name. Two of one name may count more often than twice; it stays so.
+        long before = 0;
+        for (; !rows.EOF_(); frame.step([&] { rows.moveNext(); })) {
+            frame.step([&] {
+                const long key = rows.number("RecipientKey");
+                if (key == before)
+                    return;
+                before = key;
+                ++analysis["Recipients"];
+                if (isRecipientActive(key))
+                    ++analysis["ActiveRecipients"];
+            });
+        }
+        frame.step([&] { rows.close(); });
+    });
 }
 
 long getEventState(long eventKey) {

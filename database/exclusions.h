@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "core/dictionary.h"
-#include "platform/ado.h"
+#include "platform/ado/ado.h"
 
 namespace mdlDatabase {
 

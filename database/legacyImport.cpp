@@ -6,7 +6,7 @@
 #include "core/procedure.h"
 #include "database/events.h"
 #include "database/settings.h"
-#include "platform/ado.h"
+#include "platform/ado/ado.h"
 #include "platform/prompts.h"
 
 using core::Frame;

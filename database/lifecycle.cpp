@@ -7,8 +7,8 @@
 #include "core/procedure.h"
 #include "core/state.h"
 #include "database/openRecordset.h"
-#include "platform/files.h"
-#include "platform/host.h"
+#include "platform/files/files.h"
+#include "platform/machine/host.h"
 
 using core::Frame;
 using core::gLog;

@@ -7,7 +7,7 @@
 
 #include "core/procedure.h"
 #include "core/state.h"
-#include "platform/ado.h"
+#include "platform/ado/ado.h"
 
 namespace mdlDatabase {
 
@@ -61,8 +61,8 @@ inline platform::Value boolean(bool value) {
 inline platform::Recordset queryProcedure(std::string_view name, std::string_view source) {
     return core::procedure("mdlDatabase", name, platform::Recordset(),
                            [&](core::Frame& frame, platform::Recordset& rows) {
-                               frame.step([&] { rows = openForReading(source); });
-                           });
+        frame.step([&] { rows = openForReading(source); });
+    });
 }
 
 // The framed operation that reads whether a thing is active. False when there is no such row, with a failure

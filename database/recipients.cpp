@@ -179,18 +179,18 @@ bool invalidRecipientDevices(long recipientKey) {
 }
 
 std::set<long> recipientsWithInvalidDevices() {
-    return core::procedure(
-        module, "recipientsWithInvalidDevices", std::set<long>(), [&](Frame& frame, std::set<long>& keys) {
-            frame.step([&] {
-                Recordset rows = openForReading(
-                    "SELECT DISTINCT DeviceRecipient.RecipientKey FROM DeviceRecipient INNER JOIN "
-                    "AddressDetails ON DeviceRecipient.DeviceKey = AddressDetails.DeviceKey WHERE "
-                    "AddressDetails.AddressType = 0");
-                for (; !rows.EOF_(); rows.moveNext())
-                    keys.insert(rows.number("RecipientKey"));
-                rows.close();
-            });
+    return core::procedure(module, "recipientsWithInvalidDevices", std::set<long>(),
+                           [&](Frame& frame, std::set<long>& keys) {
+        frame.step([&] {
+            Recordset rows = openForReading(
+                "SELECT DISTINCT DeviceRecipient.RecipientKey FROM DeviceRecipient INNER JOIN "
+                "AddressDetails ON DeviceRecipient.DeviceKey = AddressDetails.DeviceKey WHERE "
+                "AddressDetails.AddressType = 0");
+            for (; !rows.EOF_(); rows.moveNext())
+                keys.insert(rows.number("RecipientKey"));
+            rows.close();
         });
+    });
 }
 
 long stateOfRecipient(const Recordset& recipient, const std::set<long>& withInvalidDevices) {

@@ -5,7 +5,7 @@
 #include <set>
 
 #include "database/recipientRecord.h"
-#include "platform/ado.h"
+#include "platform/ado/ado.h"
 
 namespace mdlDatabase {
 

@@ -53,14 +53,14 @@ long getLastKey(std::string_view tableName, std::string_view keyField) {
 std::string getConfigurationSetting(std::string_view settingName) {
     return core::procedure(module, "getConfigurationSetting", std::string(),
                            [&](Frame& frame, std::string& value) {
-                               Recordset row;
-                               frame.step([&] { row = openForReading(settingQuery("Value", settingName)); });
-                               frame.step([&] {
-                                   if (!row.EOF_())
-                                       value = row.text("Value");
-                               });
-                               frame.step([&] { row.close(); });
-                           });
+        Recordset row;
+        frame.step([&] { row = openForReading(settingQuery("Value", settingName)); });
+        frame.step([&] {
+            if (!row.EOF_())
+                value = row.text("Value");
+        });
+        frame.step([&] { row.close(); });
+    });
 }
 
 void setConfigurationSetting(std::string_view settingName, std::string_view value) {
@@ -80,20 +80,20 @@ void setConfigurationSetting(std::string_view settingName, std::string_view valu
 }
 
 DefaultContent getDefaultContent(long contentType) {
-    return core::procedure(
-        module, "getDefaultContent", DefaultContent(), [&](Frame&, DefaultContent& content) {
-            const auto orDefault = [](const std::string& setting, auto makeDefault) {
-                return setting.empty() ? std::string(makeDefault()) : setting;
-            };
-            if (contentType == 1) {
-                content.text = orDefault(getConfigurationSetting("DefaultWavAttachment"),
-                                         [] { return defaultVoiceFile; });
-            } else if (contentType == 3) {
-                content.parts["Subject"] =
-                    orDefault(getConfigurationSetting("DefaultEmailSubject"), defaultSubject);
-                content.parts["Body"] = orDefault(getConfigurationSetting("DefaultEmailBody"), defaultBody);
-            }
-        });
+    return core::procedure(module, "getDefaultContent", DefaultContent(),
+                           [&](Frame&, DefaultContent& content) {
+        const auto orDefault = [](const std::string& setting, auto makeDefault) {
+            return setting.empty() ? std::string(makeDefault()) : setting;
+        };
+        if (contentType == 1) {
+            content.text =
+                orDefault(getConfigurationSetting("DefaultWavAttachment"), [] { return defaultVoiceFile; });
+        } else if (contentType == 3) {
+            content.parts["Subject"] =
+                orDefault(getConfigurationSetting("DefaultEmailSubject"), defaultSubject);
+            content.parts["Body"] = orDefault(getConfigurationSetting("DefaultEmailBody"), defaultBody);
+        }
+    });
 }
 
 long mapPriority(long value) {

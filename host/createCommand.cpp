@@ -3,8 +3,8 @@
 
 #include "host/commands.h"
 #include "host/provision.h"
-#include "platform/host.h"
-#include "platform/serviceManager.h"
+#include "platform/machine/host.h"
+#include "platform/services/serviceManager.h"
 
 namespace qlnhost {
 

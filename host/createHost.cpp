@@ -1,10 +1,10 @@
 #include "host/demonstration.h"
 #include "host/directory.h"
 #include "host/voiceFile.h"
-#include "platform/accounts.h"
 #include "platform/failure.h"
-#include "platform/files.h"
-#include "platform/host.h"
+#include "platform/files/files.h"
+#include "platform/machine/host.h"
+#include "platform/services/accounts.h"
 
 namespace host {
 

@@ -5,8 +5,8 @@
 #include <cstdint>
 
 #include "host/demonstration.h"
-#include "platform/clock.h"
-#include "platform/eventLog.h"
+#include "platform/machine/clock.h"
+#include "platform/machine/eventLog.h"
 
 namespace host {
 

@@ -2,8 +2,8 @@
 
 #include "host/demonstration.h"
 #include "host/sqliteFile.h"
-#include "platform/files.h"
-#include "platform/host.h"
+#include "platform/files/files.h"
+#include "platform/machine/host.h"
 
 namespace host {
 

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "host/demonstration.h"
-#include "platform/registry.h"
-#include "platform/serviceManager.h"
+#include "platform/registry/registry.h"
+#include "platform/services/serviceManager.h"
 
 namespace host {
 

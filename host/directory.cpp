@@ -8,8 +8,8 @@
 
 #include "host/csv.h"
 #include "platform/failure.h"
-#include "platform/files.h"
-#include "platform/host.h"
+#include "platform/files/files.h"
+#include "platform/machine/host.h"
 
 namespace host {
 

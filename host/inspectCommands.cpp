@@ -6,10 +6,10 @@
 
 #include "host/commands.h"
 #include "host/provision.h"
-#include "platform/accounts.h"
-#include "platform/eventLog.h"
-#include "platform/files.h"
-#include "platform/serviceManager.h"
+#include "platform/files/files.h"
+#include "platform/machine/eventLog.h"
+#include "platform/services/accounts.h"
+#include "platform/services/serviceManager.h"
 
 namespace qlnhost {
 

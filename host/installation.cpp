@@ -5,7 +5,7 @@
 
 #include "host/demonstration.h"
 #include "platform/failure.h"
-#include "platform/files.h"
+#include "platform/files/files.h"
 
 namespace host {
 

@@ -9,7 +9,7 @@
 
 #include "host/commands.h"
 #include "platform/failure.h"
-#include "platform/host.h"
+#include "platform/machine/host.h"
 
 namespace {
 

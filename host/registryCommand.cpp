@@ -4,7 +4,7 @@
 #include <string>
 
 #include "host/commands.h"
-#include "platform/registry.h"
+#include "platform/registry/registry.h"
 
 namespace qlnhost {
 

@@ -6,8 +6,8 @@
 
 #include <cerrno>
 
-#include "platform/descriptor.h"
 #include "platform/failure.h"
+#include "platform/files/descriptor.h"
 
 namespace host {
 

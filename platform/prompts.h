@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/secret.h"
+#include "platform/services/secret.h"
 
 namespace platform {
 

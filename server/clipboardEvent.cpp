@@ -59,23 +59,23 @@ bool checkEventFromClipboardText(std::string_view text, std::string& source, std
                                  std::int16_t& eventType) {
     return core::procedure("mdlUtility", "checkEventFromClipboardText", false,
                            [&](core::Frame&, bool& recognised) {
-                               const std::optional<Lines> lines = firstLines(text);
-                               if (!lines)
-                                   return;
-                               const std::optional<std::string> type = valueOf((*lines)[typeLine]);
-                               if (!type)
-                                   return;
-                               eventType = typeOfWord(lowered(*type));
-                               std::optional<std::string> found = valueOf((*lines)[sourceLine]);
-                               if (!found)
-                                   return;
-                               source = std::move(*found);
-                               std::optional<std::string> id = valueOf((*lines)[idLine]);
-                               if (!id)
-                                   return;
-                               eventId = std::move(*id);
-                               recognised = true;
-                           });
+        const std::optional<Lines> lines = firstLines(text);
+        if (!lines)
+            return;
+        const std::optional<std::string> type = valueOf((*lines)[typeLine]);
+        if (!type)
+            return;
+        eventType = typeOfWord(lowered(*type));
+        std::optional<std::string> found = valueOf((*lines)[sourceLine]);
+        if (!found)
+            return;
+        source = std::move(*found);
+        std::optional<std::string> id = valueOf((*lines)[idLine]);
+        if (!id)
+            return;
+        eventId = std::move(*id);
+        recognised = true;
+    });
 }
 
 }  // namespace mdlUtility

@@ -4,7 +4,7 @@
 
 #include "core/RegistryAPI.h"
 #include "core/procedure.h"
-#include "platform/host.h"
+#include "platform/machine/host.h"
 #include "server/serviceFiles.h"
 
 namespace mdlUtility {

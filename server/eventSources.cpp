@@ -6,7 +6,7 @@
 #include "core/RegistryAPI.h"
 #include "core/procedure.h"
 #include "core/state.h"
-#include "platform/ado.h"
+#include "platform/ado/ado.h"
 #include "server/lowered.h"
 
 namespace mdlUtility {
@@ -72,15 +72,14 @@ void addFromRegistry(core::Frame& frame, SourceNames& sources, const std::string
 std::vector<std::string> getEventSources(bool useRegistry, bool corvaneOnly, bool lowerCase) {
     return core::procedure(moduleName, "getEventSources", std::vector<std::string>{},
                            [&](core::Frame& frame, std::vector<std::string>& result) {
-                               SourceNames sources(result);
-                               if (!useRegistry) {
-                                   addFromTable(frame, sources, lowerCase);
-                                   return;
-                               }
-                               for (const char* log : {"Application", "System"})
-                                   addFromRegistry(frame, sources, std::string(eventLogKey) + log,
-                                                   corvaneOnly, lowerCase);
-                           });
+        SourceNames sources(result);
+        if (!useRegistry) {
+            addFromTable(frame, sources, lowerCase);
+            return;
+        }
+        for (const char* log : {"Application", "System"})
+            addFromRegistry(frame, sources, std::string(eventLogKey) + log, corvaneOnly, lowerCase);
+    });
 }
 
 bool hasMessageFile(std::string_view keyPath) {

@@ -8,8 +8,8 @@
 
 #include "core/classLog.h"
 #include "core/procedure.h"
-#include "platform/files.h"
-#include "platform/host.h"
+#include "platform/files/files.h"
+#include "platform/machine/host.h"
 
 namespace mdlUtility {
 

@@ -37,27 +37,25 @@ std::string paddedNumber(short number) {
 }  // namespace
 
 core::CorvaneVersion getVersion() {
-    return core::procedure(
-        moduleName, "getVersion", core::CorvaneVersion{},
-        [](core::Frame& frame, core::CorvaneVersion& version) {
-            std::uint32_t versionNumber = 0;
-            std::uint32_t buildNumber = 0;
-            const auto root = RegistryAPI::HKEY_LOCAL_MACHINE;
-            frame.step(
-                [&] { versionNumber = RegistryAPI::getRegistryDword(root, versionKey, "Version Number"); });
-            frame.step(
-                [&] { buildNumber = RegistryAPI::getRegistryDword(root, versionKey, "Build Number"); });
-            const std::string versionDigits = hexadecimal(versionNumber);
-            const std::string buildDigits = hexadecimal(buildNumber);
-            // Server releases write decimal digits into the nibbles, all but the revision, which really is
-            // hexadecimal; the two readings of one value stay so.
-            version.major = reading(versionDigits.substr(0, halfLength), 10);
-            version.minor = reading(versionDigits.substr(halfLength), 10);
-            version.build = reading(buildDigits.substr(0, halfLength), 10);
-            version.revision = reading(buildDigits.substr(halfLength), 16);
-            version.text = std::to_string(version.major) + "." + std::to_string(version.minor) + "(" +
-                           std::to_string(version.build) + "." + std::to_string(version.revision) + ")";
-        });
+    return core::procedure(moduleName, "getVersion", core::CorvaneVersion{},
+                           [](core::Frame& frame, core::CorvaneVersion& version) {
+        std::uint32_t versionNumber = 0;
+        std::uint32_t buildNumber = 0;
+        const auto root = RegistryAPI::HKEY_LOCAL_MACHINE;
+        frame.step(
+            [&] { versionNumber = RegistryAPI::getRegistryDword(root, versionKey, "Version Number"); });
+        frame.step([&] { buildNumber = RegistryAPI::getRegistryDword(root, versionKey, "Build Number"); });
+        const std::string versionDigits = hexadecimal(versionNumber);
+        const std::string buildDigits = hexadecimal(buildNumber);
+        // Server releases write decimal digits into the nibbles, all but the revision, which really is
+        // hexadecimal; the two readings of one value stay so.
+        version.major = reading(versionDigits.substr(0, halfLength), 10);
+        version.minor = reading(versionDigits.substr(halfLength), 10);
+        version.build = reading(buildDigits.substr(0, halfLength), 10);
+        version.revision = reading(buildDigits.substr(halfLength), 16);
+        version.text = std::to_string(version.major) + "." + std::to_string(version.minor) + "(" +
+                       std::to_string(version.build) + "." + std::to_string(version.revision) + ")";
+    });
 }
 
 bool isVersionAtLeast(short major, short minor, short build, short revision) {

@@ -1,7 +1,7 @@
 // The server's directory database.
 #pragma once
 
-#include "platform/ado.h"
+#include "platform/ado/ado.h"
 
 namespace mdlCorvaneDatabase {
 

@@ -7,7 +7,7 @@
 #include "core/procedure.h"
 #include "core/state.h"
 #include "platform/prompts.h"
-#include "platform/serviceManager.h"
+#include "platform/services/serviceManager.h"
 #include "server/servicePolls.h"
 
 using modLocalize::myLoadResString;

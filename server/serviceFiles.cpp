@@ -9,8 +9,8 @@
 #include "core/modLocalize.h"
 #include "core/procedure.h"
 #include "platform/failure.h"
-#include "platform/files.h"
-#include "platform/host.h"
+#include "platform/files/files.h"
+#include "platform/machine/host.h"
 #include "platform/prompts.h"
 
 using modLocalize::myLoadResString;

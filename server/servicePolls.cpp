@@ -3,7 +3,7 @@
 #include <chrono>
 
 #include "core/classLog.h"
-#include "platform/clock.h"
+#include "platform/machine/clock.h"
 
 using platform::ServiceState;
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "core/procedure.h"
-#include "platform/serviceManager.h"
+#include "platform/services/serviceManager.h"
 
 namespace mdlUtility {
 

@@ -8,8 +8,8 @@
 #include "core/state.h"
 #include "database/assignment.h"
 #include "database/events.h"
-#include "platform/clock.h"
-#include "platform/eventLog.h"
+#include "platform/machine/clock.h"
+#include "platform/machine/eventLog.h"
 
 namespace mdlUtility {
 

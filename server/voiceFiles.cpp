@@ -5,8 +5,8 @@
 
 #include "core/modLocalize.h"
 #include "core/procedure.h"
-#include "platform/files.h"
-#include "platform/host.h"
+#include "platform/files/files.h"
+#include "platform/machine/host.h"
 #include "platform/prompts.h"
 #include "server/lowered.h"
 
@@ -73,22 +73,22 @@ std::filesystem::path databaseFolder() {
 std::string copyFileToDatabaseDirectory(const std::filesystem::path& path) {
     return core::procedure(moduleName, "copyFileToDatabaseDirectory", std::string(),
                            [&](core::Frame& frame, std::string& stored) {
-                               if (!files::fileExists(path))
-                                   return;
-                               const std::filesystem::path folder = databaseFolder();
-                               const std::string name = path.filename().string();
-                               // Compared without case, as the service finds its folder: required, though
-                               // another folder could bear such a name here.
-                               if (lowered(path.parent_path().string()) == lowered(folder.string())) {
-                                   stored = name;
-                                   return;
-                               }
-                               const std::optional<std::string> settled = settleName(folder, name);
-                               if (!settled)
-                                   return;
-                               frame.step([&] { files::copyFile(path, folder / *settled); });
-                               stored = *settled;
-                           });
+        if (!files::fileExists(path))
+            return;
+        const std::filesystem::path folder = databaseFolder();
+        const std::string name = path.filename().string();
+        // Compared without case, as the service finds its folder: required, though
+        // another folder could bear such a name here.
+        if (lowered(path.parent_path().string()) == lowered(folder.string())) {
+            stored = name;
+            return;
+        }
+        const std::optional<std::string> settled = settleName(folder, name);
+        if (!settled)
+            return;
+        frame.step([&] { files::copyFile(path, folder / *settled); });
+        stored = *settled;
+    });
 }
 
 }  // namespace mdlUtility

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "host/viewer/texts.h"
-#include "platform/eventLog.h"
+#include "platform/machine/eventLog.h"
 
 namespace viewer {
 

@@ -1,6 +1,6 @@
 #include "host/eventViewer/eventText.h"
 
-#include "platform/clock.h"
+#include "platform/machine/clock.h"
 
 namespace viewer {
 

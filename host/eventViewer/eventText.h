@@ -4,7 +4,7 @@
 #include <string>
 
 #include "host/viewer/texts.h"
-#include "platform/eventLog.h"
+#include "platform/machine/eventLog.h"
 
 namespace viewer {
 

@@ -2,7 +2,7 @@
 
 #include "host/eventViewer/eventWindow.h"
 #include "host/viewer/showViewer.h"
-#include "ui/appearance.h"
+#include "ui/base/appearance.h"
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);

@@ -8,7 +8,7 @@
 #include "host/service/registration.h"
 #include "host/service/run.h"
 #include "host/service/watch.h"
-#include "platform/host.h"
+#include "platform/machine/host.h"
 
 int main(int argc, char** argv) {
     try {

@@ -5,7 +5,7 @@
 #include <cctype>
 #include <utility>
 
-#include "platform/clock.h"
+#include "platform/machine/clock.h"
 
 namespace service {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/ado.h"
-#include "platform/eventLog.h"
+#include "platform/ado/ado.h"
+#include "platform/machine/eventLog.h"
 
 namespace service {
 

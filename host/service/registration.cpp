@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "platform/host.h"
-#include "platform/registry.h"
+#include "platform/machine/host.h"
+#include "platform/registry/registry.h"
 
 namespace service {
 

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "platform/failure.h"
-#include "platform/serviceManager.h"
+#include "platform/services/serviceManager.h"
 
 namespace service {
 

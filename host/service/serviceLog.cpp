@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "platform/clock.h"
-#include "platform/textStream.h"
+#include "platform/files/textStream.h"
+#include "platform/machine/clock.h"
 
 namespace service {
 

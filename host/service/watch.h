@@ -8,8 +8,8 @@
 
 #include "host/service/serviceLog.h"
 #include "host/service/work.h"
-#include "platform/ado.h"
-#include "platform/eventLog.h"
+#include "platform/ado/ado.h"
+#include "platform/machine/eventLog.h"
 
 namespace service {
 

@@ -7,8 +7,8 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/descriptor.h"
 #include "platform/failure.h"
+#include "platform/files/descriptor.h"
 
 namespace viewer {
 

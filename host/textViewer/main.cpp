@@ -4,7 +4,7 @@
 #include "host/textViewer/textWindow.h"
 #include "host/viewer/showViewer.h"
 #include "platform/failure.h"
-#include "ui/appearance.h"
+#include "ui/base/appearance.h"
 
 namespace {
 

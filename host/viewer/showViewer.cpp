@@ -5,7 +5,7 @@
 #include <QShortcut>
 #include <QWidget>
 
-#include "platform/process.h"
+#include "platform/machine/process.h"
 
 namespace viewer {
 

@@ -1,6 +1,6 @@
 #include "host/viewer/texts.h"
 
-#include "platform/language.h"
+#include "platform/machine/language.h"
 
 namespace viewer {
 

@@ -15,14 +15,14 @@
 
 #include "core/classLog.h"
 #include "core/state.h"
-#include "platform/files.h"
-#include "platform/host.h"
-#include "platform/registry.h"
+#include "platform/files/files.h"
+#include "platform/machine/host.h"
+#include "platform/registry/registry.h"
 #include "support/processEnd.h"
 #include "support/scriptedPrompts.h"
 #include "support/serviceHost.h"
 #include "support/serviceWindows.h"
-#include "ui/frmMain.h"
+#include "ui/shell/frmMain.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include <fstream>
 #include <regex>
 
-#include "platform/ado.h"
-#include "platform/files.h"
-#include "platform/host.h"
+#include "platform/ado/ado.h"
+#include "platform/files/files.h"
+#include "platform/machine/host.h"
 #include "support/temporaryHost.h"
 
 namespace {

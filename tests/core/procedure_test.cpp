@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "core/classLog.h"
-#include "platform/host.h"
+#include "platform/machine/host.h"
 #include "support/processEnd.h"
 #include "support/temporaryHost.h"
 

@@ -5,7 +5,7 @@
 #include <fstream>
 
 #include "platform/failure.h"
-#include "platform/host.h"
+#include "platform/machine/host.h"
 #include "support/temporaryHost.h"
 
 namespace {

@@ -8,8 +8,8 @@
 
 #include "core/state.h"
 #include "database/settings.h"
-#include "platform/files.h"
-#include "platform/registry.h"
+#include "platform/files/files.h"
+#include "platform/registry/registry.h"
 #include "support/childProcess.h"
 #include "support/temporaryHost.h"
 

@@ -15,13 +15,13 @@
 #include "app/mdlMain.h"
 #include "core/state.h"
 #include "database/settings.h"
-#include "platform/files.h"
-#include "platform/host.h"
-#include "platform/serviceManager.h"
+#include "platform/files/files.h"
+#include "platform/machine/host.h"
+#include "platform/services/serviceManager.h"
 #include "server/serviceControl.h"
 #include "support/scriptedPrompts.h"
 #include "support/serviceHost.h"
-#include "ui/frmMain.h"
+#include "ui/shell/frmMain.h"
 #include "ui/widgets/keyedTree.h"
 
 namespace {

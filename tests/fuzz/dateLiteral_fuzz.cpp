@@ -5,10 +5,10 @@
 #include <tuple>
 
 #include "fuzz.h"
-#include "platform/ado.h"
-#include "platform/adoDialect.h"
-#include "platform/clock.h"
+#include "platform/ado/ado.h"
+#include "platform/ado/dialect.h"
 #include "platform/failure.h"
+#include "platform/machine/clock.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "fuzz.h"
 #include "platform/failure.h"
-#include "platform/registry.h"
+#include "platform/registry/registry.h"
 
 namespace {
 

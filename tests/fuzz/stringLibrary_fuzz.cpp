@@ -1,9 +1,9 @@
 // String libraries: every string of a library that opens is valid text within the length asked for.
 
 #include "fuzz.h"
-#include "platform/peFile.h"
-#include "platform/stringLibrary.h"
-#include "platform/textStream.h"
+#include "platform/files/textStream.h"
+#include "platform/libraries/peFile.h"
+#include "platform/libraries/stringLibrary.h"
 
 namespace {
 

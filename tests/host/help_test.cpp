@@ -11,9 +11,9 @@
 
 #include "core/mdlHTMLHelp.h"
 #include "core/modLocalize.h"
-#include "platform/chmFile.h"
-#include "platform/files.h"
-#include "platform/stringLibrary.h"
+#include "platform/files/files.h"
+#include "platform/libraries/chmFile.h"
+#include "platform/libraries/stringLibrary.h"
 #include "support/temporaryHost.h"
 
 namespace {

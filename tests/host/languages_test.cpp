@@ -10,8 +10,8 @@
 #include <string>
 
 #include "core/modLocalize.h"
-#include "platform/stringLibrary.h"
-#include "platform/versionRecord.h"
+#include "platform/libraries/stringLibrary.h"
+#include "platform/libraries/versionRecord.h"
 
 namespace {
 

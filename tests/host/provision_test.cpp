@@ -11,14 +11,14 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/accounts.h"
-#include "platform/ado.h"
-#include "platform/eventLog.h"
+#include "platform/ado/ado.h"
 #include "platform/failure.h"
-#include "platform/files.h"
-#include "platform/host.h"
-#include "platform/registry.h"
-#include "platform/serviceManager.h"
+#include "platform/files/files.h"
+#include "platform/machine/eventLog.h"
+#include "platform/machine/host.h"
+#include "platform/registry/registry.h"
+#include "platform/services/accounts.h"
+#include "platform/services/serviceManager.h"
 #include "support/temporaryHost.h"
 
 namespace {

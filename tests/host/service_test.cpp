@@ -1,8 +1,8 @@
 // The service's real program: which records of the event logs it finds, and whom it would notify of them.
 #include <gtest/gtest.h>
 
-#include "platform/eventLog.h"
-#include "platform/files.h"
+#include "platform/files/files.h"
+#include "platform/machine/eventLog.h"
 #include "support/serviceHost.h"
 
 namespace {

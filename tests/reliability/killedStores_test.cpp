@@ -97,18 +97,18 @@ void killInOrder(const OrderedOperation& row) {
             states.try_emplace(contentOf(host), name);
         }
     }
-    support::killRepeatedly({row.name, prepareTeam,
-                             [] {
-                                 openDatabase();
-                                 mdlCorvaneDatabase::openCorvaneDB(core::gCorvaneDb);
-                             },
-                             row.operation,
-                             [&](const TemporaryHost& host) { return lookUp(states, contentOf(host)); },
-                             [&] {
-                                 startUp();
-                                 row.onceMore();
-                             },
-                             row.afterwards});
+    support::killRepeatedly(
+        {row.name, prepareTeam,
+         [] {
+        openDatabase();
+        mdlCorvaneDatabase::openCorvaneDB(core::gCorvaneDb);
+         },
+         row.operation, [&](const TemporaryHost& host) { return lookUp(states, contentOf(host)); },
+         [&] {
+        startUp();
+        row.onceMore();
+        },
+        row.afterwards});
 }
 
 TEST(Killed, AddingAnEvent) {
@@ -122,14 +122,12 @@ TEST(Killed, AddingAnEvent) {
                   {"and both contents", "INSERT INTO Contents VALUES(12, 3, NULL, 2, 's', 'n')"}},
                  add,
                  [](const TemporaryHost& host) {
-                     EXPECT_EQ(one(host.databaseFile(),
-                                   "SELECT group_concat(ContentType) FROM Contents WHERE EventKey = (SELECT "
-                                   "max(EventKey) FROM Events)"),
-                               "1,3");
-                     EXPECT_EQ(
-                         one(host.databaseFile(), "SELECT min(EventActive) FROM Events WHERE EventKey > 11"),
-                         "0")
-                         << "what a kill left half-made stays inactive";
+        EXPECT_EQ(one(host.databaseFile(),
+                      "SELECT group_concat(ContentType) FROM Contents WHERE EventKey = (SELECT "
+                      "max(EventKey) FROM Events)"),
+                  "1,3");
+        EXPECT_EQ(one(host.databaseFile(), "SELECT min(EventActive) FROM Events WHERE EventKey > 11"), "0")
+            << "what a kill left half-made stays inactive";
                  }});
 }
 
@@ -151,10 +149,10 @@ TEST(Killed, ModifyingAnEvent) {
            "ContentType = 3 AND EventKey = 10"}},
          modify,
          [](const TemporaryHost& host) {
-             EXPECT_EQ(one(host.databaseFile(), "SELECT * FROM Events WHERE EventKey = 10"),
-                       "10|Backup|18|new|2|-1|0|NULL");
-             EXPECT_EQ(support::query(host.databaseFile(), "SELECT * FROM Contents WHERE EventKey = 10"),
-                       (Lines{"10|1|new.wav|2|new|new", "10|3|NULL|1|new|new"}));
+        EXPECT_EQ(one(host.databaseFile(), "SELECT * FROM Events WHERE EventKey = 10"),
+                  "10|Backup|18|new|2|-1|0|NULL");
+        EXPECT_EQ(support::query(host.databaseFile(), "SELECT * FROM Contents WHERE EventKey = 10"),
+                  (Lines{"10|1|new.wav|2|new|new", "10|3|NULL|1|new|new"}));
          }});
 }
 
@@ -166,20 +164,19 @@ TEST(Killed, DeletingAnEvent) {
                        BoxAnswer::yes);
         EXPECT_TRUE(deleteEvent(event, "Backup (17)"));
     };
-    killInOrder(
-        {"delete an event",
-         remove,
-         {{"contents gone", "DELETE FROM Contents WHERE EventKey = 10"},
-          {"and devices", "DELETE FROM EventDevice WHERE EventKey = 10"},
-          {"and event", "DELETE FROM Events WHERE EventKey = 10"}},
-         remove,
-         [](const TemporaryHost& host) {
-             EXPECT_EQ(one(host.databaseFile(),
-                           "SELECT (SELECT count(*) FROM Events WHERE EventKey = 10) + (SELECT count(*) FROM "
-                           "Contents WHERE EventKey = 10) + (SELECT count(*) FROM EventDevice WHERE EventKey "
-                           "= 10)"),
-                       "0");
-         }});
+    killInOrder({"delete an event",
+                 remove,
+                 {{"contents gone", "DELETE FROM Contents WHERE EventKey = 10"},
+                  {"and devices", "DELETE FROM EventDevice WHERE EventKey = 10"},
+                  {"and event", "DELETE FROM Events WHERE EventKey = 10"}},
+                 remove,
+                 [](const TemporaryHost& host) {
+        EXPECT_EQ(one(host.databaseFile(),
+                      "SELECT (SELECT count(*) FROM Events WHERE EventKey = 10) + (SELECT count(*) FROM "
+                      "Contents WHERE EventKey = 10) + (SELECT count(*) FROM EventDevice WHERE EventKey "
+                      "= 10)"),
+                  "0");
+                 }});
 }
 
 TEST(Killed, ActivatingAnEvent) {
@@ -190,8 +187,8 @@ TEST(Killed, ActivatingAnEvent) {
          {{"active", "UPDATE Events SET EventActive = -1, EventLastNotification = NULL WHERE EventKey = 11"}},
          activate,
          [](const TemporaryHost& host) {
-             EXPECT_EQ(one(host.databaseFile(), "SELECT * FROM Events WHERE EventKey = 11"),
-                       "11|Cluster|5||1|-1|0|NULL");
+        EXPECT_EQ(one(host.databaseFile(), "SELECT * FROM Events WHERE EventKey = 11"),
+                  "11|Cluster|5||1|-1|0|NULL");
          }});
 }
 
@@ -303,15 +300,15 @@ TEST(Killed, DeletingARecipient) {
     writes.emplace_back("recipient deleted", "DELETE FROM Recipients WHERE RecipientKey = 5");
     killInOrder({"delete a recipient", remove, writes,
                  [&] {
-                     if (countRecipients() == 2)
-                         remove();
+        if (countRecipients() == 2)
+            remove();
                  },
                  [](const TemporaryHost& host) {
-                     EXPECT_EQ(one(host.databaseFile(), "SELECT * FROM Recipients"), "6|Ben|-1");
-                     EXPECT_EQ(one(host.databaseFile(), "SELECT * FROM DeviceRecipient"), "20|6");
-                     EXPECT_EQ(one(host.databaseFile(), "SELECT * FROM EventDevice"), "10|20|-1");
-                     expectBenAndAtMostOneWithoutOwner(host);
-                 }});
+        EXPECT_EQ(one(host.databaseFile(), "SELECT * FROM Recipients"), "6|Ben|-1");
+        EXPECT_EQ(one(host.databaseFile(), "SELECT * FROM DeviceRecipient"), "20|6");
+        EXPECT_EQ(one(host.databaseFile(), "SELECT * FROM EventDevice"), "10|20|-1");
+        expectBenAndAtMostOneWithoutOwner(host);
+    }});
 }
 
 DeviceSelection selected(std::initializer_list<long> devices) {
@@ -391,10 +388,9 @@ TEST(Killed, RewritingTheExclusions) {
                   {"new rows", "INSERT INTO Exclusions VALUES(10, 'old', 1), (11, 'b', -1), (12, 'c', 7)"}},
                  rewrite,
                  [](const TemporaryHost& host) {
-                     EXPECT_EQ(
-                         support::query(host.databaseFile(),
-                                        "SELECT EventSource, EventId FROM Exclusions ORDER BY ExclusionKey"),
-                         (Lines{"old|1", "b|-1", "c|7"}));
+        EXPECT_EQ(support::query(host.databaseFile(),
+                                 "SELECT EventSource, EventId FROM Exclusions ORDER BY ExclusionKey"),
+                  (Lines{"old|1", "b|-1", "c|7"}));
                  }});
 }
 
@@ -412,17 +408,17 @@ TEST(Killed, RebuildingTheAddressDetails) {
         writes.emplace_back(row == details.back() ? "all rows" : "some rows",
                             "INSERT INTO AddressDetails VALUES(" + row + ")");
     }
-    killInOrder(
-        {"rebuild the address details", rebuildAddressDetailsTable, writes, rebuildAddressDetailsTable,
-         [&](const TemporaryHost& host) {
-             EXPECT_EQ(support::query(host.databaseFile(),
-                                      "SELECT quote(DeviceAddress) || ', ' || quote(DisplayName) || ', ' || "
-                                      "AddressType || ', ' || DeviceKey FROM AddressDetails"),
-                       details);
-             EXPECT_EQ(one(host.databaseFile(),
-                           "SELECT group_concat(DeviceKey) FROM Device WHERE NOT DeviceActive"),
-                       "1,2,4");
-         }});
+    killInOrder({"rebuild the address details", rebuildAddressDetailsTable, writes,
+                 rebuildAddressDetailsTable,
+                 [&](const TemporaryHost& host) {
+        EXPECT_EQ(support::query(host.databaseFile(),
+                                 "SELECT quote(DeviceAddress) || ', ' || quote(DisplayName) || ', ' || "
+                                 "AddressType || ', ' || DeviceKey FROM AddressDetails"),
+                  details);
+        EXPECT_EQ(
+            one(host.databaseFile(), "SELECT group_concat(DeviceKey) FROM Device WHERE NOT DeviceActive"),
+            "1,2,4");
+                 }});
 }
 
 }  // namespace

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
-#include "platform/host.h"
-#include "platform/registry.h"
+#include "platform/files/files.h"
+#include "platform/machine/host.h"
+#include "platform/registry/registry.h"
 
 namespace {
 
@@ -87,18 +87,17 @@ std::string upgradeState(const TemporaryHost& host) {
 }
 
 TEST(Killed, StartingUpWithTheUpgrade) {
-    support::killRepeatedly(
-        {"start-up with upgrade",
-         prepareUpgrade,
-         {},
-         startUp,
-         upgradeState,
-         startUp,
-         [](const TemporaryHost& host) {
-             EXPECT_EQ(upgradeState(host), "done");
-             EXPECT_EQ(one(host.databaseFile(), "SELECT group_concat(ExclusionKey) FROM Exclusions"),
-                       "0,1,2,3,4,5,6,7");
-         }});
+    support::killRepeatedly({"start-up with upgrade",
+                             prepareUpgrade,
+                             {},
+                             startUp,
+                             upgradeState,
+                             startUp,
+                             [](const TemporaryHost& host) {
+        EXPECT_EQ(upgradeState(host), "done");
+        EXPECT_EQ(one(host.databaseFile(), "SELECT group_concat(ExclusionKey) FROM Exclusions"),
+                  "0,1,2,3,4,5,6,7");
+                             }});
 }
 
 // A database of some pages, and an older backup.
@@ -124,14 +123,14 @@ TEST(Killed, BackingUpAtTheExit) {
     support::killRepeatedly({"exit during the backup", prepareBackup, mdlDatabase::openDatabase, exit,
                              backupState,
                              [exit] {
-                                 startUp();
-                                 exit();
+        startUp();
+        exit();
                              },
                              [](const TemporaryHost& host) {
-                                 EXPECT_EQ(backupState(host), "new backup");
-                                 for (const auto& file : fs::directory_iterator(host.databaseFolder()))
-                                     EXPECT_EQ(file.path().extension(), ".MDB") << "a leftover";
-                             }});
+        EXPECT_EQ(backupState(host), "new backup");
+        for (const auto& file : fs::directory_iterator(host.databaseFolder()))
+            EXPECT_EQ(file.path().extension(), ".MDB") << "a leftover";
+    }});
 }
 
 // The registry's writer: value by value, each followed by the number of the last one.
@@ -171,18 +170,17 @@ std::string registryState(const TemporaryHost&) {
 }
 
 TEST(Killed, WritingTheRegistry) {
-    support::killRepeatedly(
-        {"registry",
-         prepareRegistry,
-         {},
-         writeRegistry,
-         registryState,
-         writeRegistry,
-         [](const TemporaryHost& host) {
-             EXPECT_EQ(registryState(host), "value and number");
-             EXPECT_EQ(platform::Registry(platform::host::registryFile()).value(writtenKey, "Last"),
-                       platform::RegistryValue(writtenValues));
-         }});
+    support::killRepeatedly({"registry",
+                             prepareRegistry,
+                             {},
+                             writeRegistry,
+                             registryState,
+                             writeRegistry,
+                             [](const TemporaryHost& host) {
+        EXPECT_EQ(registryState(host), "value and number");
+        EXPECT_EQ(platform::Registry(platform::host::registryFile()).value(writtenKey, "Last"),
+                  platform::RegistryValue(writtenValues));
+                             }});
 }
 
 }  // namespace

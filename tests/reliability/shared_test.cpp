@@ -18,7 +18,7 @@
 #include "database/lifecycle.h"
 #include "database/recipients.h"
 #include "database/settings.h"
-#include "platform/ado.h"
+#include "platform/ado/ado.h"
 #include "server/mdlCorvaneDatabase.h"
 #include "support/childProcess.h"
 #include "support/killHarness.h"

@@ -3,9 +3,9 @@
 
 #include <fstream>
 
-#include "platform/files.h"
-#include "platform/host.h"
-#include "platform/serviceManager.h"
+#include "platform/files/files.h"
+#include "platform/machine/host.h"
+#include "platform/services/serviceManager.h"
 #include "server/legacyShortcuts.h"
 #include "server/mdlCorvane.h"
 #include "server/mdlCorvaneDatabase.h"

@@ -3,7 +3,7 @@
 
 #include "core/state.h"
 #include "host/directory.h"
-#include "platform/host.h"
+#include "platform/machine/host.h"
 #include "server/directoryQuery.h"
 #include "server/mdlCorvaneDatabase.h"
 #include "support/postgresServer.h"
@@ -45,10 +45,10 @@ class DirectoryServer : public ::testing::Test {
     void makeEmbedded(host::DirectoryLayout layout, unsigned people) {
         host::createDirectory(platform::host::directoryDatabase(), layout,
                               [&](host::DirectoryWriter& writer) {
-                                  host::fillDemonstrationDirectory(writer, people, 24);
-                                  writer.add({"blank", "", "", "", "", "1", {}});
-                                  writer.add(host::DistributionList{"dl-blank", "", "", {}});
-                              });
+            host::fillDemonstrationDirectory(writer, people, 24);
+            writer.add({"blank", "", "", "", "", "1", {}});
+            writer.add(host::DistributionList{"dl-blank", "", "", {}});
+        });
         const std::string prefix = layout == host::DirectoryLayout::tables ? "" : "tbl_";
         support::run(platform::host::directoryDatabase(),
                      "UPDATE " + prefix + "Subscriber SET FirstName = NULL WHERE Alias = 'blank'; UPDATE " +

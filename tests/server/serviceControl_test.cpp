@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/accounts.h"
-#include "platform/registry.h"
+#include "platform/registry/registry.h"
+#include "platform/services/accounts.h"
 #include "support/serviceHost.h"
 #include "support/serviceWindows.h"
 

@@ -8,9 +8,9 @@
 #include <fstream>
 #include <thread>
 
-#include "platform/accounts.h"
-#include "platform/files.h"
-#include "platform/registry.h"
+#include "platform/files/files.h"
+#include "platform/registry/registry.h"
+#include "platform/services/accounts.h"
 #include "server/serviceControl.h"
 #include "server/serviceFiles.h"
 #include "support/childProcess.h"

@@ -5,8 +5,8 @@
 #include "core/state.h"
 #include "database/events.h"
 #include "database/settings.h"
-#include "platform/eventLog.h"
-#include "platform/host.h"
+#include "platform/machine/eventLog.h"
+#include "platform/machine/host.h"
 #include "support/scriptedPrompts.h"
 #include "support/temporaryHost.h"
 

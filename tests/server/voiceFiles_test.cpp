@@ -5,7 +5,7 @@
 
 #include <filesystem>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/childProcess.h"
 #include "support/scriptedPrompts.h"
 #include "support/temporaryHost.h"

@@ -15,7 +15,7 @@
 #include <random>
 #include <thread>
 
-#include "platform/descriptor.h"
+#include "platform/files/descriptor.h"
 #include "support/temporaryHost.h"
 
 namespace support {

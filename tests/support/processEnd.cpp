@@ -1,6 +1,6 @@
 #include "support/processEnd.h"
 
-#include "platform/host.h"
+#include "platform/machine/host.h"
 
 namespace support {
 

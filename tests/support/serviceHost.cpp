@@ -5,8 +5,8 @@
 
 #include <fstream>
 
-#include "platform/accounts.h"
-#include "platform/process.h"
+#include "platform/machine/process.h"
+#include "platform/services/accounts.h"
 
 namespace support {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/clock.h"
-#include "platform/serviceManager.h"
+#include "platform/machine/clock.h"
+#include "platform/services/serviceManager.h"
 #include "support/temporaryHost.h"
 
 namespace support {

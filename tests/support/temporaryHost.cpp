@@ -10,8 +10,8 @@
 #include "core/classLog.h"
 #include "core/state.h"
 #include "host/provision.h"
-#include "platform/host.h"
-#include "platform/registry.h"
+#include "platform/machine/host.h"
+#include "platform/registry/registry.h"
 
 namespace support {
 

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/ado.h"
-#include "platform/clock.h"
+#include "platform/ado/ado.h"
+#include "platform/machine/clock.h"
 
 namespace support {
 

@@ -2,7 +2,7 @@
 
 #include <QApplication>
 
-#include "ui/appearance.h"
+#include "ui/base/appearance.h"
 
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))

@@ -12,7 +12,7 @@
 
 #include "host/eventViewer/eventText.h"
 #include "host/eventViewer/eventWindow.h"
-#include "platform/host.h"
+#include "platform/machine/host.h"
 #include "server/clipboardEvent.h"
 #include "support/temporaryHost.h"
 

@@ -12,8 +12,8 @@
 #include "host/textViewer/growingFile.h"
 #include "host/textViewer/textWindow.h"
 #include "platform/failure.h"
-#include "platform/host.h"
-#include "platform/process.h"
+#include "platform/machine/host.h"
+#include "platform/machine/process.h"
 #include "support/temporaryHost.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include "ui/helpViewer/helpPages.h"
 
-#include "platform/chmFile.h"
-#include "ui/text.h"
+#include "platform/libraries/chmFile.h"
+#include "ui/base/text.h"
 
 namespace ui {
 

@@ -4,8 +4,8 @@
 #include <QTextDocument>
 #include <algorithm>
 
-#include "platform/chmFile.h"
-#include "ui/text.h"
+#include "platform/libraries/chmFile.h"
+#include "ui/base/text.h"
 
 namespace ui {
 

@@ -3,8 +3,8 @@
 #include <QPointer>
 
 #include "core/classLog.h"
-#include "platform/chmFile.h"
 #include "platform/failure.h"
+#include "platform/libraries/chmFile.h"
 #include "ui/helpViewer/helpWindow.h"
 
 namespace ui {

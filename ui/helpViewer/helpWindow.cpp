@@ -14,11 +14,11 @@
 #include <QVBoxLayout>
 #include <functional>
 
-#include "platform/chmFile.h"
-#include "ui/controls.h"
+#include "platform/libraries/chmFile.h"
+#include "ui/base/controls.h"
+#include "ui/base/text.h"
 #include "ui/helpViewer/helpPages.h"
 #include "ui/helpViewer/helpSearch.h"
-#include "ui/text.h"
 
 namespace ui {
 
@@ -104,8 +104,8 @@ void HelpWindow::createActions() {
     bar->setMovable(false);
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     addToolBar(bar);
-    const auto add = [&](const char* name, const QString& text, QStyle::StandardPixmap icon,
-                         const QKeySequence& keys) {
+    const auto add =
+        [&](const char* name, const QString& text, QStyle::StandardPixmap icon, const QKeySequence& keys) {
         QAction* action = bar->addAction(style()->standardIcon(icon), text);
         action->setObjectName(name);
         action->setShortcut(keys);

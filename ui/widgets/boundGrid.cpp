@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "ui/text.h"
+#include "ui/base/text.h"
 #include "ui/widgets/cellTip.h"
 #include "ui/widgets/gridLook.h"
 

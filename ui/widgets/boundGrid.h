@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/ado.h"
+#include "platform/ado/ado.h"
 
 namespace ui {
 

@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "platform/failure.h"
-#include "ui/text.h"
+#include "ui/base/text.h"
 #include "ui/widgets/cellTip.h"
 
 namespace ui {

@@ -6,7 +6,7 @@
 #include <QValidator>
 #include <algorithm>
 
-#include "ui/text.h"
+#include "ui/base/text.h"
 
 namespace ui {
 

@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "platform/failure.h"
-#include "ui/text.h"
+#include "ui/base/text.h"
 #include "ui/widgets/cellTip.h"
 #include "ui/widgets/gridLook.h"
 

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "platform/failure.h"
-#include "ui/text.h"
+#include "ui/base/text.h"
 
 namespace ui {
 

@@ -10,7 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "ui/classNodeInfo.h"
+#include "ui/base/classNodeInfo.h"
 
 namespace ui {
 

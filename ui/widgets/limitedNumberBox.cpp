@@ -4,7 +4,7 @@
 #include <QLineEdit>
 
 #include "platform/failure.h"
-#include "ui/text.h"
+#include "ui/base/text.h"
 #include "ui/widgets/leaveGuard.h"
 
 namespace ui {

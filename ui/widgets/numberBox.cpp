@@ -3,7 +3,7 @@
 #include <QValidator>
 
 #include "platform/failure.h"
-#include "ui/text.h"
+#include "ui/base/text.h"
 
 namespace ui {
 

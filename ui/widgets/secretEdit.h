@@ -3,7 +3,7 @@
 
 #include <QLineEdit>
 
-#include "platform/secret.h"
+#include "platform/services/secret.h"
 
 namespace ui {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/failure.h"
-#include "ui/text.h"
+#include "ui/base/text.h"
 
 namespace ui {
 

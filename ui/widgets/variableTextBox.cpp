@@ -7,7 +7,7 @@
 #include <QScrollBar>
 #include <QTextDocument>
 
-#include "ui/text.h"
+#include "ui/base/text.h"
 #include "ui/widgets/tokenColors.h"
 
 namespace ui {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/ado.h"
+#include "platform/ado/ado.h"
 
 namespace service {
 

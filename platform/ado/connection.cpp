@@ -1,0 +1,291 @@
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "platform/ado/ado.h"
+#include "platform/ado/dialect.h"
+#include "platform/ado/odbc.h"
+#include "platform/ado/statement.h"
+#include "platform/machine/host.h"
+#include "platform/registry/registry.h"
+
+namespace platform {
+
+namespace {
+
+constexpr std::chrono::seconds busyTimeout{5};
+constexpr char engineName[] = "SQLite";
+constexpr char directoryKey[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessaly\\CorvaneDb";
+
+bool writeProtected(const std::string& file) {
+    struct stat status {};
+    return ::stat(file.c_str(), &status) == 0 && (status.st_mode & S_IWUSR) == 0;
+}
+
+// Asks for a lock again every fifth of a millisecond until the timeout. The engine's own handler soon asks
+// only every tenth of a second, and then misses each of the short moments that a service which writes without
+// a pause leaves free. `asked` counts the calls for one lock.
+int waitForLock(void*, int asked) {
+    using Clock = std::chrono::steady_clock;
+    thread_local Clock::time_point begin;
+    if (asked == 0)
+        begin = Clock::now();
+    if (Clock::now() - begin >= busyTimeout)
+        return 0;
+    std::this_thread::sleep_for(std::chrono::microseconds(200));
+    return 1;
+}
+
+bool concernsTheFile(int primaryCode) {
+    switch (primaryCode) {
+        case SQLITE_PERM:
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+        case SQLITE_READONLY:
+        case SQLITE_IOERR:
+        case SQLITE_CORRUPT:
+        case SQLITE_FULL:
+        case SQLITE_CANTOPEN:
+        case SQLITE_PROTOCOL:
+        case SQLITE_NOTADB:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// The engine has one code for all that is wrong with a statement; its text tells the cases apart.
+long statementNumber(std::string_view text, bool directory) {
+    if (directory)
+        return statementFailed;
+    if (text.starts_with("no such table:"))
+        return tableMissing;
+    if (text.starts_with("no such column:") ||
+        (text.starts_with("table ") && text.find(" has no column named ") != std::string_view::npos))
+        return columnMissing;
+    return statementFailed;
+}
+
+long failureNumber(int primaryCode, std::string_view text, bool directory) {
+    if (concernsTheFile(primaryCode))
+        return providerError;
+    switch (primaryCode) {
+        case SQLITE_CONSTRAINT:
+            return constraintViolated;
+        case SQLITE_ERROR:
+        case SQLITE_MISMATCH:
+        case SQLITE_RANGE:
+        case SQLITE_TOOBIG:
+            return statementNumber(text, directory);
+        default:
+            return providerError;
+    }
+}
+
+Failure describe(int code, std::string text, const std::string& file, bool directory,
+                 std::string_view statement) {
+    const int primaryCode = code & 0xff;
+    const long number = failureNumber(primaryCode, text, directory);
+    if (number == providerError && !file.empty())
+        text += ": " + file;
+    if (!statement.empty())
+        text += " [" + std::string(statement) + "]";
+    return Failure(number, std::move(text), engineName);
+}
+
+std::string engineText(sqlite3* handle, int code) {
+    if (handle && sqlite3_extended_errcode(handle) == code)
+        return sqlite3_errmsg(handle);
+    return sqlite3_errstr(code);
+}
+
+void runSetting(sqlite3* handle, const char* statement, const std::string& file) {
+    const int code = sqlite3_exec(handle, statement, nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK)
+        throw describe(code, engineText(handle, code), file, false, {});
+}
+
+void switchSetting(sqlite3* handle, int setting, int value, const std::string& file) {
+    const int code = sqlite3_db_config(handle, setting, value, nullptr);
+    if (code != SQLITE_OK)
+        throw describe(code, engineText(handle, code), file, false, {});
+}
+
+struct Target {
+    std::string dataSource;
+    std::string catalog;
+    bool readOnly = false;
+};
+
+Target parseConnectionString(std::string_view text) {
+    Target target;
+    std::string provider;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(';'), text.size());
+        const std::string_view setting = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        const std::size_t equals = setting.find('=');
+        if (equals == std::string_view::npos)
+            continue;
+        const std::string key = ado::lowerCase(ado::trimmed(setting.substr(0, equals)));
+        const std::string value(ado::trimmed(setting.substr(equals + 1)));
+        if (key == "provider")
+            provider = ado::lowerCase(value);
+        else if (key == "data source")
+            target.dataSource = value;
+        else if (key == "initial catalog")
+            target.catalog = value;
+        else if (key == "mode")
+            target.readOnly = ado::lowerCase(value) == "read";
+    }
+    // A catalog wins: for the directory's provider the data source would name a server.
+    if (!target.catalog.empty())
+        target.dataSource.clear();
+    const std::string_view expected = target.catalog.empty() ? "microsoft.jet.oledb.4.0" : "sqloledb";
+    if (!provider.empty() && !provider.starts_with(expected))
+        throw makeFailure(invalidProcedureCall, provider);
+    if (target.catalog.empty() && target.dataSource.empty())
+        throw makeFailure(invalidProcedureCall);
+    return target;
+}
+
+// The data source that the host names for its directory; empty for the embedded one.
+std::string directoryDataSource() {
+    const auto value = registry().value(directoryKey, "DataSource");
+    const std::string* name = value ? std::get_if<std::string>(&*value) : nullptr;
+    return name ? *name : std::string();
+}
+
+// The host has one directory of one name.
+void requireDirectory(const std::string& catalog) {
+    if (!ado::equalsIgnoringCase(catalog, "CorvaneDb"))
+        throw describe(SQLITE_CANTOPEN, engineText(nullptr, SQLITE_CANTOPEN), catalog, true, {});
+}
+
+}  // namespace
+
+namespace ado {
+
+void EngineClose::operator()(sqlite3* handle) const noexcept {
+    // Statements of recordsets that are still open keep the handle alive until they close.
+    sqlite3_close_v2(handle);
+}
+
+Engine openEngine(const std::string& file, bool readOnly) {
+    // Made absolute so that no name is taken for a URI or for a database in memory.
+    std::error_code ignored;
+    const std::string path = std::filesystem::absolute(file, ignored).string();
+    // Without the engine's own locks: a connection stays in its thread.
+    const int flags = SQLITE_OPEN_NOMUTEX |
+                      (readOnly || writeProtected(path) ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE);
+    sqlite3* opened = nullptr;
+    const int code = sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
+    Engine engine(opened);
+    if (code != SQLITE_OK)
+        throw describe(code, sqlite3_errstr(code), file, false, {});
+    sqlite3_extended_result_codes(opened, 1);
+    sqlite3_busy_handler(opened, waitForLock, nullptr);
+    sqlite3_limit(opened, SQLITE_LIMIT_ATTACHED, 0);
+    switchSetting(opened, SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0, file);
+    switchSetting(opened, SQLITE_DBCONFIG_DEFENSIVE, 1, file);
+    switchSetting(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, file);
+    switchSetting(opened, SQLITE_DBCONFIG_DQS_DDL, 0, file);
+    switchSetting(opened, SQLITE_DBCONFIG_DQS_DML, 0, file);
+    runSetting(opened, "PRAGMA cell_size_check = ON", file);
+    runSetting(opened, "PRAGMA synchronous = FULL", file);
+    runSetting(opened, "SELECT count(*) FROM sqlite_master", file);
+    return engine;
+}
+
+Engine openDatabase(const std::string& file, bool readOnly) {
+    std::error_code ignored;
+    // The engine counts one byte as none.
+    if (std::filesystem::file_size(file, ignored) <= 1)
+        throw describe(SQLITE_NOTADB, sqlite3_errstr(SQLITE_NOTADB), file, false, {});
+    return openEngine(file, readOnly);
+}
+
+}  // namespace ado
+
+Connection::~Connection() {
+    close();
+}
+
+void Connection::open(const std::string& connectionString) {
+    if (state() == ObjectState::open)
+        throw makeFailure(objectOpen);
+    errors_.clear();
+    try {
+        const Target target = parseConnectionString(connectionString);
+        directory_ = !target.catalog.empty();
+        fileName_ = target.dataSource;
+        if (directory_) {
+            requireDirectory(target.catalog);
+            if (const std::string dataSource = directoryDataSource(); !dataSource.empty()) {
+                fileName_ = dataSource;
+                server_ = ado::connectServer(dataSource);
+                return;
+            }
+            fileName_ = host::directoryDatabase().string();
+        }
+        ado::Engine engine = ado::openDatabase(fileName_, directory_ || target.readOnly);
+        if (directory_) {
+            runSetting(engine.get(), "PRAGMA query_only = ON", fileName_);
+            // Room for a large directory, which a search for everybody sorts as a whole.
+            runSetting(engine.get(), "PRAGMA cache_size = -32768", fileName_);
+        } else if (sqlite3_db_readonly(engine.get(), "main") == 0) {
+            runSetting(engine.get(), "PRAGMA journal_mode = DELETE", fileName_);
+        }
+        statements_ = std::make_shared<ado::StatementCache>();
+        handle_ = engine.release();
+    } catch (const Failure& failure) {
+        errors_.push_back(failure);
+        throw;
+    }
+}
+
+void Connection::close() noexcept {
+    if (statements_)
+        statements_->close();
+    statements_.reset();
+    ado::EngineClose()(std::exchange(handle_, nullptr));
+    server_.reset();
+}
+
+sqlite3* Connection::handle() const {
+    if (server_)
+        throw makeFailure(updatingNotSupported);
+    if (!handle_)
+        throw makeFailure(connectionClosed);
+    return handle_;
+}
+
+Failure engineFailure(const Connection& connection, int code, std::string_view statement) {
+    return describe(code, engineText(connection.handle(), code), connection.fileName(),
+                    connection.isDirectory(), statement);
+}
+
+std::unique_ptr<ado::RowSource> ado::openRows(const Connection& connection, std::string_view source) {
+    if (connection.server())
+        return openServerRows(connection.server(), source);
+    connection.handle();
+    auto statement = std::make_unique<Statement>(prepareSource(connection, source));
+    if (sqlite3_column_count(statement->get()) > 0)
+        return statement;
+    statement->step();
+    return nullptr;
+}
+
+void execute(std::string_view statement, Connection& connection) {
+    const std::unique_ptr<ado::RowSource> rows = ado::openRows(connection, statement);
+    while (rows && rows->step()) {
+    }
+}
+
+}  // namespace platform

@@ -1,0 +1,228 @@
+#include "platform/ado/statement.h"
+
+#include <sqlite3.h>
+
+#include <limits>
+
+#include "platform/ado/dialect.h"
+
+namespace platform::ado {
+
+namespace {
+
+constexpr std::size_t keptStatements = 64;
+
+// Of these only the schema that they were prepared for can change what they do, and the engine looks at that.
+bool worthKeeping(std::string_view text) {
+    const std::string_view word = trimmed(text).substr(0, 6);
+    for (const std::string_view kind : {"SELECT", "INSERT", "UPDATE", "DELETE", "COMMIT"}) {
+        if (equalsIgnoringCase(word, kind))
+            return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+void Finalize::operator()(sqlite3_stmt* statement) const noexcept {
+    sqlite3_finalize(statement);
+}
+
+Handle StatementCache::take(const std::string& text) {
+    const auto found = statements_.find(text);
+    if (found == statements_.end() || !found->second)
+        return nullptr;
+    sqlite3_stmt_status(found->second.get(), SQLITE_STMTSTATUS_REPREPARE, 1);
+    return std::move(found->second);
+}
+
+void StatementCache::giveBack(const std::string& text, Handle statement) {
+    sqlite3_reset(statement.get());
+    sqlite3_clear_bindings(statement.get());
+    if (closed_)
+        return;
+    if (const auto known = statements_.find(text); known != statements_.end()) {
+        known->second = std::move(statement);
+        return;
+    }
+    // Those that are asked for again are soon back.
+    if (statements_.size() == keptStatements)
+        statements_.clear();
+    statements_.emplace(text, std::move(statement));
+}
+
+void StatementCache::clear() noexcept {
+    statements_.clear();
+}
+
+void StatementCache::close() noexcept {
+    closed_ = true;
+    clear();
+}
+
+Statement::Statement(const Connection& connection, std::string_view text, std::string_view source)
+    : connection_(&connection), source_(source) {
+    connection.handle();
+    if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+        throw engineFailure(connection, SQLITE_TOOBIG, {});
+    if (worthKeeping(text)) {
+        text_ = withNumbersTaken(text, numbers_);
+        cache_ = connection.statements();
+        if (const auto cache = cache_.lock())
+            statement_ = cache->take(text_);
+        if (!statement_)
+            prepare(text_);
+    } else {
+        prepare(text);
+    }
+    for (std::size_t i = 0; i < numbers_.size(); ++i)
+        check(sqlite3_bind_int64(statement_.get(), static_cast<int>(i) + 1, numbers_[i]));
+}
+
+Statement::~Statement() {
+    giveBack();
+}
+
+Statement& Statement::operator=(Statement&& other) noexcept {
+    if (this != &other) {
+        giveBack();
+        connection_ = other.connection_;
+        source_ = std::move(other.source_);
+        text_ = std::move(other.text_);
+        numbers_ = std::move(other.numbers_);
+        statement_ = std::move(other.statement_);
+        cache_ = std::move(other.cache_);
+    }
+    return *this;
+}
+
+void Statement::prepare(std::string_view text) {
+    sqlite3_stmt* prepared = nullptr;
+    const char* tail = nullptr;
+    const unsigned flags = text_.empty() ? 0 : SQLITE_PREPARE_PERSISTENT;
+    const int code = sqlite3_prepare_v3(connection_->handle(), text.data(), static_cast<int>(text.size()),
+                                        flags, &prepared, &tail);
+    statement_.reset(prepared);
+    check(code);
+    if (!prepared)
+        throw Failure(statementFailed, "no statement [" + source_ + "]", "SQLite");
+    if (!nothingToRun(text.substr(static_cast<std::size_t>(tail - text.data()))))
+        throw Failure(statementFailed, "more than one statement [" + source_ + "]", "SQLite");
+}
+
+void Statement::giveBack() noexcept {
+    if (!statement_)
+        return;
+    const auto cache = cache_.lock();
+    if (cache && !text_.empty())
+        cache->giveBack(text_, std::move(statement_));
+    statement_.reset();
+}
+
+int Statement::parameterCount() const noexcept {
+    return sqlite3_bind_parameter_count(statement_.get()) - static_cast<int>(numbers_.size());
+}
+
+bool Statement::preparedAnew() const noexcept {
+    return sqlite3_stmt_status(statement_.get(), SQLITE_STMTSTATUS_REPREPARE, 0) > 0;
+}
+
+void Statement::check(int code) const {
+    if (code != SQLITE_OK)
+        throw engineFailure(*connection_, code, source_);
+}
+
+void Statement::bind(int parameter, const Value& value) {
+    sqlite3_stmt* statement = statement_.get();
+    if (const auto* integer = std::get_if<std::int64_t>(&value))
+        check(sqlite3_bind_int64(statement, parameter, *integer));
+    else if (const auto* real = std::get_if<double>(&value))
+        check(sqlite3_bind_double(statement, parameter, *real));
+    else if (const auto* text = std::get_if<std::string>(&value))
+        check(sqlite3_bind_text64(statement, parameter, text->data(), text->size(), SQLITE_TRANSIENT,
+                                  SQLITE_UTF8));
+    else
+        check(sqlite3_bind_null(statement, parameter));
+}
+
+std::vector<std::string> Statement::fieldNames() const {
+    std::vector<std::string> names;
+    const int count = sqlite3_column_count(statement_.get());
+    names.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i)
+        names.emplace_back(sqlite3_column_name(statement_.get(), i));
+    return names;
+}
+
+bool Statement::step() {
+    const int code = sqlite3_step(statement_.get());
+    if (code == SQLITE_ROW)
+        return true;
+    if (code == SQLITE_DONE) {
+        reset();
+        return false;
+    }
+    const Failure failure = engineFailure(*connection_, code, source_);
+    reset();
+    throw failure;
+}
+
+void Statement::reset() noexcept {
+    sqlite3_reset(statement_.get());
+}
+
+void Statement::row(std::span<Cell> cells, Texts& texts) const {
+    sqlite3_stmt* const statement = statement_.get();
+    int index = 0;
+    for (Cell& cell : cells) {
+        // One call for the column and its parts from there; that is safe in a connection's one thread.
+        sqlite3_value* const stored = sqlite3_column_value(statement, index++);
+        switch (sqlite3_value_type(stored)) {
+            case SQLITE_INTEGER:
+                cell.setInteger(sqlite3_value_int64(stored));
+                break;
+            case SQLITE_FLOAT:
+                cell.setReal(sqlite3_value_double(stored));
+                break;
+            case SQLITE_NULL:
+                cell.setNull();
+                break;
+            default: {
+                const auto* bytes = static_cast<const char*>(sqlite3_value_blob(stored));
+                texts.put(cell, bytes, bytes ? static_cast<std::size_t>(sqlite3_value_bytes(stored)) : 0);
+            }
+        }
+    }
+}
+
+Statement prepareSource(const Connection& connection, std::string_view source) {
+    Statement statement(connection, translateStatement(source), source);
+    if (statement.parameterCount() > 0)
+        throw Failure(connection.isDirectory() ? statementFailed : columnMissing,
+                      "no value given for a parameter [" + std::string(source) + "]", "SQLite");
+    return statement;
+}
+
+void run(const Connection& connection, std::string_view text) {
+    Statement statement(connection, text, text);
+    while (statement.step()) {
+    }
+}
+
+Transaction::Transaction(const Connection& connection) : connection_(connection) {
+    run(connection, "BEGIN IMMEDIATE");
+}
+
+Transaction::~Transaction() {
+    // Some failures have ended the transaction already.
+    if (open_ && connection_.state() == ObjectState::open &&
+        sqlite3_get_autocommit(connection_.handle()) == 0)
+        sqlite3_exec(connection_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void Transaction::commit() {
+    run(connection_, "COMMIT");
+    open_ = false;
+}
+
+}  // namespace platform::ado

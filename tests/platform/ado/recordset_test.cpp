@@ -1,0 +1,496 @@
+#include <functional>
+
+#include "support/adoFixture.h"
+
+using namespace adoTest;
+using namespace platform;
+
+namespace {
+
+struct RecordsetTest : Database {
+    void fillDevices(int count) {
+        other.run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
+                  std::to_string(count) + ") INSERT INTO Device SELECT i, 'a' || (i % 100) FROM n");
+    }
+};
+
+TEST_F(RecordsetTest, TellsItsStateAndRows) {
+    Recordset rows;
+    EXPECT_EQ(failureOf([&] { rows.close(); }), objectClosed);
+    EXPECT_EQ(failureOf([&] { rows.EOF_(); }), objectClosed);
+    rows.open("DELETE FROM Device", connection);
+    EXPECT_EQ(rows.state(), ObjectState::closed) << "a statement without rows has run";
+    rows.open("SELECT * FROM Device", connection, CursorType::staticCursor);
+    EXPECT_EQ(failureOf([&] { rows.open("SELECT 1", connection); }), objectOpen);
+    EXPECT_TRUE(rows.EOF_() && rows.BOF_());
+    for (const auto& action : std::initializer_list<std::function<void()>>{
+             [&] { rows.moveFirst(); }, [&] { rows.moveNext(); }, [&] { rows.value("Address"); },
+             [&] { rows.bookmark(); }, [&] { rows.find("DeviceKey = 1"); }})
+        EXPECT_EQ(failureOf(action), noCurrentRecord);
+    EXPECT_EQ(failureOf([&] { rows.value("Colour"); }), itemNotFound);
+    EXPECT_EQ(failureOf([&] { rows.addNew(); }), updatingNotSupported);
+}
+
+TEST_F(RecordsetTest, StreamsAcrossBlocksAndLeavesNoLockOnShortResults) {
+    fillDevices(1000);
+    Recordset rows;
+    rows.open("SELECT * FROM Device ORDER BY DeviceKey", connection);
+    EXPECT_EQ(rows.recordCount(), -1);
+    long sum = 0;
+    for (; !rows.EOF_(); rows.moveNext())
+        sum += rows.number("DeviceKey");
+    EXPECT_EQ(sum, 500500);
+    EXPECT_FALSE(rows.BOF_());
+    EXPECT_EQ(failureOf([&] { rows.moveNext(); }), noCurrentRecord);
+    rows.moveFirst();
+    EXPECT_EQ(rows.number("DeviceKey"), 1);
+    rows.find("Address = 'A50'", 0, 600);
+    EXPECT_EQ(rows.number("DeviceKey"), 650);
+    rows.find("Address = 'a50'", 1);
+    EXPECT_EQ(rows.bookmark(), 749u);
+    rows.find("DeviceKey = 3", 0, 0);
+    EXPECT_EQ(rows.number("DeviceKey"), 3) << "back to where the first block was";
+    rows.close();
+    rows.open("SELECT * FROM Device WHERE DeviceKey < 5", connection);
+    other.run("DELETE FROM Device");
+    EXPECT_EQ(rows.number("DeviceKey"), 1);
+}
+
+TEST_F(RecordsetTest, ReadsFieldsAsTypes) {
+    Recordset rows;
+    rows.open("SELECT Null AS n, ' 12 ' AS t, 2.5 AS r, 3000000000 AS big, 'x' AS x, 1 AS one, 1e20 AS far",
+              connection);
+    EXPECT_TRUE(rows.isNull("N"));
+    EXPECT_EQ(failureOf([&] { rows.text("n"); }), invalidUseOfNull);
+    EXPECT_EQ(failureOf([&] { rows.number("n"); }), invalidUseOfNull);
+    EXPECT_EQ(failureOf([&] { rows.boolean("n"); }), invalidUseOfNull);
+    EXPECT_EQ(rows.number("t"), 12);
+    EXPECT_EQ(rows.number("r"), 2) << "halves go to the even number";
+    EXPECT_EQ(rows.text("r"), "2.5");
+    EXPECT_EQ(failureOf([&] { rows.number("big"); }), overflow);
+    EXPECT_EQ(failureOf([&] { rows.number("far"); }), overflow);
+    EXPECT_EQ(failureOf([&] { rows.number("x"); }), typeMismatch);
+    EXPECT_TRUE(rows.boolean("one"));
+    EXPECT_EQ(rows.text("far"), "100000000000000000000");
+    EXPECT_EQ(valueText(Null{}), "");
+    EXPECT_EQ(valueText(std::int64_t{-1}), "-1");
+}
+
+TEST_F(RecordsetTest, HoldsToTheDeclaredTypesOnWrite) {
+    Recordset rows = write("SELECT * FROM Events");
+    rows.addNew();
+    const auto number = [&](const char* field, Value value) {
+        return failureOf([&] { rows.set(field, std::move(value)); });
+    };
+    EXPECT_EQ(number("EventSource", "äöüäöüäöüä"), 0) << "ten characters, twenty bytes";
+    EXPECT_EQ(number("EventSource", "elf zeichen"), textTooLong);
+    EXPECT_EQ(number("EventId", " -17 "), 0);
+    for (const char* text : {"1.5", "", "12x", "0x10", "+-1"})
+        EXPECT_EQ(number("EventId", text), typeMismatch) << text;
+    EXPECT_EQ(number("EventId", std::int64_t{2147483648}), overflow);
+    EXPECT_EQ(number("EventId", "99999999999999999999"), overflow);
+    EXPECT_EQ(number("EventType", std::int64_t{32768}), overflow);
+    EXPECT_EQ(number("EventType", std::int64_t{-32768}), 0);
+    EXPECT_EQ(number("EventActive", "maybe"), typeMismatch);
+    EXPECT_EQ(number("EventActive", "True"), 0);
+    EXPECT_EQ(number("EventLast", "tomorrow"), typeMismatch);
+    EXPECT_EQ(number("eventlast", "11/24/2026 2:05:09 PM"), 0);
+    EXPECT_EQ(number("Colour", Null{}), itemNotFound);
+    rows.update();
+    EXPECT_EQ(other.read("SELECT EventSource, EventId, EventType, EventActive, EventLast FROM Events"),
+              "äöüäöüäöüä|-17|-32768|-1|2026-11-24 14:05:09");
+    rows.set("EventActive", std::int64_t{7});
+    rows.set("EventLast", Null{});
+    rows.update();
+    EXPECT_EQ(other.read("SELECT EventActive, EventLast FROM Events"), "-1|NULL");
+    rows.set("EventActive", "0");
+    rows.update();
+    EXPECT_FALSE(rows.boolean("EventActive"));
+}
+
+TEST_F(RecordsetTest, AddsRowsAndStandsOnTheNewOne) {
+    other.run("INSERT INTO Events (EventSource) VALUES ('old')");
+    Recordset rows = write("SELECT * FROM Events");
+    rows.addNew();
+    EXPECT_FALSE(rows.EOF_());
+    EXPECT_TRUE(rows.isNull("EventSource"));
+    rows.set("EventSource", "OLD");
+    EXPECT_EQ(rows.text("EventSource"), "OLD");
+    EXPECT_EQ(failureOf([&] { rows.update(); }), constraintViolated);
+    rows.addNew();
+    rows.set("EventSource", "new");
+    rows.update();
+    EXPECT_EQ(rows.number("EventKey"), 2) << "the key that the engine gave";
+    EXPECT_EQ(rows.number("EventActive"), 0) << "the default of the column";
+    EXPECT_EQ(rows.bookmark(), 1u);
+    rows.update();  // nothing set
+    rows.moveFirst();
+    EXPECT_EQ(rows.text("EventSource"), "old");
+    rows.set("EventId", 5);
+    rows.moveNext();  // drops what was set
+    EXPECT_EQ(other.read("SELECT EventSource, EventId FROM Events"), "old|NULL new|NULL");
+    rows.moveNext();
+    EXPECT_EQ(failureOf([&] { rows.set("EventId", 5); }), noCurrentRecord);
+    EXPECT_EQ(failureOf([&] { rows.update(); }), noCurrentRecord);
+}
+
+TEST_F(RecordsetTest, AddsToALargeTableWithoutReadingIt) {
+    fillDevices(3000);
+    Recordset rows = write("SELECT * FROM Device");
+    other.run("DELETE FROM Device WHERE DeviceKey > 100");
+    for (const int key : {-1, -2}) {
+        rows.addNew();
+        rows.set("DeviceKey", key);
+        rows.update();
+    }
+    EXPECT_EQ(rows.number("DeviceKey"), -2);
+    other.run("INSERT INTO Device VALUES (101, 'late')");
+    EXPECT_EQ(rows.recordCount(), 103) << "rows are read only now, those added here once";
+    EXPECT_EQ(rows.bookmark(), 102u);
+    EXPECT_EQ(rows.number("DeviceKey"), -2);
+    rows.find("DeviceKey = -1", 0, 0);
+    EXPECT_EQ(rows.bookmark(), 101u);
+
+    Recordset untouched = write("SELECT * FROM Device");
+    EXPECT_FALSE(untouched.EOF_());
+    EXPECT_EQ(untouched.number("DeviceKey"), 1);
+}
+
+TEST_F(RecordsetTest, ChangesAndDeletesRowsByTheirIdentity) {
+    other.run("INSERT INTO Device VALUES (1, 'same'), (1, 'same'), (1, 'same')");
+    Recordset rows = write("SELECT Address FROM Device WHERE DeviceKey = 1 ORDER BY Address;");
+    rows.moveNext();
+    rows.set("address", "second");
+    rows.update();
+    EXPECT_EQ(other.read("SELECT Address FROM Device"), "same second same");
+    rows.deleteCurrent();
+    EXPECT_EQ(failureOf([&] { rows.value("Address"); }), noCurrentRecord);
+    EXPECT_EQ(rows.recordCount(), 2);
+    rows.moveNext();
+    EXPECT_EQ(rows.text("Address"), "same");
+    other.run("DELETE FROM Device");
+    rows.set("Address", "gone");
+    EXPECT_EQ(failureOf([&] { rows.update(); }), rowNotLocated);
+    int visited = 0;
+    rows.moveFirst();
+    for (; !rows.EOF_(); rows.moveNext(), ++visited)
+        rows.deleteCurrent();
+    EXPECT_EQ(visited, 2) << "a deleted row is passed over and the loop ends";
+    EXPECT_EQ(failureOf([&] { rows.moveFirst(); }), noCurrentRecord);
+    EXPECT_TRUE(rows.BOF_());
+}
+
+TEST_F(RecordsetTest, OffersNoWritingWhereRowsAreNotRowsOfOneTable) {
+    other.run(
+        "INSERT INTO Device VALUES (1, 'x'); INSERT INTO Link VALUES (1, 2);"
+        "CREATE VIEW Seen AS SELECT * FROM Device");
+    for (const char* source :
+         {"SELECT DISTINCT Address FROM Device", "SELECT COUNT(*) AS c FROM Device",
+          "SELECT Max(DeviceKey), Address FROM Device", "SELECT Address FROM Device GROUP BY Address",
+          "SELECT Address FROM Device UNION SELECT EventKey FROM Link", "SELECT * FROM Seen",
+          "SELECT Address FROM Device INNER JOIN Link ON Device.DeviceKey = Link.DeviceKey",
+          "SELECT Address FROM Device, Link", "SELECT * FROM (SELECT * FROM Device)"}) {
+        Recordset rows = write(source);
+        EXPECT_EQ(rows.recordCount(),
+                  std::string_view(source).find("UNION") == std::string_view::npos ? 1 : 2);
+        EXPECT_EQ(failureOf([&] { rows.set(rows.fieldName(0), "y"); }), updatingNotSupported) << source;
+    }
+}
+
+TEST_F(RecordsetTest, FindsRowsFirstBySearchThenByIndex) {
+    fillDevices(500);
+    other.run("UPDATE Device SET Address = Null WHERE DeviceKey = 1");
+    Recordset rows = write("SELECT * FROM Device ORDER BY DeviceKey");
+    for (int round = 0; round < 3; ++round) {
+        SCOPED_TRACE(round);
+        rows.find("Address = 'A7'", 0, 0);
+        EXPECT_EQ(rows.number("DeviceKey"), 7);
+        rows.find("[address]='a7'", 1);
+        EXPECT_EQ(rows.number("DeviceKey"), 107);
+        rows.find("Address = 'a7'");
+        EXPECT_EQ(rows.number("DeviceKey"), 107) << "the present row counts";
+        rows.find("DeviceKey = 300.0", -50);
+        EXPECT_EQ(rows.bookmark(), 299u);
+        rows.find("DeviceKey = 299");
+        EXPECT_TRUE(rows.EOF_()) << "it stands before the start";
+        EXPECT_EQ(failureOf([&] { rows.find("DeviceKey = 1"); }), noCurrentRecord);
+        rows.find("Address = ''", 0, 0);
+        EXPECT_TRUE(rows.EOF_()) << "Null is no text";
+    }
+    rows.find("Address = 'a7'", 0, 0);
+    rows.set("Address", "moved");
+    rows.update();
+    rows.find("Address = 'MOVED'", 0, 0);
+    EXPECT_EQ(rows.number("DeviceKey"), 7);
+    rows.find("Address = 'a7'", 0, 0);
+    EXPECT_EQ(rows.number("DeviceKey"), 107);
+    rows.deleteCurrent();
+    rows.find("Address = 'a7'", 0, 0);
+    rows.find("Address = 'a7'", 0, 0);
+    EXPECT_EQ(rows.number("DeviceKey"), 207);
+    for (const char* criterion : {"Address", "Address = a7", "Address = 'it's'", "Address = 'it''s'",
+                                  "Address <> 'a'", "DeviceKey = 5x", "DeviceKey = "})
+        EXPECT_EQ(failureOf([&] { rows.find(criterion, 0, 0); }), invalidProcedureCall) << criterion;
+    EXPECT_EQ(failureOf([&] { rows.find("Colour = 1", 0, 0); }), itemNotFound);
+    EXPECT_EQ(failureOf([&] { rows.find("DeviceKey = 1", -9, 3); }), invalidProcedureCall);
+}
+
+TEST_F(RecordsetTest, AppliesABatchWholeOrNotAtAll) {
+    other.run("INSERT INTO Events (EventSource) VALUES ('a'), ('b'), ('c')");
+    Recordset rows = write("SELECT * FROM Events", LockType::batchOptimistic);
+    rows.set("EventId", 1);
+    rows.update();
+    rows.moveNext();
+    rows.deleteCurrent();
+    for (const char* source : {"d", "e", "A"}) {
+        rows.addNew();
+        rows.set("EventSource", source);
+        rows.update();
+    }
+    EXPECT_EQ(rows.recordCount(), 5);
+    EXPECT_EQ(other.read("SELECT EventSource, EventId FROM Events"), "a|NULL b|NULL c|NULL");
+    EXPECT_EQ(failureOf([&] { rows.updateBatch(); }), constraintViolated);
+    EXPECT_EQ(other.read("SELECT EventSource, EventId FROM Events"), "a|NULL b|NULL c|NULL");
+    other.run("INSERT INTO Device VALUES (0, 'no transaction is left open')");
+
+    rows.set("EventSource", "f");  // the row in the way, not yet written
+    rows.update();
+    rows.find("EventSource = 'e'", 0, 0);
+    rows.deleteCurrent();
+    rows.updateBatch();
+    EXPECT_EQ(other.read("SELECT EventSource, EventId FROM Events"), "a|1 c|NULL d|NULL f|NULL");
+    rows.find("EventSource = 'f'", 0, 0);
+    EXPECT_EQ(rows.number("EventKey"), 5);
+    rows.updateBatch();  // nothing more to do
+    other.run("DELETE FROM Events WHERE EventSource = 'f'");
+    rows.set("EventId", 9);
+    rows.update();
+    EXPECT_EQ(failureOf([&] { rows.updateBatch(); }), rowNotLocated);
+    rows.close();
+    EXPECT_EQ(failureOf([&] { write("SELECT * FROM Events").updateBatch(); }), updatingNotSupported);
+}
+
+TEST_F(RecordsetTest, CollectsABatchForALargeTable) {
+    fillDevices(500);
+    Recordset rows = write("SELECT * FROM Device", LockType::batchOptimistic);
+    rows.addNew();
+    rows.set("DeviceKey", -1);
+    rows.update();
+    rows.find("DeviceKey = 400", 0, 0);  // loads the rows before the one added
+    rows.deleteCurrent();
+    rows.updateBatch();
+    EXPECT_EQ(other.read("SELECT count(*), min(DeviceKey), sum(DeviceKey = 400) FROM Device"), "500|-1|0");
+}
+
+TEST_F(RecordsetTest, KeepsAStatementForTheNextNumberAndNothingElseOfIt) {
+    fillDevices(300);
+    const auto open = [&](Recordset& rows, int key) {
+        rows.open("SELECT Address, DeviceKey FROM Device WHERE DeviceKey = " + std::to_string(key),
+                  connection);
+        return rows.EOF_() ? "" : rows.text("Address");
+    };
+    Recordset first;
+    Recordset second;
+    EXPECT_EQ(open(first, 7), "a7");
+    EXPECT_EQ(open(second, 8), "a8") << "while the first is open";
+    EXPECT_EQ(first.text("Address"), "a7");
+    first.close();
+    second.close();
+    EXPECT_EQ(open(first, 900), "");
+    first.close();
+    // Columns asked for by name are those whatever becomes of the table meanwhile.
+    other.run(
+        "BEGIN EXCLUSIVE; CREATE TABLE D2 (New TEXT, DeviceKey LONG, Address TEXT); INSERT INTO D2 SELECT "
+        "'n', DeviceKey, Address || '!' FROM Device; DROP TABLE Device; ALTER TABLE D2 RENAME TO Device; "
+        "COMMIT");
+    EXPECT_EQ(open(first, 7), "a7!");
+    EXPECT_EQ(first.fieldName(0), "Address");
+    first.close();
+    other.run("ALTER TABLE Device DROP COLUMN Address");
+    EXPECT_EQ(failureOf([&] { open(first, 7); }), columnMissing);
+    // More texts than are kept, and a recordset that outlives its connection.
+    for (int i = 0; i < 100; ++i) {
+        Recordset rows;
+        rows.open("SELECT " + std::to_string(i) + " AS N FROM Device WHERE DeviceKey = 1", connection);
+        EXPECT_EQ(rows.number("N"), i);
+    }
+    second.open("SELECT DeviceKey FROM Device WHERE DeviceKey = 5", connection);
+    connection.close();
+    EXPECT_EQ(second.number("DeviceKey"), 5);
+    second.close();
+}
+
+TEST_F(RecordsetTest, FindsARowByItsKeyWithoutTheOthersAndGoesOnFromThere) {
+    other.run(
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 500) "
+        "INSERT INTO Events(EventSource, EventId) SELECT 's' || i, i * 10 FROM n");
+    Recordset rows = write("SELECT * FROM Events WHERE EventId <> 4000 ORDER BY EventKey DESC");
+    const auto seek = [&](long key) {
+        rows.moveFirst();
+        rows.find("EventKey = " + std::to_string(key));
+        return rows.EOF_() ? -1 : rows.number("EventId");
+    };
+    // It is read when it is looked for, and written by its key.
+    other.run("UPDATE Events SET EventId = 77 WHERE EventKey = 7");
+    EXPECT_EQ(seek(7), 77);
+    rows.set("EventType", 3);
+    rows.update();
+    EXPECT_EQ(rows.number("EventType"), 3);
+    EXPECT_EQ(other.read("SELECT EventType FROM Events WHERE EventKey IN (6, 7)"), "NULL 3");
+    rows.addNew();
+    rows.set("EventSource", "new");
+    rows.set("EventId", 1);
+    rows.update();
+    EXPECT_EQ(rows.text("EventSource"), "new");
+    EXPECT_EQ(seek(501), 1) << "a row that was added here";
+    rows.set("EventId", 2);
+    rows.update();
+    EXPECT_EQ(seek(501), 2);
+    EXPECT_EQ(seek(300), 3000);
+    rows.moveNext();
+    EXPECT_EQ(rows.number("EventKey"), 299) << "the order is that of the statement";
+    EXPECT_EQ(rows.recordCount(), 500);
+    EXPECT_EQ(seek(400), -1) << "not among the rows";
+    EXPECT_EQ(seek(7), 77);
+    EXPECT_EQ(rows.number("EventType"), 3);
+
+    Recordset again = write("SELECT * FROM Events");
+    again.moveFirst();
+    again.find("EventKey = 9");
+    again.deleteCurrent();
+    EXPECT_EQ(failureOf([&] { again.value("EventKey"); }), noCurrentRecord);
+    again.moveNext();
+    EXPECT_EQ(again.number("EventKey"), 10);
+    EXPECT_EQ(other.read("SELECT count(*) FROM Events WHERE EventKey = 9"), "0");
+}
+
+TEST_F(RecordsetTest, StatementsThatDifferInNumbersOnlyKeepTheirOwn) {
+    fillDevices(20);
+    const auto count = [&](const std::string& condition) {
+        Recordset rows;
+        rows.open("SELECT DeviceKey FROM Device WHERE " + condition, connection, CursorType::staticCursor);
+        return rows.recordCount();
+    };
+    EXPECT_EQ(count("DeviceKey = 1 OR DeviceKey = 2"), 2);
+    EXPECT_EQ(count("DeviceKey = 3 OR DeviceKey = 99"), 1);
+    EXPECT_EQ(count("DeviceKey > 5 AND DeviceKey <>7"), 14);
+    EXPECT_EQ(count("DeviceKey > 19 AND DeviceKey <>20"), 0);
+    EXPECT_EQ(count("DeviceKey > 1.5 AND DeviceKey >= 1e1 AND DeviceKey > -1 AND Address <> '= 5'"), 11);
+    EXPECT_EQ(count("DeviceKey = 99999999999999999999"), 0);
+    EXPECT_EQ(failureOf([&] { count("DeviceKey = ?1 OR DeviceKey = 1"); }), columnMissing);
+    EXPECT_EQ(failureOf([&] { count("DeviceKey = 1 AND DeviceKey = $x"); }), columnMissing);
+    // Two at once.
+    Recordset one;
+    Recordset two;
+    one.open("SELECT * FROM Device WHERE DeviceKey > 1 ORDER BY DeviceKey", connection);
+    two.open("SELECT * FROM Device WHERE DeviceKey > 5 ORDER BY DeviceKey", connection);
+    one.moveNext();
+    EXPECT_EQ(one.number("DeviceKey"), 3);
+    EXPECT_EQ(two.number("DeviceKey"), 6);
+}
+
+TEST_F(RecordsetTest, AStatementThatRanBeforeSeesTheColumnsOfToday) {
+    fillDevices(2);
+    for (const LockType lock : {LockType::readOnly, LockType::optimistic})
+        for (const char* change :
+             {"ALTER TABLE Device ADD COLUMN Colour TEXT DEFAULT 'red'",
+              "ALTER TABLE Device RENAME COLUMN Colour TO Hue", "ALTER TABLE Device DROP COLUMN Hue"}) {
+            write("SELECT * FROM Device", lock).close();
+            other.run(change);
+            Recordset rows = write("SELECT * FROM Device", lock);
+            const std::size_t extra = contains(change, "DROP") ? 0 : 1;
+            ASSERT_EQ(rows.fieldCount(), 2 + extra) << change;
+            if (extra) {
+                const char* name = contains(change, "ADD") ? "Colour" : "Hue";
+                EXPECT_EQ(rows.text(name), "red");
+                if (lock == LockType::optimistic) {
+                    rows.set(name, std::string("red"));
+                    rows.update();
+                }
+            }
+        }
+}
+
+TEST_F(RecordsetTest, WritesNothingThroughAConnectionThatWasClosed) {
+    Recordset rows = write("SELECT * FROM Device");
+    connection.close();
+    rows.addNew();
+    rows.set("DeviceKey", 1);
+    EXPECT_EQ(failureOf([&] { rows.update(); }), connectionClosed);
+}
+
+TEST_F(RecordsetTest, FindsFieldsInAnyOrderAndSpelling) {
+    Recordset rows;
+    rows.open(
+        "SELECT 1 AS Id, 2 AS EventSourceA, 3 AS EventSourceB, 4 AS XventSourceB, 5 AS Id, 6 AS abc, 7 AS "
+        "abd "
+        "UNION ALL SELECT 11, 12, 13, 14, 15, 16, 17",
+        connection);
+    for (const long row : {0L, 10L}) {
+        for (int round = 0; round < 2; ++round) {
+            EXPECT_EQ(rows.number("EventSourceA"), row + 2);
+            EXPECT_EQ(rows.number("EventSourceB"), row + 3);
+            EXPECT_EQ(rows.number("XventSourceB"), row + 4);
+            EXPECT_EQ(rows.number("id"), row + 1) << "the first one of that name";
+            EXPECT_EQ(failureOf([&] { rows.number(""); }), itemNotFound);
+            EXPECT_EQ(rows.number("ABD"), row + 7);
+            EXPECT_EQ(rows.number("abc"), row + 6);
+            EXPECT_EQ(failureOf([&] { rows.number("EventSource"); }), itemNotFound);
+            EXPECT_EQ(rows.number("ID"), row + 1);
+            EXPECT_EQ(rows.number("ID"), row + 1);
+        }
+        EXPECT_EQ(rows.number("eventsourceb"), row + 3);
+        EXPECT_EQ(rows.number("eventsourcea"), row + 2);
+        rows.moveNext();
+    }
+    EXPECT_EQ(failureOf([&] { rows.number("Id"); }), noCurrentRecord);
+}
+
+TEST_F(RecordsetTest, KeepsTextsOfAnyLengthWhateverElseRuns) {
+    constexpr int count = 600;
+    other.run(
+        "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 599) INSERT INTO "
+        "Device SELECT i, replace(hex(zeroblob(i * (i % 7) * 20)), '00', char(97 + i % 26)) FROM n");
+    Recordset stream;
+    stream.open("SELECT DeviceKey, Address FROM Device", connection);
+    Recordset kept = write("SELECT DeviceKey, Address FROM Device");
+    const auto expected = [](int i) {
+        return std::string(static_cast<std::size_t>(i * (i % 7) * 20), static_cast<char>('a' + i % 26));
+    };
+    for (int i = 0; i < count; ++i) {
+        for (Recordset* rows : {&stream, &kept}) {
+            ASSERT_FALSE(rows->EOF_() || rows->isNull("Address")) << i;
+            ASSERT_EQ(rows->text("Address"), expected(i));
+            ASSERT_EQ(rows->value("Address"), Value(expected(i)));
+        }
+        if (i % 50 == 0) {
+            kept.set("Address", "changed");
+            EXPECT_EQ(kept.text("Address"), "changed");
+            EXPECT_EQ(stream.text("Address"), expected(i)) << "what was read stays as it was";
+            kept.moveFirst();
+            for (int steps = 0; steps < i; ++steps)
+                kept.moveNext();
+            EXPECT_EQ(kept.text("Address"), expected(i)) << "a move drops what was set";
+        }
+        stream.moveNext();
+        kept.moveNext();
+    }
+    EXPECT_TRUE(stream.EOF_() && kept.EOF_());
+    kept.moveFirst();
+    for (const std::string& text : {std::string(5000, 'x'), std::string(), std::string("short")}) {
+        kept.set("Address", text);
+        kept.update();
+        EXPECT_EQ(kept.text("Address"), text);
+    }
+    kept.moveNext();
+    EXPECT_EQ(kept.text("Address"), expected(1));
+    kept.addNew();
+    EXPECT_TRUE(kept.isNull("Address"));
+    kept.set("Address", "new");
+    kept.update();
+    EXPECT_EQ(kept.text("Address"), "new");
+    kept.close();
+    EXPECT_EQ(failureOf([&] { kept.text("Address"); }), objectClosed);
+}
+
+}  // namespace

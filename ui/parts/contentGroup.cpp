@@ -1,0 +1,176 @@
+#include "ui/parts/contentGroup.h"
+
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <utility>
+
+#include "core/modLocalize.h"
+#include "core/procedure.h"
+#include "database/settings.h"
+#include "platform/prompts.h"
+#include "server/voiceFiles.h"
+#include "ui/base/controls.h"
+#include "ui/base/text.h"
+#include "ui/parts/RTBHelpers.h"
+#include "ui/parts/insertionVariables.h"
+#include "ui/widgets/variableTextBox.h"
+
+namespace ui {
+
+namespace {
+
+VariableTextBox* makeTextBox(VariableTextBox::Lines lines, QWidget& area, const char* name) {
+    auto* box = new VariableTextBox(lines, &area);
+    box->setObjectName(name);
+    return box;
+}
+
+void showDefaultPriority(QComboBox& list, const char* setting) {
+    bool isNumber = false;
+    const int stored = fromUtf8(mdlDatabase::getConfigurationSetting(setting)).toInt(&isNumber);
+    ContentGroup::showPriority(list, isNumber ? stored : 2);
+}
+
+}  // namespace
+
+ContentGroup::ContentGroup(std::string module, QWidget& window, QWidget& area, const Names& names,
+                           Handlers handlers)
+    : QObject(&window), module_(std::move(module)), priorityClicked_(std::move(handlers.priorityClicked)) {
+    lblVoiceMailFilename = makeControl<QLabel>(&area, "lblVoiceMailFilename");
+    txtVoiceMailFileName = makeControl<QLineEdit>(&area, "txtVoiceMailFileName");
+    cmdVoiceMailBrowse = makeControl<QPushButton>(&area, "cmdVoiceMailBrowse");
+    cmdVoiceMailBrowse->setAutoDefault(false);
+    lblVoiceMailPriority = makeControl<QLabel>(&area, "lblVoiceMailPriority");
+    comboVoiceMailPriority = makeControl<QComboBox>(&area, "comboVoiceMailPriority");
+    lblEmailSubject = makeControl<QLabel>(&area, "lblEmailSubject");
+    rtbEmailSubject = makeTextBox(VariableTextBox::Lines::one, area, "rtbEmailSubject");
+    lblEmailBody = makeControl<QLabel>(&area, names.bodyLabel);
+    rtbEmailBody = makeTextBox(VariableTextBox::Lines::many, area, "rtbEmailBody");
+    lblRightClick = makeControl<QLabel>(&area, names.hintLabel);
+    lblRightClick->setWordWrap(true);
+    lblEmailPriority = makeControl<QLabel>(&area, "lblEmailPriority");
+    comboEmailPriority = makeControl<QComboBox>(&area, "comboEmailPriority");
+    variables = new InsertionVariables(module_, window, *rtbEmailSubject, *rtbEmailBody,
+                                       std::move(handlers.textChanged));
+    layOut(area);
+    keepPriority(*comboVoiceMailPriority, "comboVoiceMailPriority_Click", voiceMailPriority_);
+    keepPriority(*comboEmailPriority, "comboEmailPriority_Click", emailPriority_);
+    connect(cmdVoiceMailBrowse, &QPushButton::clicked, this, &ContentGroup::cmdVoiceMailBrowse_Click);
+}
+
+void ContentGroup::keepPriority(QComboBox& list, const char* handler, long& priority) {
+    connect(&list, &QComboBox::currentIndexChanged, this, [this, handler, &priority](int row) {
+        core::procedure(module_, handler, [&](core::Frame& frame) {
+            priority = mdlDatabase::mapPriority(row);
+            if (priorityClicked_)
+                frame.step([&] { priorityClicked_(); });
+        });
+    });
+}
+
+void ContentGroup::layOut(QWidget& area) {
+    auto* rows = new QGridLayout(&area);
+    rows->setColumnStretch(1, 1);
+    rows->addWidget(lblVoiceMailFilename, 0, 0);
+    rows->addWidget(txtVoiceMailFileName, 0, 1);
+    rows->addWidget(cmdVoiceMailBrowse, 0, 2);
+    cmdVoiceMailBrowse->setMaximumWidth(48);
+    rows->addWidget(lblVoiceMailPriority, 1, 0);
+    rows->addWidget(comboVoiceMailPriority, 1, 1, 1, 2, Qt::AlignLeft);
+    rows->addWidget(lblEmailSubject, 2, 0);
+    rows->addWidget(rtbEmailSubject, 2, 1, 1, 2);
+    rows->addWidget(lblEmailBody, 3, 0, Qt::AlignTop);
+    rows->addWidget(rtbEmailBody, 3, 1, 1, 2);
+    rows->addWidget(lblRightClick, 4, 1, 1, 2);
+    rows->addWidget(lblEmailPriority, 5, 0);
+    rows->addWidget(comboEmailPriority, 5, 1, 1, 2, Qt::AlignLeft);
+    rows->setRowStretch(3, 1);
+    lblVoiceMailFilename->setBuddy(txtVoiceMailFileName);
+    lblVoiceMailPriority->setBuddy(comboVoiceMailPriority);
+    lblEmailSubject->setBuddy(rtbEmailSubject);
+    lblEmailBody->setBuddy(rtbEmailBody);
+    lblEmailPriority->setBuddy(comboEmailPriority);
+}
+
+void ContentGroup::followInTabOrder(QWidget& before) {
+    setTabOrder({&before, txtVoiceMailFileName, cmdVoiceMailBrowse, comboVoiceMailPriority, rtbEmailSubject,
+                 rtbEmailBody, comboEmailPriority});
+}
+
+void ContentGroup::controlInit() {
+    lblVoiceMailFilename->setText(text(1038));
+    cmdVoiceMailBrowse->setText("...");
+    cmdVoiceMailBrowse->setToolTip(text(1044));
+    cmdVoiceMailBrowse->setAccessibleName(text(1044));
+    lblVoiceMailPriority->setText(text(1042));
+    fillCombo(*comboVoiceMailPriority, {1035, 1036});
+    lblEmailSubject->setText(text(1039));
+    lblEmailBody->setText(text(1040));
+    lblRightClick->setText(text(1152));
+    lblEmailPriority->setText(text(1043));
+    fillCombo(*comboEmailPriority, {1035, 1036});
+    // The menu's entries come later in some windows.
+    variables->mnuVariables->setTitle(text(1058));
+    if (variables->mnuInsert.size() > 1)
+        variables->controlInit();
+}
+
+void ContentGroup::showDefaultVoiceFile() {
+    txtVoiceMailFileName->setText(fromUtf8(mdlDatabase::getDefaultContent(1).text));
+}
+
+void ContentGroup::showDefaultMail() {
+    const auto parts = mdlDatabase::getDefaultContent(3).parts;
+    rtbEmailSubject->setStoredText(parts.at("Subject"));
+    rtbEmailBody->setStoredText(parts.at("Body"));
+}
+
+void ContentGroup::showDefaultVoiceMailPriority() {
+    showDefaultPriority(*comboVoiceMailPriority, "DefaultVoiceMailPriority");
+}
+
+void ContentGroup::showDefaultEmailPriority() {
+    showDefaultPriority(*comboEmailPriority, "DefaultEmailPriority");
+}
+
+void ContentGroup::showPriority(QComboBox& list, long stored) {
+    const int row = static_cast<int>(mdlDatabase::mapPriority(stored));
+    list.setCurrentIndex(row < list.count() ? row : -1);
+    if (row >= list.count())
+        throw platform::makeFailure(platform::invalidProcedureCall, toUtf8(list.objectName()));
+}
+
+void ContentGroup::colorTexts() {
+    for (VariableTextBox* box : {rtbEmailSubject, rtbEmailBody})
+        RTBHelpers::colorInsertionTokens(*box, RTBHelpers::insertionTokens);
+}
+
+mdlDatabase::EventContent ContentGroup::shown() const {
+    return {toUtf8(txtVoiceMailFileName->text()), voiceMailPriority_, rtbEmailSubject->storedText(),
+            rtbEmailBody->storedText(), emailPriority_};
+}
+
+// The recording chosen is brought into the Database folder and shown by its bare name; without a result the
+// box keeps its text.
+void ContentGroup::cmdVoiceMailBrowse_Click() {
+    using modLocalize::myLoadResString;
+    core::procedure(module_, "cmdVoiceMailBrowse_Click", [&](core::Frame& frame) {
+        frame.step([&] {
+            const QString kept = txtVoiceMailFileName->text();
+            const std::optional<std::string> chosen =
+                platform::prompts().openFile({myLoadResString(1044), myLoadResString(1045), ".wav",
+                                              mdlUtility::databaseFolder().string()});
+            if (!chosen || chosen->empty())
+                return;
+            txtVoiceMailFileName->setText(fromUtf8(mdlUtility::copyFileToDatabaseDirectory(*chosen)));
+            if (txtVoiceMailFileName->text().isEmpty())
+                txtVoiceMailFileName->setText(kept);
+        });
+    });
+}
+
+}  // namespace ui
