@@ -1,11 +1,10 @@
-#include <QApplication>
-
 #include "app/mdlMain.h"
 #include "platform/machine/host.h"
 #include "platform/machine/language.h"
 #include "platform/machine/windowStation.h"
 #include "platform/prompts.h"
 #include "ui/base/appearance.h"
+#include "ui/base/application.h"
 #include "ui/base/messageBoxes.h"
 #include "ui/helpViewer/helpViewer.h"
 #include "ui/shell/windowServices.h"
@@ -13,7 +12,7 @@
 int main(int argc, char** argv) {
     platform::program::setCommandLine(argc, argv);
     platform::setDateOrder(platform::userDateOrder());
-    QApplication application(argc, argv);
+    ui::Application application(argc, argv);
     ui::applyAppearance();
     QApplication::setQuitOnLastWindowClosed(false);
     ui::MessageBoxes boxes;

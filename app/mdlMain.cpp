@@ -167,6 +167,9 @@ void activatePrevInstance(platform::WindowStation& station) {
         for (const char* className : {"ThunderRTMain", "ThunderRT5Main", "ThunderRT6Main"})
             if (window == 0)
                 frame.step([&] { window = platform::findWindow(station, className, title); });
+        // One that waits, say for a service, cannot answer; its lock proves that it lives.
+        if (window == 0 && station.earlierIsBusy())
+            platform::program::end(0);
         if (window == 0)
             return;
         frame.step([&] { window = platform::windowBefore(station, window); });

@@ -10,6 +10,9 @@
 
 namespace mdlDatabase {
 
+// Characters that the source of an exclusion may have; a longer one is not stored.
+inline constexpr int longestExclusionSource = 50;
+
 // The id that excludes every id of its source.
 inline constexpr long allExclusionIds = -1;
 

@@ -7,7 +7,6 @@
 
 #include <unistd.h>
 
-#include <QApplication>
 #include <QFileInfo>
 #include <cstdio>
 
@@ -24,6 +23,7 @@
 #include "tour/hands.h"
 #include "tour/stage.h"
 #include "ui/base/appearance.h"
+#include "ui/base/application.h"
 #include "ui/base/messageBoxes.h"
 #include "ui/base/text.h"
 #include "ui/helpViewer/helpViewer.h"
@@ -91,7 +91,7 @@ int main(int argc, char** argv) {
     platform::setDateOrder(platform::userDateOrder());
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" TOUR_SCREEN);
-    QApplication application(argc, argv);
+    ui::Application application(argc, argv);
     if (qEnvironmentVariable("TOUR_LOOK") == "dark")
         tour::darken();
     ui::applyAppearance();

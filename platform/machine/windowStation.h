@@ -30,6 +30,8 @@ class WindowStation {
     WindowStation& operator=(const WindowStation&) = delete;
 
     bool earlierInstance() const noexcept { return earlier_; }
+    // True when the earlier instance lives and did not answer in time: it is busy.
+    bool earlierIsBusy() const noexcept { return unanswered_; }
     // Descriptor that becomes readable when a request waits; -1 when not listening.
     int descriptor() const noexcept { return listener_; }
     // Answers the waiting requests, each within a second, and returns.

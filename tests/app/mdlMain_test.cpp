@@ -9,9 +9,12 @@
 #include <QProcess>
 #include <QtTest/QTest>
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <regex>
+#include <thread>
 
 #include "core/classLog.h"
 #include "core/state.h"
@@ -259,9 +262,26 @@ TEST_F(Start, GoesOnAsAFullInstanceWhenNoEarlierWindowIsFound) {
     platform::program::setTitle("another title");
     platform::WindowStation second("QLNAdmin");
     ASSERT_TRUE(second.earlierInstance());
-    // Nobody answers: the first instance's events do not run here.
+    // The first one answers that it has no such window.
+    std::atomic<bool> over = false;
+    std::thread answering([&] {
+        while (!over) {
+            first.serve();
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    });
     mdlMain::activatePrevInstance(second);
+    over = true;
+    answering.join();
     EXPECT_EQ(platform::program::title(), "unwanted instance");
+    platform::program::setTitle("QLNAdmin");
+}
+
+TEST_F(Start, EndsBesideAnEarlierInstanceThatIsTooBusyToAnswer) {
+    makeReady();
+    const platform::WindowStation first("QLNAdmin");
+    platform::WindowStation second("QLNAdmin");
+    EXPECT_THROW(mdlMain::activatePrevInstance(second), support::ProcessEnded);
     platform::program::setTitle("QLNAdmin");
 }
 

@@ -13,14 +13,17 @@ class QHBoxLayout;
 
 namespace ui {
 
-// A control with its object name; the parent owns it. A line takes a text of any length: the toolkit's own
-// limit would cut off what the database holds.
+// A control with its object name; the parent owns it. A line takes a text of any length, unless its class has
+// a limit of its own: the toolkit's limit would cut off what the database holds.
 template <class Control>
 Control* makeControl(QWidget* parent, const std::string& name) {
     auto* control = new Control(parent);
     control->setObjectName(QString::fromStdString(name));
-    if constexpr (requires { control->setMaxLength(0); })
-        control->setMaxLength(std::numeric_limits<int>::max());
+    if constexpr (requires { control->setMaxLength(control->maxLength()); }) {
+        constexpr int toolkitLimit = 32767;
+        if (control->maxLength() == toolkitLimit)
+            control->setMaxLength(std::numeric_limits<int>::max());
+    }
     return control;
 }
 

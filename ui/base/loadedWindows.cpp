@@ -32,8 +32,8 @@ QWidget* frontWindow() {
     return shell;
 }
 
-void callControlInit(QWidget& window) {
-    const QByteArray procedure = window.objectName().toLatin1() + "_ControlInit";
+void callProcedure(QWidget& window, const char* ending) {
+    const QByteArray procedure = window.objectName().toLatin1() + ending;
     if (window.metaObject()->indexOfMethod(procedure + "()") >= 0)
         QMetaObject::invokeMethod(&window, procedure.constData(), Qt::DirectConnection);
 }

@@ -11,9 +11,10 @@ namespace ui {
 // "dlgEvent".
 void forEachLoadedWindow(const std::function<void(QWidget&)>& action);
 
-// Calls the window's own procedure of captions by its name, such as "frmMain_ControlInit", which the window
-// declares invokable. Does nothing for a window that has none.
-void callControlInit(QWidget& window);
+// Calls the procedure that a window declares invokable under its own name and an ending, such as
+// "frmMain_ControlInit", which sets its captions, or "frmMain_AddressDetailsRebuilt". Does nothing for a
+// window that has none.
+void callProcedure(QWidget& window, const char* ending);
 
 // The window that a box or a notice belongs to: the active one, else the dialog that has the input, else the
 // main window. Between two boxes the system may have no active window for a moment. Null while there is none.

@@ -4,6 +4,23 @@
 
 namespace ui {
 
+QString breakable(const QString& text) {
+    constexpr int longestWord = 40;
+    constexpr QChar zeroWidthSpace(0x200B);
+    QString result;
+    result.reserve(text.size());
+    int word = 0;
+    for (const QChar c : text) {
+        word = c.isSpace() ? 0 : word + 1;
+        if (word > longestWord && !c.isLowSurrogate()) {
+            result += zeroWidthSpace;
+            word = 1;
+        }
+        result += c;
+    }
+    return result;
+}
+
 QString text(long id) {
     return fromUtf8(modLocalize::myLoadResString(id));
 }

@@ -9,11 +9,13 @@
 #include <QSignalBlocker>
 
 #include "core/procedure.h"
+#include "database/exclusions.h"
 #include "ui/base/controls.h"
 #include "ui/base/formFonts.h"
 #include "ui/base/text.h"
 #include "ui/parts/clipboardImport.h"
 #include "ui/parts/eventSourceList.h"
+#include "ui/widgets/limitsSign.h"
 #include "ui/widgets/numberBox.h"
 
 namespace {
@@ -33,6 +35,9 @@ dlgAddExclusion::dlgAddExclusion(QWidget* parent) : QDialog(parent) {
 void dlgAddExclusion::createControls() {
     lblEventSource = ui::makeControl<QLabel>(this, "lblEventSource");
     comboEventSource = ui::makeControl<QComboBox>(this, "comboEventSource");
+    ui::boundWidth(*comboEventSource);
+    sourceLimits = new ui::LimitsSign(1, mdlDatabase::longestExclusionSource, this);
+    sourceLimits->hide();
     Frame1 = ui::makeControl<QGroupBox>(this, "Frame1");
     id = ui::makeEventIdControls(*Frame1);
     ui::layOutEventIdControls(*Frame1, id);
@@ -45,6 +50,7 @@ void dlgAddExclusion::buildLayout() {
     auto* source = new QHBoxLayout;
     source->addWidget(lblEventSource);
     source->addWidget(comboEventSource, 1);
+    source->addWidget(sourceLimits);
     cmdOk->setDefault(true);
     cmdImportFromClipboard->setAutoDefault(false);
     auto* whole = new QVBoxLayout(this);
@@ -116,7 +122,12 @@ void dlgAddExclusion::noteChoice(const char* handler) {
 
 void dlgAddExclusion::updateOkButton() {
     core::procedure(module, "updateOkButton", [&](core::Frame&) {
-        cmdOk->setEnabled(!comboEventSource->currentText().isEmpty() && !ui::isEventIdMissing(id));
+        const bool refused = !ui::isStorableExclusion(eventSource());
+        sourceLimits->setVisible(refused);
+        if (refused != sourceLimits->refuses())
+            sourceLimits->showRefusal(refused);
+        cmdOk->setEnabled(!comboEventSource->currentText().isEmpty() && !ui::isEventIdMissing(id) &&
+                          !refused);
     });
 }
 

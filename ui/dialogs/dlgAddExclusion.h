@@ -7,6 +7,10 @@
 
 #include "ui/parts/eventIdChoice.h"
 
+namespace ui {
+class LimitsSign;
+}
+
 class QComboBox;
 class QGroupBox;
 class QLabel;
@@ -43,6 +47,7 @@ class dlgAddExclusion : public QDialog {
 
     QLabel* lblEventSource;
     QComboBox* comboEventSource;
+    ui::LimitsSign* sourceLimits;
     QGroupBox* Frame1;
     ui::EventIdControls id;
     QPushButton* cmdImportFromClipboard;

@@ -62,8 +62,12 @@ void dlgEditRecipients::displayForm(long eventKey, const std::string& eventNodeT
         setWindowTitle("Edit Recipients For Event: " + ui::fromUtf8(eventNodeText));
         cancelled = true;
         selectedDevices.clear();
-        frame.step(
-            [&] { mdlRecDevices::populateRecipientsList(*tvRecipients, eventKey, selectedDevices, false); });
+        // What OK gives replaces what the event has, so it takes a list that was read whole.
+        cmdOk->setEnabled(false);
+        frame.step([&] {
+            cmdOk->setEnabled(
+                mdlRecDevices::populateRecipientsList(*tvRecipients, eventKey, selectedDevices, false));
+        });
         tvRecipients->setFocus(Qt::TabFocusReason);
         exec();
     });

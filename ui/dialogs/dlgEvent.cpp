@@ -42,6 +42,7 @@ dlgEvent::dlgEvent(QWidget* parent) : QDialog(parent) {
 void dlgEvent::createControls() {
     lblEventSource = ui::makeControl<QLabel>(this, "lblEventSource");
     comboEventSource = ui::makeControl<QComboBox>(this, "comboEventSource");
+    ui::boundWidth(*comboEventSource);
     frameEventId = ui::makeControl<QGroupBox>(this, "frameEventId");
     id = ui::makeEventIdControls(*frameEventId);
     // An event's id has 32 bits.

@@ -4,7 +4,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
-#include <numeric>
 
 #include "core/state.h"
 #include "database/events.h"
@@ -13,6 +12,7 @@
 #include "ui/base/controls.h"
 #include "ui/base/formFonts.h"
 #include "ui/base/text.h"
+#include "ui/parts/eventSourceList.h"
 #include "ui/widgets/textList.h"
 
 namespace {
@@ -22,8 +22,10 @@ constexpr char module[] = "dlgExclusions";
 enum ExclusionButton { addAll, addSelected, removeSelected, removeAll, buttonCount };
 
 std::vector<int> allRows(const ui::TextList& list) {
-    std::vector<int> rows(static_cast<std::size_t>(list.count()));
-    std::iota(rows.begin(), rows.end(), 0);
+    std::vector<int> rows;
+    for (int row = 0; row < list.count(); ++row)
+        if (!list.isLocked(row))
+            rows.push_back(row);
     return rows;
 }
 
@@ -117,6 +119,8 @@ void dlgExclusions::displayForm() {
 
 void dlgExclusions::fillLists(core::Frame& frame) {
     platform::Recordset exclusions = mdlDatabase::getExclusions();
+    // OK writes the table anew, so it takes lists that hold what is stored.
+    cmdOk->setEnabled(exclusions.state() == platform::ObjectState::open);
     const std::vector<std::string> sources =
         mdlUtility::getEventSources(core::gCorvaneFourOrLater, true, false);
     lstAvailableSources->clear();
@@ -131,7 +135,12 @@ void dlgExclusions::fillLists(core::Frame& frame) {
             exclusions.find("EventSource = '" + source + "'");
             excluded = !exclusions.EOF_();
         });
-        frame.step([&] { (excluded ? lstExcludedSources : lstAvailableSources)->addText(source); });
+        frame.step([&] {
+            if (ui::isStorableExclusion(source))
+                (excluded ? lstExcludedSources : lstAvailableSources)->addText(source);
+            else
+                lstAvailableSources->addLockedText(source, ui::tooLongForAnExclusion(source));
+        });
     }
     frame.step([&] { exclusions.close(); });
 }

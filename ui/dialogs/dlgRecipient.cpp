@@ -11,6 +11,7 @@
 #include "ui/base/controls.h"
 #include "ui/base/formFonts.h"
 #include "ui/base/text.h"
+#include "ui/dialogs/dlgSelect.h"
 #include "ui/parts/deviceTabs.h"
 #include "ui/widgets/entryList.h"
 
@@ -26,7 +27,7 @@ dlgRecipient::dlgRecipient(QWidget* parent) : QDialog(parent) {
     txtRecipientName = ui::makeControl<QLineEdit>(this, "txtRecipientName");
     cmdOk = ui::makeControl<QPushButton>(this, "cmdOk");
     cmdCancel = ui::makeControl<QPushButton>(this, "cmdCancel");
-    sstabDevices = new ui::DeviceTabs(ui::DeviceTabs::Place::dialog, this);
+    sstabDevices = new ui::DeviceTabs(ui::DeviceTabs::Place::dialog, dlgSelect::search, this);
     buildLayout();
     const auto update = [this] { updateOkButton(); };
     connect(txtRecipientName, &QLineEdit::textChanged, this, &dlgRecipient::txtRecipientName_Change);

@@ -57,6 +57,18 @@ dlgSelect& dlgSelect::shared(QWidget* caller) {
     return *instance;
 }
 
+std::optional<ui::FoundEntry> dlgSelect::search(QWidget& caller, const std::string& types, bool subscribers) {
+    dlgSelect& window = shared(&caller);
+    window.directoryConnection = &core::gCorvaneDb;
+    window.subscriberTypes = types;
+    window.selectMode =
+        subscribers ? directoryQuery::searchSubscribers : directoryQuery::searchDistributionLists;
+    window.exec();
+    if (window.cancelled)
+        return std::nullopt;
+    return ui::FoundEntry{window.selectedDisplayName, window.selectedDirectoryId};
+}
+
 dlgSelect::dlgSelect(QWidget* parent) : QDialog(parent) {
     setObjectName("dlgSelect");
     frameSearchExtended = ui::makeControl<QGroupBox>(this, "frameSearchExtended");

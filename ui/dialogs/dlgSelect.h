@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/ado/ado.h"
+#include "ui/parts/directoryEntry.h"
 
 class QComboBox;
 class QGroupBox;
@@ -24,6 +25,9 @@ class dlgSelect : public QDialog {
 
     // The one instance for the process, made on first use for the main window above `caller`.
     static dlgSelect& shared(QWidget* caller);
+    // Searches the server's directory with the one instance.
+    static std::optional<ui::FoundEntry> search(QWidget& caller, const std::string& subscriberTypes,
+                                                bool subscribers);
 
     // Set these, then exec().
     platform::Connection* directoryConnection = nullptr;

@@ -188,11 +188,13 @@ void frmAbout::mnuLanguageList_Click(std::size_t index) {
         quietly([] { modLocalize::InitalizeLanguages(); });
         ui::forEachLoadedWindow([&](QWidget& window) {
             quietly([&] { ui::setFormFonts(window); });
-            quietly([&] { ui::callControlInit(window); });
+            quietly([&] { ui::callProcedure(window, "_ControlInit"); });
             for (QWidget* control : window.findChildren<QWidget*>())
                 control->update();
         });
         quietly([] { mdlDatabase::rebuildAddressDetailsTable(); });
+        ui::forEachLoadedWindow(
+            [&](QWidget& window) { quietly([&] { ui::callProcedure(window, "_AddressDetailsRebuilt"); }); });
         core::gRebuildingControls = false;
         setCursor(Qt::ArrowCursor);
     });

@@ -9,27 +9,50 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
+#include <cstdint>
+#include <limits>
 
+#include "core/modLocalize.h"
 #include "core/state.h"
+#include "database/assignment.h"
+#include "database/confirmation.h"
+#include "database/events.h"
+#include "database/exclusions.h"
 #include "ui/base/controls.h"
 #include "ui/base/text.h"
 #include "ui/dialogs/dlgExclusions.h"
+#include "ui/panes/eventRecipients.h"
+#include "ui/panes/saveQuestion.h"
 #include "ui/parts/contentGroup.h"
+#include "ui/parts/eventSourceList.h"
 #include "ui/parts/insertionVariables.h"
+#include "ui/parts/rowText.h"
 #include "ui/widgets/eventIdBox.h"
 #include "ui/widgets/keyedTree.h"
+#include "ui/widgets/limitsSign.h"
 #include "ui/widgets/variableTextBox.h"
+
+using mdlDatabase::confirmed;
+using modLocalize::myLoadResString;
+using platform::Recordset;
 
 namespace {
 
 constexpr char module[] = "frmMain";
-constexpr int lowestTree = 120;  // pixels; what is lower than its content scrolls
-constexpr int lowestBody = 130;
+constexpr int lowestBody = 130;  // pixels; what is lower than its content scrolls
+
+// Nothing can be chosen, but what is shown stays as easy to read as before.
+void lockList(QComboBox& list) {
+    QPalette look = list.palette();
+    for (const auto role : {QPalette::Text, QPalette::ButtonText})
+        look.setColor(QPalette::Disabled, role, look.color(QPalette::Active, role));
+    list.setPalette(look);
+    list.setEnabled(false);
+}
 
 }  // namespace
 
-paneEventDetails::paneEventDetails(QWidget* parent, const ui::KeyedTree& navigation)
-    : QWidget(parent), tvNavigation(navigation) {
+paneEventDetails::paneEventDetails(QWidget* parent) : QWidget(parent) {
     createControls();
     createContentControls();
     buildLayout();
@@ -39,21 +62,17 @@ paneEventDetails::paneEventDetails(QWidget* parent, const ui::KeyedTree& navigat
 void paneEventDetails::createControls() {
     lblEventSource = ui::makeControl<QLabel>(this, "lblEventSource");
     comboEventSource = ui::makeControl<QComboBox>(this, "comboEventSource");
-    // A long source must not make the pane wider than the window.
-    comboEventSource->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    comboEventSource->setMinimumContentsLength(12);
+    ui::boundWidth(*comboEventSource);
     lblEventId = ui::makeControl<QLabel>(this, "lblEventId");
     comboEventId = ui::makeControl<ui::EventIdBox>(this, "comboEventId");
+    idLimits = new ui::LimitsSign(0, std::numeric_limits<std::int32_t>::max(), this);
+    idLimits->hide();
     lblEventType = ui::makeControl<QLabel>(this, "lblEventType");
     comboEventType = ui::makeControl<QComboBox>(this, "comboEventType");
     chkActive = ui::makeControl<QCheckBox>(this, "chkActive");
     lblEventNotes = ui::makeControl<QLabel>(this, "lblEventNotes");
     txtEventTitle = ui::makeControl<QLineEdit>(this, "txtEventTitle");
-    frameRecipients = ui::makeControl<QGroupBox>(this, "frameRecipients");
-    tvRecipients = ui::makeControl<ui::KeyedTree>(frameRecipients, "tvRecipients");
-    tvRecipients->setMinimumHeight(lowestTree);
-    cmdAddRecipient = ui::makeControl<QPushButton>(frameRecipients, "cmdAddRecipient");
-    cmdRemoveRecipient = ui::makeControl<QPushButton>(frameRecipients, "cmdRemoveRecipient");
+    recipients = new EventRecipients(this);
     frameContent = ui::makeControl<QGroupBox>(this, "frameContent");
     cmdExclusions = ui::makeControl<QPushButton>(this, "cmdExclusions");
     cmdEventApply = ui::makeControl<QPushButton>(this, "cmdEventApply");
@@ -78,34 +97,22 @@ QLayout* paneEventDetails::matchLayout() {
     match->addWidget(comboEventSource, 0, 1);
     match->addWidget(lblEventId, 0, 2);
     match->addWidget(comboEventId, 0, 3);
-    match->addWidget(lblEventType, 1, 0);
-    match->addWidget(comboEventType, 1, 1);
-    match->addWidget(chkActive, 1, 2, 1, 2);
-    match->addWidget(lblEventNotes, 2, 0);
-    match->addWidget(txtEventTitle, 2, 1, 1, 3);
+    match->addWidget(idLimits, 1, 1, 1, 3, Qt::AlignRight);  // takes no room while it is hidden
+    match->addWidget(lblEventType, 2, 0);
+    match->addWidget(comboEventType, 2, 1);
+    match->addWidget(chkActive, 2, 2, 1, 2);
+    match->addWidget(lblEventNotes, 3, 0);
+    match->addWidget(txtEventTitle, 3, 1, 1, 3);
     comboEventId->setMaximumWidth(110);
     return match;
 }
 
-void paneEventDetails::layOutRecipients() {
-    auto* buttons = new QVBoxLayout;
-    for (QPushButton* button : {cmdAddRecipient, cmdRemoveRecipient}) {
-        button->setFixedWidth(button->sizeHint().height() + 4);
-        buttons->addWidget(button);
-    }
-    buttons->addStretch();
-    auto* recipients = new QHBoxLayout(frameRecipients);
-    recipients->addWidget(tvRecipients, 1);
-    recipients->addLayout(buttons);
-}
-
 void paneEventDetails::buildLayout() {
-    layOutRecipients();
     auto* area = ui::makeControl<QScrollArea>(this, "VSViewPort1");
     auto* inner = new QWidget(area);
     auto* parts = new QVBoxLayout(inner);
     parts->addLayout(matchLayout());
-    parts->addWidget(frameRecipients, 1);
+    parts->addWidget(recipients, 1);
     parts->addWidget(frameContent, 2);
     area->setWidget(inner);
     area->setWidgetResizable(true);
@@ -119,9 +126,9 @@ void paneEventDetails::buildLayout() {
     lblEventId->setBuddy(comboEventId);
     lblEventType->setBuddy(comboEventType);
     lblEventNotes->setBuddy(txtEventTitle);
-    ui::setTabOrder({comboEventSource, comboEventId, comboEventType, chkActive, txtEventTitle, tvRecipients,
-                     cmdAddRecipient, cmdRemoveRecipient});
-    content->followInTabOrder(*cmdRemoveRecipient);
+    ui::setTabOrder({comboEventSource, comboEventId, comboEventType, chkActive, txtEventTitle,
+                     recipients->tvRecipients, recipients->cmdAddRecipient, recipients->cmdRemoveRecipient});
+    content->followInTabOrder(*recipients->cmdRemoveRecipient);
     ui::setTabOrder({content->comboEmailPriority, cmdExclusions, cmdEventApply});
 }
 
@@ -133,14 +140,7 @@ void paneEventDetails::controlInit() {
     ui::fillCombo(*comboEventType, {1027, 1028, 1029});
     chkActive->setText(ui::text(1022));
     lblEventNotes->setText(ui::text(1151));
-    frameRecipients->setTitle(ui::text(1031));
-    cmdAddRecipient->setText("+");
-    cmdAddRecipient->setToolTip(ui::text(1110));
-    cmdAddRecipient->setAccessibleName(ui::text(1110));
-    cmdRemoveRecipient->setText(QChar(0x2212));  // minus
-    cmdRemoveRecipient->setToolTip(ui::text(1109));
-    cmdRemoveRecipient->setAccessibleName(ui::text(1109));
-    tvRecipients->setAccessibleName(ui::text(1031));
+    recipients->controlInit();
     frameContent->setTitle(ui::text(1054));
     content->controlInit();
     cmdExclusions->setText(ui::text(1107));
@@ -172,16 +172,20 @@ void paneEventDetails::connectControls() {
     connectList(*comboEventId, "comboEventId_Click");
     connectChoice(*content->comboVoiceMailPriority, "comboVoiceMailPriority_Click");
     connectChoice(*content->comboEmailPriority, "comboEmailPriority_Click");
-    connect(comboEventId, &QComboBox::editTextChanged, this, [this] { noteChange("comboEventId_Change"); });
+    connect(comboEventId, &QComboBox::editTextChanged, this, [this] {
+        noteChange("comboEventId_Change");
+        showWhetherIdFits();
+    });
     connect(txtEventTitle, &QLineEdit::textChanged, this, [this] { noteChange("txtEventTitle_Change"); });
     connect(content->txtVoiceMailFileName, &QLineEdit::textChanged, this,
             [this] { noteChange("txtVoiceMailFileName_Change"); });
     connect(chkActive, &QCheckBox::toggled, this, [this] { noteChange("chkActive_Click"); });
 
-    connect(tvRecipients, &ui::KeyedTree::nodeClicked, this, &paneEventDetails::tvRecipients_NodeClick);
-    connect(tvRecipients, &ui::KeyedTree::nodeChecked, this, &paneEventDetails::tvRecipients_NodeCheck);
-    connect(cmdAddRecipient, &QPushButton::clicked, this, &paneEventDetails::cmdAddRecipient_Click);
-    connect(cmdRemoveRecipient, &QPushButton::clicked, this, &paneEventDetails::cmdRemoveRecipient_Click);
+    connect(recipients, &EventRecipients::ticked, this, &paneEventDetails::markChanged);
+    connect(recipients->cmdAddRecipient, &QPushButton::clicked, this,
+            &paneEventDetails::cmdAddRecipient_Click);
+    connect(recipients->cmdRemoveRecipient, &QPushButton::clicked, this,
+            &paneEventDetails::cmdRemoveRecipient_Click);
     connect(cmdExclusions, &QPushButton::clicked, this, &paneEventDetails::cmdExclusions_Click);
     connect(cmdEventApply, &QPushButton::clicked, this, &paneEventDetails::cmdEventApply_Click);
 }
@@ -196,12 +200,217 @@ void paneEventDetails::markChanged() {
 }
 
 void paneEventDetails::updateEventApply() {
-    core::procedure(module, "updateEventApply",
-                    [&](core::Frame&) { cmdEventApply->setEnabled(eventDataChanged_); });
+    core::procedure(module, "updateEventApply", [&](core::Frame&) {
+        cmdEventApply->setEnabled(eventDataChanged_ && comboEventId->hasId());
+    });
+}
+
+// An id that is no id is told while it is typed, and Apply waits for one.
+void paneEventDetails::showWhetherIdFits() {
+    const bool refused = !comboEventId->hasId();
+    if (refused != idLimits->refuses()) {
+        idLimits->setVisible(refused);
+        idLimits->showRefusal(refused);
+    }
 }
 
 void paneEventDetails::cmdExclusions_Click() {
     core::procedure(module, "cmdExclusions_Click", [&](core::Frame& frame) {
         frame.step([&] { ui::sharedDialog<dlgExclusions>(*window()).displayForm(); });
+    });
+}
+
+Filled paneEventDetails::displayEventDetails(long eventKey, const std::string& nodeText) {
+    return core::procedure(module, "displayEventDetails", Filled::unreadable,
+                           [&](core::Frame& frame, Filled& filled) {
+        shownKey_.reset();
+        setEnabled(true);
+        bool found = true;
+        bool whole = fillEvent(frame, eventKey, found) && fillContent(frame, eventKey);
+        if (content->variables->mnuInsert.size() == 1)
+            frame.step([&] { content->variables->controlInit(); });
+        whole = recipients->show(eventKey) && whole;
+        if (!whole) {
+            filled = found ? Filled::unreadable : Filled::gone;
+            blank();
+            return;
+        }
+        filled = Filled::whole;
+        shownKey_ = eventKey;
+        nodeText_ = nodeText;
+        eventDataChanged_ = false;
+        updateEventApply();
+    });
+}
+
+void paneEventDetails::blank() {
+    shownKey_.reset();
+    setEnabled(false);  // first: an empty subject would not let the focus go
+    txtEventTitle->clear();
+    chkActive->setChecked(false);
+    comboEventSource->setCurrentIndex(-1);
+    comboEventId->showAll();
+    content->blank();
+    recipients->blank();
+    eventDataChanged_ = false;
+    cmdEventApply->setEnabled(false);
+}
+
+bool paneEventDetails::fillEvent(core::Frame& frame, long eventKey, bool& found) {
+    Recordset event = mdlDatabase::getEvent(eventKey);
+    if (!frame.step([&] { found = !event.EOF_(); }) || !found)
+        return false;
+    frame.step([&] { storedSource_ = ui::textOrEmpty(event, "EventSource"); });
+    frame.step([&] { txtEventTitle->setText(ui::fromUtf8(ui::textOrEmpty(event, "EventTitle"))); });
+    frame.step([&] { chkActive->setChecked(event.boolean("EventActive")); });
+    frame.step([&] { fillSources(frame, event.boolean("EventCollection"), storedSource_); });
+    frame.step([&] {
+        storedId_ = ui::textOrEmpty(event, "EventID");
+        if (storedId_ == std::to_string(mdlDatabase::nodeAllEventIds))
+            comboEventId->showAll();
+        else
+            comboEventId->showId(ui::fromUtf8(storedId_));
+    });
+    showWhetherIdFits();
+    cmdEventApply->setEnabled(false);
+    frame.step([&] {
+        comboEventType->setCurrentIndex(
+            static_cast<int>(mdlDatabase::mapEventType(event.number("EventType"), true)));
+    });
+    frame.step([&] { event.close(); });
+    return true;
+}
+
+void paneEventDetails::fillSources(core::Frame& frame, bool catchAll, const std::string& stored) {
+    comboEventSource->clear();
+    if (catchAll) {
+        comboEventSource->addItem(ui::text(1049));  // selected, whatever language the stored one is in
+        lockList(*comboEventSource);
+        return;
+    }
+    frame.step([&] { ui::fillEventSources(*comboEventSource); });
+    comboEventSource->setEnabled(true);
+    // Required: nothing shows the button again in this run. The tree's branch of exclusions is the standing
+    // way.
+    cmdExclusions->hide();
+    // Only the stored source itself, and not one that begins like it: a save would write that one.
+    comboEventSource->setCurrentIndex(comboEventSource->findText(ui::fromUtf8(stored), Qt::MatchFixedString));
+}
+
+bool paneEventDetails::fillContent(core::Frame& frame, long eventKey) {
+    Recordset contents = mdlDatabase::getContentsForEvent(eventKey);
+    bool stored = false;
+    if (!frame.step([&] { stored = contents.recordCount() > 0; }))
+        return false;  // what is stored would be overwritten
+    if (stored)
+        content->showStored(frame, contents);
+    else
+        content->showDefaults(frame);
+    frame.step([&] { contents.close(); });
+    return true;
+}
+
+void paneEventDetails::refillRecipients() {
+    if (shownKey_ && !eventDataChanged_ && !recipients->show(*shownKey_))
+        blank();
+}
+
+void paneEventDetails::cmdEventApply_Click() {
+    core::procedure(module, "cmdEventApply_Click", [&](core::Frame&) {
+        if (!shownKey_)
+            return;
+        const long eventKey = *shownKey_;
+        eventDataChanged_ = false;
+        updateEventApply();
+        saveEventDataChanges(eventKey, false);
+        emit eventSaved(eventKey);
+    });
+}
+
+mdlDatabase::ModifiedEvent paneEventDetails::shownEvent(long eventKey) const {
+    mdlDatabase::ModifiedEvent event;
+    event.eventKey = eventKey;
+    // A source that this server does not list is chosen in no row, and stays as it is stored.
+    event.eventSource =
+        comboEventSource->currentIndex() < 0 ? storedSource_ : ui::toUtf8(comboEventSource->currentText());
+    // Apply is off without an id; the question before the pane is left may still save all the rest.
+    event.eventId = comboEventId->hasId() ? comboEventId->idText() : storedId_;
+    event.eventTitle = ui::toUtf8(txtEventTitle->text());
+    event.eventType = static_cast<short>(mdlDatabase::mapEventType(comboEventType->currentIndex(), false));
+    event.eventActive = chkActive->isChecked();
+    event.content = content->shown();
+    return event;
+}
+
+void paneEventDetails::save() {
+    if (shownKey_)
+        saveEventDataChanges(*shownKey_, true);
+}
+
+void paneEventDetails::saveEventDataChanges(long eventKey, bool silent) {
+    core::procedure(module, "saveEventDataChanges", [&](core::Frame& frame) {
+        const bool wasActive = mdlDatabase::isEventActive(eventKey);
+        const bool active = chkActive->isChecked();
+        frame.step([&] { mdlDatabase::modifyEvent(shownEvent(eventKey)); });
+        const bool hasDevices = mdlDatabase::changeRecipientsForEvent(eventKey, recipients->selection());
+        const mdlDatabase::EventAnalysis analysis = mdlDatabase::analyzeEvent(eventKey);
+        if (silent)
+            return;
+        const auto counted = analysis.find("ActiveDevices");
+        const long activeDevices = counted == analysis.end() ? 0 : counted->second;
+        if (!hasDevices && active) {
+            if (confirmed(myLoadResString(1158), myLoadResString(1159)))
+                recipients->assignFirst(frame, eventKey, nodeText_);
+        } else if (recipients->wereEverTicked() && !wasActive && hasDevices && !active && activeDevices > 0) {
+            if (confirmed(myLoadResString(1138), myLoadResString(1139)))
+                frame.step([&] { mdlDatabase::setEventActiveState(eventKey, true); });
+        } else if (activeDevices == 0 && active) {
+            platform::prompts().messageBox(
+                {myLoadResString(1221), myLoadResString(1222), platform::BoxIcon::exclamation});
+        }
+    });
+}
+
+bool paneEventDetails::settleChanges(long eventKey) {
+    if (!eventDataChanged_)
+        return true;
+    const platform::BoxAnswer answer = ui::askToSave(ui::eventSettingsChanged);
+    if (answer == platform::BoxAnswer::cancel)
+        return false;
+    eventDataChanged_ = false;
+    updateEventApply();
+    if (answer == platform::BoxAnswer::yes) {
+        saveEventDataChanges(eventKey, true);
+        // A save uses up the selection, so the recipients must be shown anew even when nothing follows.
+        emit eventSaved(eventKey);
+    }
+    return true;
+}
+
+void paneEventDetails::cmdAddRecipient_Click() {
+    core::procedure(module, "cmdAddRecipient_Click", [&](core::Frame& frame) {
+        frame.step([&] {
+            if (!shownKey_)
+                return;
+            const long eventKey = *shownKey_;
+            if (settleChanges(eventKey) && recipients->edit(eventKey, nodeText_))
+                emit eventSaved(eventKey);
+        });
+    });
+}
+
+void paneEventDetails::cmdRemoveRecipient_Click() {
+    core::procedure(module, "cmdRemoveRecipient_Click", [&](core::Frame& frame) {
+        long recipientKey = 0;
+        // Before the question: a save refills the tree, and nothing is selected in it then.
+        if (!shownKey_ || !frame.step([&] { recipientKey = recipients->selectedRecipient(); }))
+            return;
+        const long eventKey = *shownKey_;
+        if (!settleChanges(eventKey))
+            return;
+        frame.step([&] { mdlDatabase::removeRecipientFromEvent(eventKey, recipientKey); });
+        frame.step([&] { recipients->show(eventKey); });
+        frame.step([&] { emit eventSaved(eventKey); });
+        recipients->cmdRemoveRecipient->setEnabled(false);
     });
 }

@@ -1,15 +1,17 @@
 // Pane 1: one monitored event for editing: what it matches, the content of its notification, and whom it goes
-// to. Its sources besides this one: filling, saving, recipients.
+// to. It is filled in a fixed order: filling a control raises the same handlers as a person's change, and the
+// flag that they set is cleared last.
 #pragma once
 
 #include <QWidget>
+#include <optional>
 #include <string>
 
 #include "core/procedure.h"
-#include "database/assignment.h"
 #include "database/events.h"
 #include "ui/panes/editingPane.h"
 
+class EventRecipients;
 class QCheckBox;
 class QComboBox;
 class QGroupBox;
@@ -21,26 +23,29 @@ class QPushButton;
 namespace ui {
 class ContentGroup;
 class EventIdBox;
-class KeyedTree;
+class LimitsSign;
 }  // namespace ui
 
 class paneEventDetails : public QWidget, public EditingPane {
     Q_OBJECT
 
   public:
-    // `tvNavigation` holds the event's node as the selected one while the pane is worked with.
-    paneEventDetails(QWidget* parent, const ui::KeyedTree& tvNavigation);
+    explicit paneEventDetails(QWidget* parent);
 
-    // Fills the pane for an event; it holds no unsaved edits then.
-    void displayEventDetails(long eventKey);
+    // Fills the pane for an event, whose node has that text; it holds no unsaved edits then.
+    Filled displayEventDetails(long eventKey, const std::string& nodeText);
+    // Shows the event's recipients anew with the boxes as they are stored, unless there are unsaved edits.
+    void refillRecipients();
     // Writes what the controls show. With `silent` no question is asked and no warning given, but for those
     // of the operations themselves.
     void saveEventDataChanges(long eventKey, bool silent);
     void controlInit();
 
+    std::optional<long> shownKey() const override { return shownKey_; }
     bool isChanged() const override { return eventDataChanged_; }
-    void save(long key) override { saveEventDataChanges(key, true); }
+    void save() override;
     void discard() override { eventDataChanged_ = false; }
+    void blank() override;
 
   signals:
     // The event was written: the tree, and with it this pane, are out of date.
@@ -51,7 +56,6 @@ class paneEventDetails : public QWidget, public EditingPane {
     void createContentControls();
     void buildLayout();
     QLayout* matchLayout();
-    void layOutRecipients();
     void connectControls();
     void connectList(QComboBox& list, const char* handler);
     void connectChoice(QComboBox& list, const char* handler);
@@ -60,50 +64,41 @@ class paneEventDetails : public QWidget, public EditingPane {
     void noteChange(const char* handler);
     void markChanged();
     void updateEventApply();
+    void showWhetherIdFits();
 
-    void fillEvent(core::Frame& frame, long eventKey);
-    void fillSources(core::Frame& frame, bool catchAll);
-    void fillContent(core::Frame& frame, long eventKey);
-    void fillDefaultContent(core::Frame& frame);
-    void fillStoredContent(core::Frame& frame, platform::Recordset& contents);
+    // False when something that a save would overwrite could not be read; `found` tells of the row.
+    bool fillEvent(core::Frame& frame, long eventKey, bool& found);
+    void fillSources(core::Frame& frame, bool catchAll, const std::string& stored);
+    bool fillContent(core::Frame& frame, long eventKey);
 
     mdlDatabase::ModifiedEvent shownEvent(long eventKey) const;
     void cmdEventApply_Click();
     void cmdExclusions_Click();
 
-    // The key of the event whose node is selected in the navigation tree. Raises 35601 when none is.
-    long selectedEventKey() const;
     // Asks about unsaved edits and does what is answered; false for Cancel.
     bool settleChanges(long eventKey);
-    // Whom the event goes to, chosen anew; nothing on Cancel. True when it was written.
-    bool editRecipients(long eventKey);
-    // The same for an event that nobody is on; a first recipient is created when there is none.
-    void assignFirstRecipients(core::Frame& frame, long eventKey);
     void cmdAddRecipient_Click();
     void cmdRemoveRecipient_Click();
-    void tvRecipients_NodeClick(const std::string& nodeKey);
-    void tvRecipients_NodeCheck(const std::string& nodeKey);
 
-    const ui::KeyedTree& tvNavigation;
     QLabel* lblEventSource;
     QComboBox* comboEventSource;
     QLabel* lblEventId;
     ui::EventIdBox* comboEventId;
+    ui::LimitsSign* idLimits;
     QLabel* lblEventType;
     QComboBox* comboEventType;
     QCheckBox* chkActive;
     QLabel* lblEventNotes;
     QLineEdit* txtEventTitle;
-    QGroupBox* frameRecipients;
-    ui::KeyedTree* tvRecipients;
-    QPushButton* cmdAddRecipient;
-    QPushButton* cmdRemoveRecipient;
+    EventRecipients* recipients;
     QGroupBox* frameContent;
     ui::ContentGroup* content;
     QPushButton* cmdExclusions;
     QPushButton* cmdEventApply;
 
     bool eventDataChanged_ = false;
-    bool eventRecipientsChanged_ = false;  // for the rest of the run once a box was ticked; it stays so
-    mdlDatabase::DeviceSelection selectedDevices_;  // the devices ticked in tvRecipients
+    std::optional<long> shownKey_;  // of the event that the pane was filled with
+    std::string nodeText_;          // of its node
+    std::string storedSource_;
+    std::string storedId_;
 };

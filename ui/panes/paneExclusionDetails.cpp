@@ -12,6 +12,7 @@
 #include "core/procedure.h"
 #include "core/state.h"
 #include "database/exclusions.h"
+#include "platform/ado/ado.h"
 #include "ui/base/controls.h"
 #include "ui/base/text.h"
 #include "ui/widgets/numberBox.h"
@@ -20,7 +21,7 @@ namespace {
 
 constexpr char module[] = "frmMain";
 
-// The button of another pane, which every pane of one thing switches; it stays so.
+// Required: the button of another pane, which every pane of one thing switches.
 void switchTestButton(const QWidget& pane) {
     if (auto* button = pane.window()->findChild<QPushButton*>("cmdTestNotification"))
         button->setEnabled(core::gIgnoreEventKey != -1);
@@ -30,7 +31,7 @@ void switchTestButton(const QWidget& pane) {
 
 paneExclusionDetails::paneExclusionDetails(QWidget* parent) : QWidget(parent) {
     Label4 = ui::makeControl<QLabel>(this, "Label4");
-    // What is typed here is not saved; it stays so.
+    // Required: what is typed here is not saved.
     txtExclusionSource = ui::makeControl<QLineEdit>(this, "txtExclusionSource");
     Frame2 = ui::makeControl<QGroupBox>(this, "Frame2");
     // The box takes what Apply reads, and no more.
@@ -78,24 +79,36 @@ void paneExclusionDetails::controlInit() {
     ui::nameByBuddy(*this);
 }
 
-void paneExclusionDetails::displayExclusion(long exclusionKey) {
-    core::procedure(module, "displayExclusion", [&](core::Frame& frame) {
-        exclusionKey_ = exclusionKey;
-        txtExclusionSource->clear();
-        id_.tdbnlSpecificEventId->clear();
-        id_.tdbnlSpecificEventId->hide();
+Filled paneExclusionDetails::displayExclusion(long exclusionKey) {
+    return core::procedure(module, "displayExclusion", Filled::unreadable,
+                           [&](core::Frame& frame, Filled& filled) {
+        blank();
+        setEnabled(true);
         switchTestButton(*this);
-        frame.step([&] { fillExclusion(exclusionKey); });
+        const platform::Recordset row = mdlDatabase::getExclusion(exclusionKey);
+        frame.step([&] { filled = row.EOF_() ? Filled::gone : Filled::whole; });
+        if (filled != Filled::whole || !frame.step([&] { fillExclusion(row); })) {
+            blank();
+            return;
+        }
+        shownKey_ = exclusionKey;
         // Last, because the filling has set them.
-        exclusionChanged = false;
+        exclusionChanged_ = false;
         cmdExclusionApply->setEnabled(false);
     });
 }
 
-void paneExclusionDetails::fillExclusion(long exclusionKey) {
-    const platform::Recordset row = mdlDatabase::getExclusion(exclusionKey);
-    if (row.EOF_())
-        return;
+void paneExclusionDetails::blank() {
+    shownKey_.reset();
+    txtExclusionSource->clear();
+    id_.tdbnlSpecificEventId->clear();
+    id_.tdbnlSpecificEventId->hide();
+    exclusionChanged_ = false;
+    cmdExclusionApply->setEnabled(false);
+    setEnabled(false);
+}
+
+void paneExclusionDetails::fillExclusion(const platform::Recordset& row) {
     if (!row.isNull("EventSource"))
         txtExclusionSource->setText(ui::fromUtf8(row.text("EventSource")));
     const long eventId = row.number("EventId");
@@ -110,7 +123,7 @@ void paneExclusionDetails::fillExclusion(long exclusionKey) {
 
 void paneExclusionDetails::optionEventId_Click(int index) {
     core::procedure(module, "optionEventId_Click", [&](core::Frame&) {
-        exclusionChanged = true;
+        exclusionChanged_ = true;
         const bool specific = index == ui::specificEventId;
         id_.tdbnlSpecificEventId->setVisible(specific);
         if (!specific || !id_.tdbnlSpecificEventId->isEmpty())
@@ -120,8 +133,8 @@ void paneExclusionDetails::optionEventId_Click(int index) {
 
 void paneExclusionDetails::tdbnlSpecificEventId_Change() {
     core::procedure(module, "tdbnlSpecificEventId_Change", [&](core::Frame&) {
-        exclusionChanged = true;
-        // An empty box does not switch the button off; its Apply then fails and writes nothing. It stays so.
+        exclusionChanged_ = true;
+        // Required: an empty box does not switch the button off; its Apply then fails and writes nothing.
         if (!id_.tdbnlSpecificEventId->isEmpty())
             cmdExclusionApply->setEnabled(true);
     });
@@ -129,16 +142,19 @@ void paneExclusionDetails::tdbnlSpecificEventId_Change() {
 
 void paneExclusionDetails::cmdExclusionApply_Click() {
     core::procedure(module, "cmdExclusionApply_Click", [&](core::Frame& frame) {
-        exclusionChanged = false;
+        if (!shownKey_)
+            return;
         long eventId = mdlDatabase::allExclusionIds;
-        // 32 bits here, where a new exclusion's id is read as 16; the difference stays.
+        // Required: 32 bits here, where a new exclusion's id is read as 16.
         const bool read = frame.step([&] {
             if (!id_.optionEventId[ui::allEventIds]->isChecked())
                 eventId = id_.tdbnlSpecificEventId->numberAs<std::int32_t>();
         });
         if (!read)
             return;
-        frame.step([&] { mdlDatabase::modifyExclusion(exclusionKey_, eventId); });
-        frame.step([&] { emit exclusionSaved(exclusionKey_); });
+        const long key = *shownKey_;
+        exclusionChanged_ = false;
+        frame.step([&] { mdlDatabase::modifyExclusion(key, eventId); });
+        frame.step([&] { emit exclusionSaved(key); });
     });
 }

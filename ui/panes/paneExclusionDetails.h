@@ -3,26 +3,34 @@
 
 #include <QWidget>
 
+#include "ui/panes/editingPane.h"
 #include "ui/parts/eventIdChoice.h"
+
+namespace platform {
+class Recordset;
+}
 
 class QGroupBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
 
-class paneExclusionDetails : public QWidget {
+class paneExclusionDetails : public QWidget, public EditingPane {
     Q_OBJECT
 
   public:
     explicit paneExclusionDetails(QWidget* parent);
 
-    // Shows the exclusion with that key; one that is gone leaves the controls blank.
-    void displayExclusion(long exclusionKey);
+    // Shows the exclusion with that key.
+    Filled displayExclusion(long exclusionKey);
     void controlInit();
 
-    // The pane holds an unapplied change. No window asks about it: leaving the node drops the change without
-    // a question, and that stays so.
-    bool exclusionChanged = false;
+    std::optional<long> shownKey() const override { return shownKey_; }
+    // Required: no window asks about an unapplied change, so leaving the node drops it without a question.
+    bool isChanged() const override { return exclusionChanged_; }
+    void save() override { cmdExclusionApply_Click(); }
+    void discard() override { exclusionChanged_ = false; }
+    void blank() override;
 
   signals:
     // The exclusion was written: the tree is out of date.
@@ -31,12 +39,13 @@ class paneExclusionDetails : public QWidget {
   private:
     void buildLayout();
     void connectControls();
-    void fillExclusion(long exclusionKey);
+    void fillExclusion(const platform::Recordset& row);
     void optionEventId_Click(int index);
     void tdbnlSpecificEventId_Change();
     void cmdExclusionApply_Click();
 
-    long exclusionKey_ = 0;  // of the exclusion that is shown, whose node is the selected one
+    bool exclusionChanged_ = false;
+    std::optional<long> shownKey_;  // of the exclusion that the pane was filled with
 
     QLabel* Label4;
     QLineEdit* txtExclusionSource;

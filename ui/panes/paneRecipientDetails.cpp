@@ -11,16 +11,27 @@
 #include <QVBoxLayout>
 
 #include "core/modLocalize.h"
+#include "core/state.h"
 #include "database/addressDetails.h"
+#include "database/assignment.h"
 #include "database/confirmation.h"
+#include "database/devices.h"
 #include "database/recipients.h"
 #include "server/testEvent.h"
 #include "ui/base/controls.h"
 #include "ui/base/text.h"
+#include "ui/dialogs/dlgSelect.h"
+#include "ui/panes/recipientTrees.h"
+#include "ui/parts/addressList.h"
 #include "ui/parts/deviceTabs.h"
+#include "ui/parts/directoryEntry.h"
+#include "ui/parts/rowText.h"
 #include "ui/widgets/keyedTree.h"
 
+using mdlDatabase::DeviceType;
 using modLocalize::myLoadResString;
+using platform::Recordset;
+using ui::textOrEmpty;
 
 namespace {
 
@@ -29,10 +40,33 @@ constexpr int lowestTabs = 180;  // pixels; what is lower than its content scrol
 constexpr int highestTabs = 260;
 constexpr int lowestTree = 70;
 
+// The first device of a type, or the one after the present one; false when there is none.
+bool findFirst(Recordset& devices, DeviceType type) {
+    devices.moveFirst();
+    devices.find("DeviceType = " + std::to_string(static_cast<long>(type)));
+    return !devices.EOF_();
+}
+
+bool findNext(Recordset& devices, DeviceType type) {
+    devices.find("DeviceType = " + std::to_string(static_cast<long>(type)), 1, devices.bookmark());
+    return !devices.EOF_();
+}
+
+void showEntry(Recordset& devices, DeviceType type, ui::DirectoryEntry& entry) {
+    if (findFirst(devices, type))
+        entry.showEntry(devices.number("AddressType") == mdlDatabase::addressSubscriber ? 0 : 1,
+                        textOrEmpty(devices, "DisplayName"), textOrEmpty(devices, "DeviceAddress"));
+}
+
+void showList(Recordset& devices, DeviceType type, ui::AddressList& list) {
+    for (bool found = findFirst(devices, type); found; found = findNext(devices, type))
+        list.add(
+            {mdlDatabase::selectionKey(devices.number("DeviceKey")), textOrEmpty(devices, "DeviceAddress")});
+}
+
 }  // namespace
 
-paneRecipientDetails::paneRecipientDetails(QWidget* parent, const ui::KeyedTree& navigation)
-    : QWidget(parent), tvNavigation(navigation) {
+paneRecipientDetails::paneRecipientDetails(QWidget* parent) : QWidget(parent) {
     createControls();
     buildLayout();
     connectControls();
@@ -43,7 +77,7 @@ void paneRecipientDetails::createControls() {
     txtRecipientName = ui::makeControl<QLineEdit>(this, "txtRecipientName");
     chkRecipientActive = ui::makeControl<QCheckBox>(this, "chkRecipientActive");
     frameDevices = ui::makeControl<QGroupBox>(this, "frameDevices");
-    sstabRecipientDevices = new ui::DeviceTabs(ui::DeviceTabs::Place::pane, frameDevices);
+    sstabRecipientDevices = new ui::DeviceTabs(ui::DeviceTabs::Place::pane, dlgSelect::search, frameDevices);
     sstabRecipientDevices->setMinimumHeight(lowestTabs);
     sstabRecipientDevices->setMaximumHeight(highestTabs);
     // The tree of the devices below grows with them.
@@ -111,11 +145,6 @@ void paneRecipientDetails::controlInit() {
     tvEventsMonitored->setAccessibleName(ui::text(1101));
     sstabRecipientDevices->controlInit();
     ui::nameByBuddy(*this);
-    // Both trees hold words.
-    if (recipientKey_ != 0) {
-        displayMonitoredEventsForRecipient(recipientKey_);
-        displayDevicesForRecipient(recipientKey_);
-    }
 }
 
 void paneRecipientDetails::connectControls() {
@@ -138,8 +167,8 @@ void paneRecipientDetails::connectControls() {
     connect(cmdRecipientApply, &QPushButton::clicked, this, &paneRecipientDetails::cmdRecipientApply_Click);
 }
 
-// Only the name's own handler looks at the name: after it was emptied, any other change enables the button
-// again. It stays so.
+// Required: only the name's own handler looks at the name. After it was emptied, any other change enables the
+// button again.
 void paneRecipientDetails::markChanged() {
     recipientChanged_ = true;
     cmdRecipientApply->setEnabled(true);
@@ -164,15 +193,10 @@ mdlDatabase::RecipientRecord paneRecipientDetails::shownRecipient() const {
     return record;
 }
 
-long paneRecipientDetails::selectedRecipientKey() const {
-    const classNodeInfo& info = tvNavigation.info(tvNavigation.selectedKey());
-    if (info.nodeType != nodeTypeRecipient)
-        throw platform::makeFailure(platform::elementNotFound, tvNavigation.selectedKey());
-    return info.key;
-}
-
-void paneRecipientDetails::save(long key) {
-    mdlDatabase::modifyRecipient(key, shownRecipient());
+void paneRecipientDetails::save() {
+    if (!shownKey_)
+        return;
+    mdlDatabase::modifyRecipient(*shownKey_, shownRecipient());
     mdlDatabase::rebuildAddressDetailsTable();
     recipientChanged_ = false;
     cmdRecipientApply->setEnabled(false);
@@ -180,10 +204,11 @@ void paneRecipientDetails::save(long key) {
 
 void paneRecipientDetails::cmdRecipientApply_Click() {
     core::procedure(module, "cmdRecipientApply_Click", [&](core::Frame& frame) {
-        // Without a node to tell whose edits these are nothing is saved, and they stay.
         frame.step([&] {
-            const long key = selectedRecipientKey();
-            save(key);
+            if (!shownKey_)
+                return;
+            const long key = *shownKey_;
+            save();
             emit recipientSaved(key);
         });
     });
@@ -195,7 +220,8 @@ void paneRecipientDetails::cmdTestNotification_Click() {
         if (!mdlDatabase::confirmed(myLoadResString(1238) + "\n" + myLoadResString(1239),
                                     myLoadResString(1240)))
             return;
-        frame.step([&] { mdlUtility::generateTestEventLogMessage(selectedRecipientKey()); });
+        if (shownKey_)
+            frame.step([&] { mdlUtility::generateTestEventLogMessage(*shownKey_); });
     });
 }
 
@@ -225,5 +251,128 @@ void paneRecipientDetails::tvEventsMonitored_MouseMove(const QPoint& position) {
 void paneRecipientDetails::tvEventsMonitored_NodeClick(const std::string& nodeKey) {
     core::procedure(module, "tvEventsMonitored_NodeClick", [&](core::Frame& frame) {
         frame.step([&] { emit eventWanted(tvEventsMonitored->info(nodeKey).key); });
+    });
+}
+
+Filled paneRecipientDetails::displayRecipient(long recipientKey) {
+    return core::procedure(module, "displayRecipient", Filled::unreadable,
+                           [&](core::Frame& frame, Filled& filled) {
+        shownKey_.reset();
+        setEnabled(true);
+        clearDevices();
+        cmdTestNotification->setEnabled(core::gIgnoreEventKey != -1);
+        filled = fill(frame, recipientKey);
+        if (filled != Filled::whole) {
+            blank();
+            return;
+        }
+        shownKey_ = recipientKey;
+        frame.step([&] { displayMonitoredEventsForRecipient(recipientKey); });
+        frame.step([&] { displayDevicesForRecipient(recipientKey); });
+        sstabRecipientDevices->setCurrentIndex(0);
+        recipientChanged_ = false;
+        cmdRecipientApply->setEnabled(false);
+    });
+}
+
+void paneRecipientDetails::clearDevices() {
+    ui::DeviceTabs& tabs = *sstabRecipientDevices;
+    tabs.voiceMail->blank();
+    tabs.pagers->txtNew->clear();
+    tabs.email->blank();
+    tabs.smtp->txtNew->clear();
+    tabs.pagers->clear();
+    tabs.smtp->clear();
+}
+
+void paneRecipientDetails::blank() {
+    shownKey_.reset();
+    setEnabled(false);
+    txtRecipientName->clear();
+    clearDevices();
+    tvRecipientDevices->clearNodes();
+    tvEventsMonitored->clearNodes();
+    recipientChanged_ = false;
+    cmdRecipientApply->setEnabled(false);
+}
+
+// What could not be read counts as unreadable and not as none: the next save would delete it.
+Filled paneRecipientDetails::fill(core::Frame& frame, long recipientKey) {
+    Recordset rows;
+    bool none = true;
+    if (!frame.step([&] { rows = mdlDatabase::openRecipientWithDevices(recipientKey); }) ||
+        !frame.step([&] { none = rows.EOF_(); }))
+        return Filled::unreadable;
+    if (!none) {
+        showStoredRecipient(frame, rows);
+        showStoredDevices(frame, rows);
+        frame.step([&] { rows.close(); });
+        return Filled::whole;
+    }
+    frame.step([&] { rows.close(); });
+    if (!frame.step([&] { rows = mdlDatabase::openRecipientAlone(recipientKey); }) ||
+        !frame.step([&] { none = rows.EOF_(); }))
+        return Filled::unreadable;
+    if (none)
+        return Filled::gone;
+    showStoredRecipient(frame, rows);
+    // Or the next save would give him the devices of the recipient before.
+    ui::DeviceTabs& tabs = *sstabRecipientDevices;
+    for (QCheckBox* box : {tabs.chkSNMPTrapEnabled, tabs.chkSyslogEnabled, tabs.chkFailoverEnabled})
+        box->setChecked(false);
+    frame.step([&] { rows.close(); });
+    return Filled::whole;
+}
+
+void paneRecipientDetails::showStoredRecipient(core::Frame& frame, const Recordset& row) {
+    frame.step([&] { txtRecipientName->setText(ui::fromUtf8(textOrEmpty(row, "RecipientName"))); });
+    frame.step([&] { chkRecipientActive->setChecked(row.boolean("RecipientActive")); });
+}
+
+// Required: nothing here disables a Clear button, so that one can stay enabled with nothing to clear, and
+// nothing blanks the syslog host, so that the host of the recipient before stands beside a box that is off.
+void paneRecipientDetails::showStoredDevices(core::Frame& frame, Recordset& devices) {
+    ui::DeviceTabs& tabs = *sstabRecipientDevices;
+    const auto showSwitch = [&](DeviceType type, QCheckBox& box) {
+        box.setChecked(findFirst(devices, type));
+    };
+    frame.step([&] { showEntry(devices, mdlDatabase::voiceMail, *tabs.voiceMail); });
+    frame.step([&] { showList(devices, mdlDatabase::pager, *tabs.pagers); });
+    frame.step([&] { showEntry(devices, mdlDatabase::email, *tabs.email); });
+    frame.step([&] { showList(devices, mdlDatabase::smtpAddress, *tabs.smtp); });
+    frame.step([&] { showSwitch(mdlDatabase::snmpTrap, *tabs.chkSNMPTrapEnabled); });
+    frame.step([&] {
+        showSwitch(mdlDatabase::syslog, *tabs.chkSyslogEnabled);
+        if (tabs.chkSyslogEnabled->isChecked())
+            tabs.txtSyslogHostAddress->setText(ui::fromUtf8(textOrEmpty(devices, "DeviceAddress")));
+    });
+    frame.step([&] { showSwitch(mdlDatabase::failover, *tabs.chkFailoverEnabled); });
+}
+
+void paneRecipientDetails::displayMonitoredEventsForRecipient(long recipientKey) {
+    recipientTrees::showEvents(*tvEventsMonitored, recipientKey);
+}
+
+void paneRecipientDetails::displayDevicesForRecipient(long recipientKey) {
+    recipientTrees::showDevices(*tvRecipientDevices, recipientKey);
+}
+
+void paneRecipientDetails::refillNames() {
+    if (!shownKey_)
+        return;
+    core::procedure(module, "refillNames", [&](core::Frame& frame) {
+        displayMonitoredEventsForRecipient(*shownKey_);
+        displayDevicesForRecipient(*shownKey_);
+        Recordset rows;
+        if (!frame.step([&] { rows = mdlDatabase::openRecipientWithDevices(*shownKey_); }))
+            return;
+        // An entry that was chosen and not saved yet is none of these, and keeps its name.
+        for (ui::DirectoryEntry* entry : {sstabRecipientDevices->voiceMail, sstabRecipientDevices->email})
+            frame.step([&] {
+                for (rows.moveFirst(); !rows.EOF_(); rows.moveNext())
+                    if (textOrEmpty(rows, "DeviceAddress") == entry->directoryId())
+                        entry->txtName->setText(ui::fromUtf8(textOrEmpty(rows, "DisplayName")));
+            });
+        frame.step([&] { rows.close(); });
     });
 }

@@ -1,7 +1,10 @@
-// Pane 3: one recipient for editing, his devices, and the events that he is notified of.
+// Pane 3: one recipient for editing, his devices, and the events that he is notified of. It is filled in a
+// fixed order: filling a control raises the same handlers as a person's change, and the flag that they set is
+// cleared last.
 #pragma once
 
 #include <QWidget>
+#include <optional>
 #include <string>
 
 #include "core/procedure.h"
@@ -26,20 +29,24 @@ class paneRecipientDetails : public QWidget, public EditingPane {
     Q_OBJECT
 
   public:
-    // `tvNavigation` holds the recipient's node as the selected one while the pane is worked with.
-    paneRecipientDetails(QWidget* parent, const ui::KeyedTree& tvNavigation);
+    explicit paneRecipientDetails(QWidget* parent);
 
     // Fills the pane for a recipient; it holds no unsaved edits then.
-    void displayRecipient(long recipientKey);
+    Filled displayRecipient(long recipientKey);
     void displayMonitoredEventsForRecipient(long recipientKey);
     void displayDevicesForRecipient(long recipientKey);
     // Takes the tabs of the kinds that this server does not offer out of sight.
     void hideUnsupportedKinds();
+    // Shows the names of the address details anew, in the trees and for the entries of the directory. Unsaved
+    // edits stay.
+    void refillNames();
     void controlInit();
 
+    std::optional<long> shownKey() const override { return shownKey_; }
     bool isChanged() const override { return recipientChanged_; }
-    void save(long key) override;
+    void save() override;
     void discard() override { recipientChanged_ = false; }
+    void blank() override;
 
   signals:
     // The recipient was written: the tree, and with it this pane, are out of date.
@@ -56,10 +63,9 @@ class paneRecipientDetails : public QWidget, public EditingPane {
 
     void showStoredRecipient(core::Frame& frame, const platform::Recordset& row);
     void showStoredDevices(core::Frame& frame, platform::Recordset& devices);
-    void addDeviceNode(core::Frame& frame, const platform::Recordset& device, std::string& kindNode);
+    Filled fill(core::Frame& frame, long recipientKey);
+    void clearDevices();
     mdlDatabase::RecipientRecord shownRecipient() const;
-    // The key of the recipient whose node is selected in the navigation tree. Raises 35601 when none is.
-    long selectedRecipientKey() const;
 
     void txtRecipientName_Change();
     void cmdRecipientApply_Click();
@@ -68,7 +74,6 @@ class paneRecipientDetails : public QWidget, public EditingPane {
     void tvEventsMonitored_MouseMove(const QPoint& position);
     void tvEventsMonitored_NodeClick(const std::string& nodeKey);
 
-    const ui::KeyedTree& tvNavigation;
     QLabel* lblRecipientName;
     QLineEdit* txtRecipientName;
     QCheckBox* chkRecipientActive;
@@ -81,5 +86,5 @@ class paneRecipientDetails : public QWidget, public EditingPane {
     QPushButton* cmdRecipientApply;
 
     bool recipientChanged_ = false;
-    long recipientKey_ = 0;  // of the recipient that is shown; 0 before the first one
+    std::optional<long> shownKey_;  // of the recipient that the pane was filled with
 };

@@ -1,6 +1,7 @@
 #include "ui/parts/addressList.h"
 
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -31,10 +32,23 @@ AddressList::AddressList(Names names, QWidget* parent) : QWidget(parent), names_
         button->setMaximumWidth(signWidth);
     }
     buildLayout();
+    txtNew->installEventFilter(this);
     connect(txtNew, &QLineEdit::textChanged, this, &AddressList::txtNew_Change);
     connect(cmdAdd, &QPushButton::clicked, this, &AddressList::cmdAdd_Click);
     connect(list, &EntryList::entryClicked, this, &AddressList::list_Click);
     connect(cmdDelete, &QPushButton::clicked, this, &AddressList::cmdDelete_Click);
+}
+
+// Enter adds what was typed. A dialog's default button would close the dialog and drop it.
+bool AddressList::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != txtNew || event->type() != QEvent::KeyPress || txtNew->text().isEmpty())
+        return QWidget::eventFilter(watched, event);
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if (key != Qt::Key_Return && key != Qt::Key_Enter)
+        return QWidget::eventFilter(watched, event);
+    if (cmdAdd->isEnabled())
+        cmdAdd_Click();
+    return true;
 }
 
 void AddressList::buildLayout() {

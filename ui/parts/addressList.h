@@ -55,6 +55,9 @@ class AddressList : public QWidget {
     // An entry was chosen for editing.
     void picked();
 
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
     void buildLayout();
     void txtNew_Change();

@@ -17,6 +17,7 @@
 #include "ui/base/text.h"
 #include "ui/parts/RTBHelpers.h"
 #include "ui/parts/insertionVariables.h"
+#include "ui/parts/rowText.h"
 #include "ui/widgets/variableTextBox.h"
 
 namespace ui {
@@ -147,6 +148,43 @@ void ContentGroup::showPriority(QComboBox& list, long stored) {
 void ContentGroup::colorTexts() {
     for (VariableTextBox* box : {rtbEmailSubject, rtbEmailBody})
         RTBHelpers::colorInsertionTokens(*box, RTBHelpers::insertionTokens);
+}
+
+void ContentGroup::showDefaults(core::Frame& frame) {
+    frame.step([&] { showDefaultVoiceFile(); });
+    frame.step([&] { showDefaultVoiceMailPriority(); });
+    frame.step([&] { showDefaultMail(); });
+    frame.step([&] { showDefaultEmailPriority(); });
+    colorTexts();
+}
+
+void ContentGroup::showStored(core::Frame& frame, platform::Recordset& contents) {
+    const auto find = [&](int type) {
+        contents.moveFirst();
+        contents.find("ContentType = " + std::to_string(type));
+        return !contents.EOF_();
+    };
+    frame.step([&] {
+        if (!find(1))
+            return;
+        frame.step(
+            [&] { txtVoiceMailFileName->setText(fromUtf8(textOrEmpty(contents, "ContentAttachment"))); });
+        frame.step([&] { showPriority(*comboVoiceMailPriority, contents.number("ContentPriority")); });
+    });
+    frame.step([&] {
+        if (!find(3))
+            return;
+        frame.step([&] { rtbEmailSubject->setStoredText(textOrEmpty(contents, "ContentSubject")); });
+        frame.step([&] { rtbEmailBody->setStoredText(textOrEmpty(contents, "ContentNote")); });
+        frame.step([&] { showPriority(*comboEmailPriority, contents.number("ContentPriority")); });
+        frame.step([&] { colorTexts(); });
+    });
+}
+
+void ContentGroup::blank() {
+    txtVoiceMailFileName->clear();
+    rtbEmailSubject->setStoredText("");
+    rtbEmailBody->setStoredText("");
 }
 
 mdlDatabase::EventContent ContentGroup::shown() const {

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 
+#include "core/procedure.h"
 #include "database/events.h"
 
 class QComboBox;
@@ -56,6 +57,13 @@ class ContentGroup : public QObject {
     // log tells.
     static void showPriority(QComboBox& list, long stored);
     void colorTexts();
+    // Fills all controls with what new events start from, in steps of the caller's frame.
+    void showDefaults(core::Frame& frame);
+    // Fills them with an event's stored contents. Required: a type of content that the event lacks leaves its
+    // controls with what the event before had there.
+    void showStored(core::Frame& frame, platform::Recordset& contents);
+    // Empties the texts.
+    void blank();
     // What the controls hold.
     mdlDatabase::EventContent shown() const;
 

@@ -55,11 +55,12 @@ AddressList::Names smtpNames(DeviceTabs::Place place) {
 
 }  // namespace
 
-DeviceTabs::DeviceTabs(Place place, QWidget* parent) : TabRows(tabsPerRow, parent), place_(place) {
+DeviceTabs::DeviceTabs(Place place, const SearchDirectory& search, QWidget* parent)
+    : TabRows(tabsPerRow, parent), place_(place) {
     setObjectName(place == Place::dialog ? "sstabDevices" : "sstabRecipientDevices");
-    voiceMail = new DirectoryEntry(voiceMailNames(place), this);
+    voiceMail = new DirectoryEntry(voiceMailNames(place), search, this);
     pagers = new AddressList(pagerNames(place), this);
-    email = new DirectoryEntry(emailNames(place), this);
+    email = new DirectoryEntry(emailNames(place), search, this);
     smtp = new AddressList(smtpNames(place), this);
     for (QWidget* page : {static_cast<QWidget*>(voiceMail), static_cast<QWidget*>(pagers),
                           static_cast<QWidget*>(email), static_cast<QWidget*>(smtp)})

@@ -18,7 +18,7 @@ class DeviceTabs : public TabRows {
   public:
     // Where they stand decides some of the controls' names, and who speaks in the log.
     enum class Place { dialog, pane };
-    DeviceTabs(Place place, QWidget* parent);
+    DeviceTabs(Place place, const SearchDirectory& search, QWidget* parent);
 
     // Captions and tips. In the dialog the lists have tips of their own.
     void controlInit();

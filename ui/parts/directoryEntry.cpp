@@ -8,15 +8,13 @@
 #include <QRadioButton>
 
 #include "core/procedure.h"
-#include "core/state.h"
-#include "server/directoryQuery.h"
 #include "ui/base/controls.h"
 #include "ui/base/text.h"
-#include "ui/dialogs/dlgSelect.h"
 
 namespace ui {
 
-DirectoryEntry::DirectoryEntry(Names names, QWidget* parent) : QWidget(parent), names_(std::move(names)) {
+DirectoryEntry::DirectoryEntry(Names names, SearchDirectory search, QWidget* parent)
+    : QWidget(parent), names_(std::move(names)), search_(std::move(search)) {
     const std::string& kind = names_.kind;
     lblType = makeControl<QLabel>(this, names_.typeLabel);
     auto* frame = makeControl<QWidget>(this, names_.frame);
@@ -91,19 +89,15 @@ std::string DirectoryEntry::directoryId() const {
 
 void DirectoryEntry::cmdSelect_Click() {
     core::procedure(names_.module, "cmdSelect" + names_.kind + "_Click", [&](core::Frame& frame) {
-        dlgSelect& search = dlgSelect::shared(this);
-        search.directoryConnection = &core::gCorvaneDb;
-        search.subscriberTypes = names_.subscriberTypes;
-        // Without an option, as after Clear, it is the lists that are searched; it stays so.
-        search.selectMode = optionType[0]->isChecked() ? directoryQuery::searchSubscribers
-                                                       : directoryQuery::searchDistributionLists;
-        frame.step([&] { search.exec(); });
-        if (!search.cancelled) {
-            txtName->setText(fromUtf8(search.selectedDisplayName));
-            txtDirectoryId->setText(fromUtf8(search.selectedDirectoryId));
+        std::optional<FoundEntry> found;
+        // Required: without an option, as after Clear, it is the lists that are searched.
+        frame.step([&] { found = search_(*this, names_.subscriberTypes, optionType[0]->isChecked()); });
+        if (found) {
+            txtName->setText(fromUtf8(found->displayName));
+            txtDirectoryId->setText(fromUtf8(found->directoryId));
             cmdClear->setEnabled(true);
         }
-        // A cancelled search counts as a change too; it stays so.
+        // Required: a cancelled search counts as a change too.
         emit changed();
     });
 }

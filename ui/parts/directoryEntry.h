@@ -4,6 +4,8 @@
 #pragma once
 
 #include <QWidget>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +15,15 @@ class QPushButton;
 class QRadioButton;
 
 namespace ui {
+
+struct FoundEntry {
+    std::string displayName;
+    std::string directoryId;
+};
+// Lets the administrator search the directory, over `owner`: for subscribers of the given types, as
+// "(1,2,3)", or for distribution lists. Nothing when he cancels.
+using SearchDirectory = std::function<std::optional<FoundEntry>(
+    QWidget& owner, const std::string& subscriberTypes, bool subscribers)>;
 
 class DirectoryEntry : public QWidget {
     Q_OBJECT
@@ -25,7 +36,7 @@ class DirectoryEntry : public QWidget {
         std::string frame;
         std::string subscriberTypes;  // whom the search finds, as "(1,2,3)"
     };
-    DirectoryEntry(Names names, QWidget* parent);
+    DirectoryEntry(Names names, SearchDirectory search, QWidget* parent);
 
     // Captions; `device` names the entry for those who cannot see its tab.
     void controlInit(const QString& device);
@@ -56,6 +67,7 @@ class DirectoryEntry : public QWidget {
     void optionType_Click(int index);
 
     Names names_;
+    SearchDirectory search_;
     // Which option was last in force. It begins as the first one, so choosing that first changes nothing.
     int lastType_ = 0;
 };

@@ -50,7 +50,7 @@ std::string deviceText(const Recordset& device) {
     }
 }
 
-void addRecipient(Frame& frame, KeyedTree& tree, const Recordset& recipient,
+bool addRecipient(Frame& frame, KeyedTree& tree, const Recordset& recipient,
                   DeviceSelection& selectedDevices) {
     KeyedTree::NewNode node;
     node.info.key = recipient.number("RecipientKey");
@@ -59,8 +59,8 @@ void addRecipient(Frame& frame, KeyedTree& tree, const Recordset& recipient,
     node.text = ui::textOrEmpty(recipient, "RecipientName");
     node.checkBox = true;
     node.greyed = !mdlDatabase::isRecipientActive(node.info.key);
-    if (frame.step([&] { tree.addNode(node); }))
-        addDevicesForRecipient(tree, node.key, node.info.key, selectedDevices);
+    return frame.step([&] { tree.addNode(node); }) &&
+           addDevicesForRecipient(tree, node.key, node.info.key, selectedDevices);
 }
 
 // Gives a device's node the look of its present assignment.
@@ -94,9 +94,9 @@ void addDevice(Frame& frame, KeyedTree& tree, const std::string& recipientNode, 
 
 }  // namespace
 
-void populateRecipientsList(KeyedTree& tree, long eventKey, DeviceSelection& selectedDevices,
+bool populateRecipientsList(KeyedTree& tree, long eventKey, DeviceSelection& selectedDevices,
                             bool assignedOnly) {
-    core::procedure(module, "populateRecipientsList", [&](Frame& frame) {
+    return core::procedure(module, "populateRecipientsList", false, [&](Frame& frame, bool& whole) {
         Recordset recipients = mdlDatabase::getRecipients();  // by name already
         frame.step([&] { assignmentsForEvent() = mdlDatabase::getRecipientsForEvent(eventKey); });
         const mdlDatabase::DeviceCounts counts =
@@ -105,16 +105,20 @@ void populateRecipientsList(KeyedTree& tree, long eventKey, DeviceSelection& sel
             const KeyedTree::Fill fill(tree);
             const platform::ReadLock ofOneMoment(core::gDatabase);
             frame.step([&] { tree.clearNodes(); });
+            if (recipients.state() != ObjectState::open || assignmentsForEvent().state() != ObjectState::open)
+                return;
+            bool read = true;
             while (recipients.state() == ObjectState::open && !recipients.EOF_()) {
-                frame.step([&] {
+                read = frame.step([&] {
                     const long key = recipients.number("RecipientKey");
                     const bool shown =
                         assignedOnly ? findAssignment("RecipientKey", key) : counts.contains(key);
                     if (shown)
-                        addRecipient(frame, tree, recipients, selectedDevices);
-                });
-                frame.step([&] { recipients.moveNext(); });
+                        read = addRecipient(frame, tree, recipients, selectedDevices) && read;
+                }) && read;
+                read = frame.step([&] { recipients.moveNext(); }) && read;
             }
+            whole = read;
         }
         frame.step([&] {
             if (tree.count() > 0)
@@ -124,15 +128,17 @@ void populateRecipientsList(KeyedTree& tree, long eventKey, DeviceSelection& sel
     });
 }
 
-void addDevicesForRecipient(KeyedTree& tree, const std::string& recipientNode, long recipientKey,
+bool addDevicesForRecipient(KeyedTree& tree, const std::string& recipientNode, long recipientKey,
                             DeviceSelection& selectedDevices) {
-    core::procedure(module, "addDevicesForRecipient", [&](Frame& frame) {
+    return core::procedure(module, "addDevicesForRecipient", false, [&](Frame& frame, bool& whole) {
         Recordset devices;
-        frame.step([&] { devices = mdlDatabase::openDevicesForRecipient(recipientKey); });
+        bool read = frame.step([&] { devices = mdlDatabase::openDevicesForRecipient(recipientKey); });
         while (devices.state() == ObjectState::open && !devices.EOF_()) {
-            frame.step([&] { addDevice(frame, tree, recipientNode, devices, selectedDevices); });
-            frame.step([&] { devices.moveNext(); });
+            read =
+                frame.step([&] { addDevice(frame, tree, recipientNode, devices, selectedDevices); }) && read;
+            read = frame.step([&] { devices.moveNext(); }) && read;
         }
+        whole = read;
         frame.step([&] { devices.close(); });
     });
 }

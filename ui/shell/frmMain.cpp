@@ -2,29 +2,27 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QFrame>
 #include <QLayout>
 #include <QMenu>
-#include <QMouseEvent>
 #include <QStatusBar>
 
-#include "core/procedure.h"
+#include "core/classLog.h"
 #include "core/state.h"
 #include "ui/base/controls.h"
 #include "ui/base/formFonts.h"
 #include "ui/base/text.h"
 #include "ui/base/twips.h"
-#include "ui/dialogs/dlgEvent.h"
 #include "ui/panes/paneEventDetails.h"
 #include "ui/panes/paneExclusionDetails.h"
 #include "ui/panes/paneExclusions.h"
 #include "ui/panes/paneMonitoredEvents.h"
 #include "ui/panes/paneRecipientDetails.h"
 #include "ui/panes/paneRecipients.h"
-#include "ui/panes/paneReports.h"
 #include "ui/panes/saveQuestion.h"
 #include "ui/shell/cTooltip.h"
-#include "ui/widgets/keyedTree.h"
+#include "ui/shell/commands.h"
+#include "ui/shell/menus.h"
+#include "ui/shell/splitter.h"
 
 frmMain* gMainWindow = nullptr;
 
@@ -37,14 +35,14 @@ constexpr int firstWidth = 11550;
 constexpr int firstHeight = 8880;
 constexpr int lowestHeight = 5000;
 constexpr int splitterMargin = 1500;
-constexpr int dragMargin = 500;
 constexpr int treeTop = 60;
 constexpr int firstSplitter = 3300;
-constexpr int hitAreaWidth = 90;
 constexpr int paneGap = 40;
+constexpr int paneShortfall = 160;  // by which pane and tree are narrower than the window
 
 constexpr int maximumTipWidth = 400;  // pixels
-constexpr int paneCount = 8;
+
+constexpr char recipientsRoot[] = "keyRecipients";
 
 }  // namespace
 
@@ -52,9 +50,8 @@ frmMain::frmMain() {
     setObjectName("frmMain");
     gMainWindow = this;
     createControls();
-    createMenus();
-    createPanes();
     connectTree();
+    connectPanes();
     Form_Load();
 }
 
@@ -64,67 +61,58 @@ frmMain::~frmMain() {
 
 void frmMain::createControls() {
     setWindowIcon(QIcon(":/icons/console.svg"));
-    imagelistTreeNodes_ = {QIcon(), QIcon(":/icons/category.svg"), QIcon(":/icons/complete.svg"),
-                           QIcon(":/icons/incomplete.svg"), QIcon(":/icons/inactive.svg")};
     auto* client = ui::makeControl<QWidget>(this, "client");
     setCentralWidget(client);
     tvNavigation = ui::makeControl<ui::KeyedTree>(client, "tvNavigation");
-    imgSplitter_ = ui::makeControl<QFrame>(client, "imgSplitter");
-    imgSplitter_->setCursor(Qt::SplitHCursor);
-    imgSplitter_->installEventFilter(this);
-    picSplitter_ = ui::makeControl<QFrame>(client, "picSplitter");
-    picSplitter_->setAutoFillBackground(true);
-    picSplitter_->setBackgroundRole(QPalette::Highlight);
-    picSplitter_->setAttribute(Qt::WA_TransparentForMouseEvents);
-    picSplitter_->hide();
-    sbStatusBar_ = statusBar();
-    sbStatusBar_->setObjectName("sbStatusBar");
+    navigation_ = new NavigationTree(*tvNavigation);
+    navigation_->setParent(this);
+    splitter_ = new Splitter(*client);
+    connect(splitter_, &Splitter::moved, this, [this](int left) { SizeControls(left); });
+    statusBar()->setObjectName("sbStatusBar");
+    menus_ = std::make_unique<Menus>(*this);
+    commands_ = new Commands(*this, *menus_);
+    panes_ = new DetailPanes(*client);
 }
 
-void frmMain::createPanes() {
-    QWidget* client = centralWidget();
-    paneMonitoredEvents_ = new paneMonitoredEvents(client);
-    paneEventDetails_ = new paneEventDetails(client, *tvNavigation);
-    paneRecipients_ = new paneRecipients(client);
-    paneRecipientDetails_ = new paneRecipientDetails(client, *tvNavigation);
-    paneReport_ = new paneReport(client);
-    paneExclusions_ = new paneExclusions(client);
-    paneExclusionDetails_ = new paneExclusionDetails(client);
-    vsviewportDetails_ = {
-        paneMonitoredEvents_,           paneEventDetails_, paneRecipients_, paneRecipientDetails_,
-        new paneReportCategory(client), paneReport_,       paneExclusions_, paneExclusionDetails_};
-    for (int i = 0; i < paneCount; ++i)
-        vsviewportDetails_[static_cast<std::size_t>(i)]->setObjectName("vsviewportDetails_" +
-                                                                       QString::number(i));
-    editingPanes_ = {{paneEventDetails_, ui::eventSettingsChanged, true},
-                     {paneRecipientDetails_, ui::recipientSettingsChanged, false}};
-    connectRecipientPanes();
-    connect(paneEventDetails_, &paneEventDetails::eventSaved, this,
-            [this](long key) { loadNavigationTree(key); });
-    connect(paneMonitoredEvents_, &paneMonitoredEvents::newEventWanted, this,
-            &frmMain::mnuFileNewEvent_Click);
-    connect(paneMonitoredEvents_, &paneMonitoredEvents::eventsChanged, this, &frmMain::showEventsRoot);
-    connect(paneExclusions_, &paneExclusions::newExclusionWanted, this,
-            &frmMain::mnuPopupExclusion_Create_Click);
-    connect(paneExclusions_, &paneExclusions::exclusionDeleted, this, &frmMain::showEventsRoot);
-    connect(paneExclusionDetails_, &paneExclusionDetails::exclusionSaved, this,
-            [this](long key) { loadNavigationTree({}, {}, key); });
-    connect(paneMonitoredEvents_, &paneMonitoredEvents::eventOpened, this,
+void frmMain::connectPanes() {
+    connect(panes_->events, &paneMonitoredEvents::newEventWanted, commands_,
+            &Commands::mnuFileNewEvent_Click);
+    connect(panes_->events, &paneMonitoredEvents::eventsChanged, this, [this] { showRebuilt(nodeAt(1)); });
+    connect(panes_->events, &paneMonitoredEvents::eventOpened, this,
             [this](long key) { selectNode(findNode(nodeTypeEvent, key)); });
+    connect(panes_->eventDetails, &paneEventDetails::eventSaved, this,
+            [this](long key) { loadNavigationTree(key); });
+
+    connect(panes_->recipients, &paneRecipients::newRecipientWanted, commands_,
+            &Commands::mnuFileNewRecipient_Click);
+    connect(panes_->recipients, &paneRecipients::recipientSwitched, this,
+            [this] { showRebuilt(tvNavigation->selectedKey()); });
+    connect(panes_->recipients, &paneRecipients::recipientDeleted, this,
+            [this] { showRebuilt(recipientsRoot); });
+    connect(panes_->recipients, &paneRecipients::recipientOpened, this,
+            [this](long key) { selectNode(findNode(nodeTypeRecipient, key)); });
+    connect(panes_->recipientDetails, &paneRecipientDetails::recipientSaved, this,
+            [this](long key) { loadNavigationTree({}, key); });
+    connect(panes_->recipientDetails, &paneRecipientDetails::eventWanted, this,
+            [this](long key) { selectNode(findNode(nodeTypeEvent, key)); });
+
+    connect(panes_->exclusions, &paneExclusions::newExclusionWanted, commands_,
+            &Commands::mnuPopupExclusion_Create_Click);
+    connect(panes_->exclusions, &paneExclusions::exclusionDeleted, this, [this] { showRebuilt(nodeAt(1)); });
+    connect(panes_->exclusionDetails, &paneExclusionDetails::exclusionSaved, this,
+            [this](long key) { loadNavigationTree({}, {}, key); });
 }
 
 void frmMain::connectTree() {
     using ui::KeyedTree;
     connect(tvNavigation, &KeyedTree::nodeClicked, this, &frmMain::tvNavigation_NodeClick);
-    connect(tvNavigation, &KeyedTree::nodeExpanded, this, &frmMain::tvNavigation_Expand);
-    connect(tvNavigation, &KeyedTree::nodeCollapsed, this, &frmMain::tvNavigation_Collapse);
     connect(tvNavigation, &KeyedTree::rightPressed, this, &frmMain::tvNavigation_MouseDown);
     connect(tvNavigation, &KeyedTree::pointerMoved, this, &frmMain::tvNavigation_MouseMove);
 }
 
 void frmMain::Form_Load() {
     core::procedure(module, "Form_Load", [&](core::Frame& frame) {
-        splitterLeft_ = firstSplitter;
+        splitter_->place(firstSplitter, 0, 0);
         resize(ui::pixels(firstWidth), ui::pixels(firstHeight));
         frmMain_ControlInit();
         frame.step([&] {
@@ -132,12 +120,11 @@ void frmMain::Form_Load() {
             tooltip_->Create(this);
             tooltip_->setMaxTipWidth(maximumTipWidth);
             tooltip_->AddTool(tvNavigation, "");
-            // An empty text became "Tool1"; without a node under the pointer there is nothing
-            // to say.
+            // An empty text became "Tool1"; without a node under the pointer there is nothing to say.
             tooltip_->setToolText(tvNavigation, "");
         });
-        frame.step([&] { expanded_.fill(true); });
-        frame.step([&] { paneRecipientDetails_->hideUnsupportedKinds(); });
+        frame.step([&] { navigation_->openAll(); });
+        frame.step([&] { panes_->recipientDetails->hideUnsupportedKinds(); });
         frame.step([&] { core::gRebuildingControls = true; });
         frame.step([&] { ui::setFormFonts(*this); });
         frame.step([&] { core::gRebuildingControls = false; });
@@ -156,24 +143,21 @@ void frmMain::Form_Unload() {
 void frmMain::frmMain_ControlInit() {
     core::procedure(module, "frmMain_ControlInit", [&](core::Frame&) {
         setWindowTitle(ui::text(1205));
-        captionMenus();
+        menus_->caption();
         tvNavigation->setAccessibleName(ui::text(1205));
-        paneMonitoredEvents_->controlInit();
-        paneEventDetails_->controlInit();
-        paneRecipients_->controlInit();
-        paneRecipientDetails_->controlInit();
-        paneReport_->controlInit();
-        paneExclusions_->controlInit();
-        paneExclusionDetails_->controlInit();
-        relabelNavigationTree();
+        panes_->controlInit();
+        navigation_->relabel();
+        hoveredText_.reset();
     });
 }
 
-void frmMain::showViewPort(int index) {
-    core::procedure(module, "showViewPort", [&](core::Frame&) {
-        for (int i = 0; i < paneCount; ++i)
-            vsviewportDetails_[static_cast<std::size_t>(i)]->setVisible(i == index);
-    });
+void frmMain::frmMain_AddressDetailsRebuilt() {
+    panes_->eventDetails->refillRecipients();
+    panes_->recipientDetails->refillNames();
+}
+
+void frmMain::checkMenus(long nodeType) {
+    menus_->check(nodeType);
 }
 
 void frmMain::SizeControls(int& splitterX) {
@@ -182,18 +166,12 @@ void frmMain::SizeControls(int& splitterX) {
             resize(width(), (lowestHeight + ui::twipsPerPixel - 1) / ui::twipsPerPixel);
         const int windowWidth = ui::twips(width());
         splitterX = std::max(std::min(splitterX, windowWidth - splitterMargin), splitterMargin);
-        splitterLeft_ = splitterX;
         const int top = ui::pixels(treeTop);
         const int treeHeight = centralWidget()->height() - ui::pixels(2 * treeTop);
         tvNavigation->setGeometry(0, top, ui::pixels(splitterX), treeHeight);
-        imgSplitter_->setGeometry(ui::pixels(splitterX), top, ui::pixels(hitAreaWidth), treeHeight);
-        const QRect pane(ui::pixels(splitterX + paneGap), top, ui::pixels(windowWidth - (splitterX + 160)),
-                         treeHeight);
-        for (QWidget* viewport : vsviewportDetails_)
-            viewport->setGeometry(pane);
-        paneRecipients_->resizeAllRecipientsGrid();
-        // The hit area is wider than the gap; it lies over the panes' empty margin.
-        imgSplitter_->raise();
+        panes_->place(QRect(ui::pixels(splitterX + paneGap), top,
+                            ui::pixels(windowWidth - (splitterX + paneShortfall)), treeHeight));
+        splitter_->place(splitterX, top, treeHeight);
     });
 }
 
@@ -205,72 +183,127 @@ void frmMain::resizeEvent(QResizeEvent* event) {
         // The client area follows only after this event; it must be laid out before it is divided.
         if (layout())
             layout()->activate();
-        int splitter = splitterLeft_;
+        int splitter = splitter_->left();
         SizeControls(splitter);
     });
 }
 
-// Unsaved edits are lost without a question; it stays so.
+// Required: unsaved edits are lost without a question.
 void frmMain::closeEvent(QCloseEvent* event) {
     Form_Unload();
     event->accept();
 }
 
-int frmMain::hitAreaLeft() const {
-    return splitterLeft_;
+void frmMain::loadNavigationTree(std::optional<long> eventKey, std::optional<long> recipientKey,
+                                 std::optional<long> exclusionKey) {
+    const std::string wanted = navigation_->rebuild({eventKey, recipientKey, exclusionKey});
+    hoveredText_.reset();
+    if (wanted.empty())
+        return;
+    selectNode(wanted);
+    tvNavigation->setFocus();
 }
 
-bool frmMain::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == imgSplitter_) {
-        const auto pointer = [&] {
-            return ui::twips(static_cast<QMouseEvent*>(event)->position().toPoint().x());
-        };
-        switch (event->type()) {
-            case QEvent::MouseButtonPress:
-                if (static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton)
-                    imgSplitter_MouseDown();
-                break;
-            case QEvent::MouseMove:
-                imgSplitter_MouseMove(pointer());
-                break;
-            case QEvent::MouseButtonRelease:
-                imgSplitter_MouseUp();
-                break;
-            default:
-                break;
-        }
+void frmMain::showRebuilt(const std::string& nodeKey) {
+    loadNavigationTree();
+    selectNode(nodeKey);
+}
+
+void frmMain::showAfterDelete(long nodeType, long key, const std::string& nodeKey) {
+    panes_->forget(nodeType, key);
+    showRebuilt(nodeKey);
+}
+
+void frmMain::refillShownPane() {
+    core::procedure(module, "refillShownPane", [&](core::Frame& frame) {
+        const std::string selected = tvNavigation->selectedKey();
+        if (!selected.empty() && !panes_->isAnyChanged())
+            displayPane(frame, tvNavigation->info(selected), tvNavigation->nodeText(selected));
+    });
+}
+
+void frmMain::selectNode(std::string nodeKey) {
+    core::procedure(module, "selectNode", [&](core::Frame& frame) {
+        // A tree that is not on the screen yet cannot take the focus; that is no failure worth a line.
+        frame.on(platform::invalidProcedureCall, [](const platform::Failure&) {});
+        if (nodeKey.empty() || !tvNavigation->contains(nodeKey))
+            return;
+        frame.step([&] { checkMenus(tvNavigation->info(nodeKey).nodeType); });
+        frame.step([&] { tvNavigation->select(nodeKey); });
+        frame.step([&] { tvNavigation_NodeClick(nodeKey); });
+        frame.step([&] { tvNavigation->scrollFullyLeft(); });
+        frame.step([&] { tvNavigation->setFocus(); });
+    });
+}
+
+void frmMain::tvNavigation_NodeClick(const std::string& clicked) {
+    core::procedure(module, "tvNavigation_NodeClick", [&](core::Frame& frame) {
+        const std::string nodeKey = clicked;  // copies: a save rebuilds the tree
+        if (!tvNavigation->contains(nodeKey))
+            return;
+        const classNodeInfo info = tvNavigation->info(nodeKey);
+        const std::string nodeText = tvNavigation->nodeText(nodeKey);
+        checkMenus(info.nodeType);
+        for (const DetailPanes::Editing& changed : panes_->editing())
+            if (!settleChanges(frame, changed))
+                return;
+        previousNode_ = nodeKey;
+        displayPane(frame, info, nodeText);
+    });
+}
+
+bool frmMain::settleChanges(core::Frame& frame, const DetailPanes::Editing& changed) {
+    if (!changed.pane->isChanged())
+        return true;
+    const platform::BoxAnswer answer = ui::askToSave(changed.question);
+    if (answer == platform::BoxAnswer::cancel) {
+        // Required: the menus stay those of the node that was clicked.
+        if (tvNavigation->contains(previousNode_))
+            tvNavigation->select(previousNode_);
+        return false;
     }
-    return QMainWindow::eventFilter(watched, event);
+    frame.step([&] {
+        if (answer == platform::BoxAnswer::yes) {
+            changed.pane->save();
+            if (changed.rebuildsTree) {
+                loadNavigationTree();
+                tvNavigation->scrollFullyLeft();
+            }
+        }
+        changed.pane->discard();
+    });
+    return true;
 }
 
-void frmMain::imgSplitter_MouseDown() {
-    core::procedure(module, "imgSplitter_MouseDown", [&](core::Frame&) {
-        const QRect area = imgSplitter_->geometry();
-        picSplitter_->setGeometry(area.left(), area.top(), area.width() / 2, area.height() - ui::pixels(20));
-        picSplitter_->raise();
-        picSplitter_->show();
-        splitterMoving_ = true;
+void frmMain::displayPane(core::Frame& frame, const classNodeInfo& info, const std::string& nodeText) {
+    Filled filled = Filled::whole;
+    frame.step([&] { filled = panes_->display(info, nodeText); });
+    if (filled != Filled::gone)
+        return;
+    core::gLog().log("Not in the database any more: " + nodeText + " Key: " + std::to_string(info.key),
+                     core::logWarning, frame.tag());
+    frame.step([&] { loadNavigationTree(); });
+}
+
+void frmMain::tvNavigation_MouseDown(const QPoint& position) {
+    core::procedure(module, "tvNavigation_MouseDown", [&](core::Frame& frame) {
+        frame.step([&] { selectNode(tvNavigation->hitTest(position)); });
+        frame.step([&] { commands_->showPopup(tvNavigation->viewport()->mapToGlobal(position)); });
     });
 }
 
-void frmMain::imgSplitter_MouseMove(int pointerX) {
-    if (!splitterMoving_)
-        return;
-    core::procedure(module, "imgSplitter_MouseMove", [&](core::Frame&) {
-        // The bar may go further out than the layout, which springs back to its own limit; it stays so.
-        const int candidate = hitAreaLeft() + pointerX;
-        const int limit = ui::twips(width()) - dragMargin;
-        picSplitter_->move(ui::pixels(std::max(dragMargin, std::min(candidate, limit))), picSplitter_->y());
-    });
-}
-
-void frmMain::imgSplitter_MouseUp() {
-    if (!splitterMoving_)
-        return;
-    core::procedure(module, "imgSplitter_MouseUp", [&](core::Frame&) {
-        int splitter = ui::twips(picSplitter_->x());
-        SizeControls(splitter);
-        picSplitter_->hide();
-        splitterMoving_ = false;
+void frmMain::tvNavigation_MouseMove(const QPoint& position) {
+    core::procedure(module, "tvNavigation_MouseMove", [&](core::Frame& frame) {
+        frame.on(platform::objectRequired, [](const platform::Failure&) {});
+        const std::string hit = tvNavigation->hitTest(position);
+        if (hit.empty())
+            return;
+        frame.step([&] {
+            // Required: compared by text, so two nodes of equal text share the earlier one's tip.
+            const std::string text = tvNavigation->nodeText(hit);
+            if (hoveredText_ != text)
+                tooltip_->setToolText(tvNavigation, constructNavigationToolTip(hit));
+            hoveredText_ = text;
+        });
     });
 }

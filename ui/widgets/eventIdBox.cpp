@@ -70,6 +70,12 @@ std::string EventIdBox::idText() const {
     return showsAll() ? "-1" : toUtf8(currentText());
 }
 
+bool EventIdBox::hasId() const {
+    bool isNumber = false;
+    currentText().toInt(&isNumber);
+    return isNumber || showsAll();
+}
+
 bool EventIdBox::eventFilter(QObject* watched, QEvent* event) {
     if (watched == lineEdit() && event->type() == QEvent::KeyPress) {
         const auto& key = static_cast<const QKeyEvent&>(*event);

@@ -18,6 +18,8 @@ class EventIdBox : public QComboBox {
     void showId(const QString& id);
     // What is shown as text; "-1" for the row.
     std::string idText() const;
+    // True for the row, and for digits that are a number of 32 bits.
+    bool hasId() const;
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -152,7 +152,9 @@ void KeyedGrid::setColumns(const std::vector<Column>& columns) {
     setRowCount(0);
     columns_ = columns;
     setColumnCount(static_cast<int>(columns.size()));
+    // New rows come in the order of their query, and the first click sorts upwards.
     horizontalHeader()->setSortIndicatorShown(false);
+    horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
     for (int i = 0; i < columnCount(); ++i) {
         const Column& column = columns_[static_cast<std::size_t>(i)];
         setHorizontalHeaderItem(i, new QTableWidgetItem(fromUtf8(column.header)));
@@ -321,15 +323,10 @@ QRect KeyedGrid::cellRectangle(int gridRow, std::string_view column) const {
     return visualItemRect(&cell(gridRow, column));
 }
 
+// The header has turned its indicator already when it tells of a click.
 void KeyedGrid::sortBy(int column) {
-    QHeaderView* header = horizontalHeader();
-    const bool again = header->isSortIndicatorShown() && header->sortIndicatorSection() == column;
-    const Qt::SortOrder order = again && header->sortIndicatorOrder() == Qt::AscendingOrder
-                                    ? Qt::DescendingOrder
-                                    : Qt::AscendingOrder;
-    header->setSortIndicatorShown(true);
-    header->setSortIndicator(column, order);
-    sortItems(column, order);
+    horizontalHeader()->setSortIndicatorShown(true);
+    sortItems(column, horizontalHeader()->sortIndicatorOrder());
 }
 
 // Handlers refill the grid, so the signals leave after the base class is done with its event.

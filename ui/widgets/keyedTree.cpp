@@ -190,6 +190,18 @@ void KeyedTree::select(std::string_view key) {
     setCurrentItem(&get(key));
 }
 
+void KeyedTree::mark(std::string_view key) {
+    QTreeWidgetItem& item = get(key);
+    const bool scrolls = hasAutoScroll();
+    setAutoScroll(false);
+    setCurrentItem(&item);
+    setAutoScroll(scrolls);
+    for (const QTreeWidgetItem* parent = item.parent(); parent; parent = parent->parent())
+        if (!parent->isExpanded())
+            return;
+    scrollToItem(&item);
+}
+
 void KeyedTree::ensureVisible(std::string_view key) {
     QTreeWidgetItem& item = get(key);
     for (QTreeWidgetItem* parent = item.parent(); parent; parent = parent->parent())
@@ -221,6 +233,9 @@ void KeyedTree::mousePressEvent(QMouseEvent* event) {
         emit rightPressed(position);
         return;
     }
+    // The base class would move to the node under any other button too, and nobody would hear of it.
+    if (event->button() != Qt::LeftButton)
+        return;
     chosenKey_ = selectedKey();
     pressedKey_ = hitTest(position);
     QTreeWidget::mousePressEvent(event);
@@ -241,7 +256,16 @@ void KeyedTree::tellOfCheck() {
         emit nodeChecked(key);
 }
 
+void KeyedTree::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        QTreeWidget::mouseDoubleClickEvent(event);
+    else if (event->button() == Qt::RightButton)
+        mousePressEvent(event);
+}
+
 void KeyedTree::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton)
+        return;
     {
         const QScopedValueRollback during(inEvent_, true);
         QTreeWidget::mouseReleaseEvent(event);
@@ -252,11 +276,11 @@ void KeyedTree::mouseReleaseEvent(QMouseEvent* event) {
     const std::string key = keyOf(item);
     // Left of the item's own rectangle stands the expander, which chooses nothing.
     const bool onItem = item && position.x() >= visualItemRect(item).left();
-    if (event->button() == Qt::LeftButton && onItem && key == pressedKey_)
+    if (onItem && key == pressedKey_)
         emit nodeClicked(key);
     // A press alone moves the selection. Whoever lets go elsewhere has still chosen that node, and its pane
     // must not be another one's.
-    else if (event->button() == Qt::LeftButton && currentItem() && selectedKey() != chosenKey_)
+    else if (currentItem() && selectedKey() != chosenKey_)
         emit nodeClicked(selectedKey());
 }
 

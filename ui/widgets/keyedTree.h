@@ -60,6 +60,8 @@ class KeyedTree : public QTreeWidget {
     // Key of the selected node; empty when none is. Selecting raises no nodeClicked.
     std::string selectedKey() const;
     void select(std::string_view key);
+    // Selects without opening the node's parents: a tree that was built anew keeps its shape. Raises 35601.
+    void mark(std::string_view key);
     // Opens the node's parents. Scrolls to it only outside of a fill, so that filling stays linear.
     void ensureVisible(std::string_view key);
     void scrollFullyLeft();
@@ -92,6 +94,7 @@ class KeyedTree : public QTreeWidget {
   protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;

@@ -3,6 +3,7 @@
 #include <string.h>
 
 #include <QSignalBlocker>
+#include <QValidator>
 #include <array>
 
 namespace ui {
@@ -49,11 +50,30 @@ void appendUtf8(platform::Secret& text, char32_t character) {
 
 }  // namespace
 
+// A text that brings the stand-in's own character cannot be told from the stand-ins, so it is not taken.
+class SecretEdit::OwnStandInsOnly : public QValidator {
+  public:
+    explicit OwnStandInsOnly(SecretEdit& box) : QValidator(&box), box_(box) {}
+
+    State validate(QString& shown, int&) const override {
+        return shown.count(standIn) <= box_.count() ? Acceptable : Invalid;
+    }
+
+  private:
+    const SecretEdit& box_;
+};
+
 SecretEdit::SecretEdit(QWidget* parent) : QLineEdit(parent) {
     setEchoMode(QLineEdit::Password);
+    setValidator(new OwnStandInsOnly(*this));
     setMaxLength(longestPassword);
     setDragEnabled(false);
     connect(this, &QLineEdit::textChanged, this, [this] { absorb(); });
+}
+
+// Units that are kept.
+qsizetype SecretEdit::count() const {
+    return static_cast<qsizetype>(units_.size() / unitSize);
 }
 
 // Whatever changed the box (keys, input method, clipboard): what is no stand-in is new, and what lay between

@@ -10,6 +10,8 @@ namespace ui {
 class SecretEdit : public QLineEdit {
     Q_OBJECT
 
+    class OwnStandInsOnly;
+
   public:
     explicit SecretEdit(QWidget* parent = nullptr);
 
@@ -19,6 +21,7 @@ class SecretEdit : public QLineEdit {
     void wipe();
 
   private:
+    qsizetype count() const;
     void absorb();
     void showStandIns(qsizetype count, int cursor);
 

@@ -18,6 +18,17 @@ void TextList::addText(const std::string& text) {
     addItem(fromUtf8(text));
 }
 
+void TextList::addLockedText(const std::string& text, const QString& tip) {
+    addItem(fromUtf8(text));
+    QListWidgetItem& added = *item(count() - 1);
+    added.setFlags(Qt::NoItemFlags);
+    added.setToolTip(tip.toHtmlEscaped());
+}
+
+bool TextList::isLocked(int row) const {
+    return !(rowItem(row).flags() & Qt::ItemIsEnabled);
+}
+
 QListWidgetItem& TextList::rowItem(int row) const {
     QListWidgetItem* found = item(row);
     if (!found)

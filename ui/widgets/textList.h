@@ -14,6 +14,9 @@ class TextList : public QListWidget {
     explicit TextList(QWidget* parent = nullptr);
 
     void addText(const std::string& text);
+    // One that is shown, with a tip that says why, and can neither be selected nor moved.
+    void addLockedText(const std::string& text, const QString& tip);
+    bool isLocked(int row) const;
     // Raises 5 for no such row.
     std::string textAt(int row) const;
     std::vector<std::string> texts() const;

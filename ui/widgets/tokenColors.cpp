@@ -50,7 +50,7 @@ void TokenColors::noteChange(int position, int removed, int added) {
     // A change of the whole text is told with the mark at its end, which stays.
     if (removed > 0 && position + added == document_.characterCount())
         --added;
-    if (position == 0 && added > 0)
+    if (position == 0 && added > 0 && !firstKept_)
         firstColored_ = false;
     for (QTextBlock block = document_.findBlock(position);
          block.isValid() && block.position() <= position + added; block = block.next())

@@ -23,6 +23,19 @@ class TokenColors : public QObject {
     void setTokens(const QStringList& tokens);
     void setColor(const QColor& color);
 
+    // While an instance that is in force lives, a change is one behind the first character, although the
+    // toolkit tells of it from the paragraph's beginning on.
+    class FirstKept {
+      public:
+        FirstKept(TokenColors& colors, bool inForce) : colors_(colors) { colors_.firstKept_ = inForce; }
+        ~FirstKept() { colors_.firstKept_ = false; }
+        FirstKept(const FirstKept&) = delete;
+        FirstKept& operator=(const FirstKept&) = delete;
+
+      private:
+        TokenColors& colors_;
+    };
+
   private:
     using Ranges = QList<QTextLayout::FormatRange>;
 
@@ -39,6 +52,7 @@ class TokenColors : public QObject {
     // The text's first character is coloured only anew, never put back to black: required. Whatever moves to
     // the front by a deletion takes its colour over; what is typed there begins in black.
     bool firstColored_ = false;
+    bool firstKept_ = false;
 };
 
 }  // namespace ui

@@ -4,6 +4,7 @@
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QScrollBar>
 #include <QTextDocument>
 
@@ -18,6 +19,15 @@ namespace {
 QColor tokenColor(const QPalette& palette) {
     constexpr int middle = 128;
     return palette.color(QPalette::Base).lightness() < middle ? QColor(130, 177, 255) : QColor(0, 0, 255);
+}
+
+bool hasEndlessWord(const QString& text) {
+    constexpr int longestWord = 2000;
+    int word = 0;
+    return std::any_of(text.cbegin(), text.cend(), [&](QChar c) {
+        word = c.isSpace() ? 0 : word + 1;
+        return word > longestWord;
+    });
 }
 
 }  // namespace
@@ -36,6 +46,7 @@ VariableTextBox::VariableTextBox(Lines lines, QWidget* parent)
     } else {
         // The default body lines up its values with blanks.
         setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        connect(this, &QTextEdit::textChanged, this, [this] { limitWrapping({}); });
     }
 }
 
@@ -48,7 +59,29 @@ std::string VariableTextBox::storedText() const {
 }
 
 void VariableTextBox::setStoredText(const std::string& text) {
-    setPlainText(fromUtf8(text).replace(QLatin1String("\r\n"), QLatin1String("\n")));
+    const QString shown = asLines(fromUtf8(text).replace(QLatin1String("\r\n"), QLatin1String("\n")));
+    limitWrapping(shown);
+    setPlainText(shown);
+}
+
+// As the box may hold it: on one line, however many the text has.
+QString VariableTextBox::asLines(QString text) const {
+    if (lines_ == Lines::one) {
+        text.replace(QLatin1String("\r\n"), QLatin1String(" "));
+        static const QRegularExpression lineBreak("[\\n\\r\\v\\f\\x{85}\\x{2028}\\x{2029}]");
+        text.replace(lineBreak, QLatin1String(" "));
+    }
+    return text;
+}
+
+// The toolkit looks for a word's end on each line that the word fills. Above this length of a word lines are
+// broken anywhere, which costs no more than the text is long.
+void VariableTextBox::limitWrapping(const QString& coming) {
+    const QTextOption::WrapMode mode = hasEndlessWord(coming) || hasEndlessWord(document()->toRawText())
+                                           ? QTextOption::WrapAnywhere
+                                           : QTextOption::WrapAtWordBoundaryOrAnywhere;
+    if (lines_ == Lines::many && mode != wordWrapMode())
+        setWordWrapMode(mode);
 }
 
 void VariableTextBox::colorTokens(const QStringList& tokens) {
@@ -62,6 +95,7 @@ void VariableTextBox::insertAt(int index, const QString& text) {
     QTextCursor cursor = textCursor();
     // A block of edits is not joined to the typing before it, and one that ends with something other than a
     // text, here the paragraph's format as it is, not to the typing after it.
+    const TokenColors::FirstKept keep(*colors_, cursor.position() > 0);
     cursor.beginEditBlock();
     cursor.insertText(text);
     cursor.setBlockFormat(cursor.blockFormat());
@@ -80,8 +114,12 @@ void VariableTextBox::placeCaret(int index) {
 int VariableTextBox::charFromPos(const QPoint& position) const {
     QTextCursor nearest = cursorForPosition(position);
     // The right half of a character is nearer to the caret behind it.
-    if (!nearest.atBlockStart() && position.x() < cursorRect(nearest).left())
-        nearest.movePosition(QTextCursor::PreviousCharacter);
+    const QRect caret = cursorRect(nearest);
+    QTextCursor before = nearest;
+    // Before the first character of a wrapped line there is none of that line.
+    if (position.x() < caret.left() && before.movePosition(QTextCursor::PreviousCharacter) &&
+        cursorRect(before).top() == caret.top())
+        nearest = before;
     return nearest.position();
 }
 
@@ -123,13 +161,18 @@ void VariableTextBox::keyPressEvent(QKeyEvent* event) {
 }
 
 void VariableTextBox::insertFromMimeData(const QMimeData* source) {
-    if (lines_ == Lines::many || !source->hasText()) {
+    if (lines_ == Lines::many) {
+        limitWrapping(source->text());  // before it is laid out for the first time
         QTextEdit::insertFromMimeData(source);
-        return;
-    }
-    QString line = source->text();
-    line.replace(QLatin1String("\r\n"), QLatin1String(" ")).replace('\n', ' ').replace('\r', ' ');
-    insertPlainText(line);
+    } else if (source->hasText())
+        insertPlainText(asLines(source->text()));
+}
+
+void VariableTextBox::inputMethodEvent(QInputMethodEvent* event) {
+    const QString committed = asLines(event->commitString());
+    if (committed != event->commitString())
+        event->setCommitString(committed, event->replacementStart(), event->replacementLength());
+    QTextEdit::inputMethodEvent(event);
 }
 
 }  // namespace ui

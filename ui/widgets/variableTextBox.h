@@ -40,6 +40,7 @@ class VariableTextBox : public QTextEdit {
   protected:
     void keyPressEvent(QKeyEvent* event) override;
     void insertFromMimeData(const QMimeData* source) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
@@ -47,6 +48,8 @@ class VariableTextBox : public QTextEdit {
 
   private:
     int charFromPos(const QPoint& position) const;
+    QString asLines(QString text) const;
+    void limitWrapping(const QString& coming);
 
     Lines lines_;
     TokenColors* colors_;

@@ -17,6 +17,7 @@
 
 #include "core/modLocalize.h"
 #include "core/state.h"
+#include "database/addressDetails.h"
 #include "database/events.h"
 #include "database/settings.h"
 #include "platform/registry/registry.h"
@@ -145,6 +146,21 @@ TEST_F(About, ShowsVersionAndMaker) {
         EXPECT_EQ(core::gLanguageId, 1033);
         EXPECT_FALSE(core::gRebuildingControls);
     });
+}
+
+TEST_F(About, NamesOfDevicesFollowTheLanguageInThePanesThatShowThem) {
+    addLanguages();
+    const long event = mdlDatabase::addNewEvent({"Alarm", "4", "", 2, {"a.wav", 1, "subject", "body", 1}});
+    support::run(host.databaseFile(),
+                 "INSERT INTO Recipients VALUES(1, 'Ana', -1); INSERT INTO Device VALUES(11, 4, 'a@b', -1);"
+                 "INSERT INTO DeviceRecipient VALUES(11, 1); INSERT INTO EventDevice VALUES(" +
+                     std::to_string(event) + ", 11, -1);");
+    mdlDatabase::rebuildAddressDetailsTable();
+    window.loadNavigationTree(event);
+    auto* tree = window.findChild<QWidget*>("vsviewportDetails_1")->findChild<ui::KeyedTree*>("tvRecipients");
+    ASSERT_EQ(tree->nodeText("DeviceKey:11"), "a@b" + modLocalize::myLoadResString(1197));
+    inAbout([&](QWidget& about) { choose(about, "German (Germany)"); });
+    EXPECT_EQ(tree->nodeText("DeviceKey:11"), "a@b" + modLocalize::myLoadResString(1197));
 }
 
 TEST_F(About, ChangesEveryLoadedWindowAtOnceTwiceInARow) {

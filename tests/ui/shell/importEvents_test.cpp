@@ -74,6 +74,8 @@ TEST_F(ImportEvents, AsksFirstAndShowsTheNewEventsInTheTree) {
     import(BoxAnswer::yes);
     EXPECT_EQ(imported(), Lines{"backup|7"});
     EXPECT_EQ(tree->nodeText("EventKey-3"), "backup (7)");
+    EXPECT_EQ(grid->gridRowCount(), 2) << "the list that is shown has it too";
+    EXPECT_EQ(tree->selectedKey(), tree->keyAt(1));
 }
 
 TEST_F(ImportEvents, StopsTheLegacyServiceOrLeavesIt) {

@@ -1,0 +1,220 @@
+// What is typed, pasted and stored that no window was drawn for: it is held, bounded or refused, and nothing
+// that was typed is dropped.
+#include <gtest/gtest.h>
+
+#include <QClipboard>
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QTextBlock>
+#include <QTextLayout>
+#include <QtTest/QTest>
+
+#include "database/exclusions.h"
+#include "support/mainWindowFixture.h"
+#include "ui/base/formFonts.h"
+#include "ui/base/messageBoxes.h"
+#include "ui/dialogs/dlgAddExclusion.h"
+#include "ui/dialogs/dlgEvent.h"
+#include "ui/dialogs/dlgExclusions.h"
+#include "ui/dialogs/dlgRecipient.h"
+#include "ui/dialogs/dlgServicePassword.h"
+#include "ui/widgets/entryList.h"
+#include "ui/widgets/limitsSign.h"
+#include "ui/widgets/textList.h"
+#include "ui/widgets/variableTextBox.h"
+
+namespace {
+
+using ui::VariableTextBox;
+
+void paste(QWidget& box, const QString& text) {
+    QGuiApplication::clipboard()->setText(text);
+    box.setFocus();
+    QTest::keyClick(&box, Qt::Key_V, Qt::ControlModifier);
+}
+
+class OddInput : public uiTest::MainWindow {
+  protected:
+    void addLongSource(int length) {
+        host.setRegistry(uiTest::sourcesKey + std::string(static_cast<std::size_t>(length), 'W'),
+                         "EventMessageFile", "x");
+    }
+};
+
+TEST_F(OddInput, EnterAddsAnAddressAndDoesNotCloseTheDialog) {
+    dlgRecipient dialog(nullptr);
+    script.expect("dlgRecipient", [&](QWidget& shown) {
+        QTest::keyClicks(shown.findChild<QLineEdit*>("txtRecipientName"), "Ana");
+        auto* box = shown.findChild<QLineEdit*>("txtSMTPAddress");
+        auto* list = shown.findChild<ui::EntryList*>("lstSMTPAddresses");
+        ASSERT_TRUE(box && list);
+        QTest::keyClicks(box, "no address");
+        QTest::keyClick(box, Qt::Key_Return);
+        EXPECT_TRUE(shown.isVisible());
+        EXPECT_EQ(box->text(), "no address");
+        box->clear();
+        QTest::keyClicks(box, "ana@example.net");
+        QTest::keyClick(box, Qt::Key_Return);
+        EXPECT_TRUE(shown.isVisible());
+        ASSERT_EQ(list->count(), 1);
+        EXPECT_EQ(list->entryText(0), "ana@example.net");
+        QTest::mouseClick(shown.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
+    });
+    dialog.displayForm();
+    EXPECT_FALSE(dialog.cancelled);
+}
+
+TEST(OddInputAlone, APasswordBoxTakesWhatFitsAndRefusesItsOwnStandIn) {
+    dlgServicePassword dialog;
+    auto* box = dialog.findChild<QLineEdit*>("txtPassword");
+    dialog.show();
+    paste(*box, QString(QChar(0xE000)));
+    EXPECT_TRUE(dialog.takePassword().empty());
+    QTest::keyClicks(box, "ab");
+    paste(*box, QString("x") + QChar(0xE000) + "y");
+    EXPECT_EQ(dialog.takePassword().view(), "ab");
+    paste(*box, QString(5000, 'p'));
+    EXPECT_EQ(dialog.takePassword().size(), 256u);
+}
+
+TEST(OddInputAlone, ASubjectStaysOnOneLineHoweverItComes) {
+    VariableTextBox subject(VariableTextBox::Lines::one);
+    subject.show();
+    const QString odd =
+        QString("a\r\nb\nc\rd") + QChar(0x2028) + "e" + QChar(0x2029) + "f" + QChar(0x0B) + "g";
+    paste(subject, odd);
+    EXPECT_EQ(subject.storedText(), "a b c d e f g");
+    subject.setStoredText(ui::toUtf8(odd));
+    EXPECT_EQ(subject.storedText(), "a b c d e f g");
+    QInputMethodEvent method;
+    method.setCommitString(QString("h") + QChar(0x2028) + "i");
+    QGuiApplication::sendEvent(&subject, &method);
+    EXPECT_EQ(subject.document()->blockCount(), 1);
+    EXPECT_EQ(subject.storedText().find('\n'), std::string::npos);
+}
+
+TEST(OddInputAlone, AWordWithoutEndCostsAKeyNoSecond) {
+    VariableTextBox body(VariableTextBox::Lines::many);
+    body.resize(400, 200);
+    body.show();
+    QElapsedTimer timer;
+    timer.start();
+    paste(body, QString(100'000, 'w'));
+    for (const char key : {'a', 'b', 'c'})
+        QTest::keyClick(&body, key);
+    EXPECT_EQ(body.storedText().size(), 100'003u);
+    // Far above what it takes, and far below the half second that each key took.
+    EXPECT_LT(timer.elapsed(), 1500);
+    EXPECT_EQ(body.wordWrapMode(), QTextOption::WrapAnywhere);
+    body.setStoredText("short again");
+    EXPECT_EQ(body.wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
+}
+
+TEST(OddInputAlone, ARightClickBeforeAWrappedLineIsOnThatLine) {
+    VariableTextBox body(VariableTextBox::Lines::many);
+    body.resize(200, 200);
+    body.setStoredText("aaaa bbbb cccc dddd eeee ffff gggg hhhh iiii jjjj kkkk");
+    body.show();
+    const QTextBlock block = body.document()->firstBlock();
+    ASSERT_GT(block.layout()->lineCount(), 1);
+    const int start = block.layout()->lineAt(1).textStart();
+    QTextCursor cursor(body.document());
+    cursor.setPosition(start);
+    int pressed = -1;
+    QObject::connect(&body, &VariableTextBox::menuRequested, &body, [&](int index) { pressed = index; });
+    QTest::mouseClick(body.viewport(), Qt::RightButton, {}, QPoint(0, body.cursorRect(cursor).center().y()));
+    EXPECT_EQ(pressed, start);
+}
+
+TEST(OddInputAlone, AnInsertionBehindItKeepsTheFirstCharactersBlue) {
+    VariableTextBox body(VariableTextBox::Lines::many);
+    body.colorTokens({"<Type>"});
+    body.setStoredText("<Type> is");
+    const auto firstIsBlue = [&] {
+        const auto formats = body.document()->firstBlock().layout()->formats();
+        return !formats.isEmpty() && formats.first().start == 0;
+    };
+    QTextCursor cursor(body.document());
+    cursor.movePosition(QTextCursor::NextCharacter, QTextCursor::KeepAnchor, 1);
+    cursor.removeSelectedText();
+    ASSERT_TRUE(firstIsBlue()) << "what moves to the front by a deletion keeps its colour";
+    body.insertAt(6, "<Type>");
+    EXPECT_TRUE(firstIsBlue());
+}
+
+TEST_F(OddInput, LongNamesWidenNoWindow) {
+    addLongSource(255);
+    const auto check = [](QWidget& dialog) {
+        EXPECT_LT(dialog.width(), 900);
+        EXPECT_LT(dialog.minimumSizeHint().width(), 900);
+        dialog.close();
+    };
+    for (const char* name : {"dlgEvent", "dlgAddExclusion"})
+        script.expect(name, check);
+    dlgEvent(nullptr).displayForm();
+    dlgAddExclusion(nullptr).displayForm();
+
+    ui::MessageBoxes boxes;
+    script.expect("messageBox", [](QWidget& box) {
+        EXPECT_LT(box.width(), 900);
+        QTest::mouseClick(static_cast<QMessageBox&>(box).button(QMessageBox::No), Qt::LeftButton);
+    });
+    boxes.messageBox({"Delete " + std::string(200, 'N'), "Title", platform::BoxIcon::question,
+                      platform::BoxButtons::yesNo});
+}
+
+TEST_F(OddInput, ASourceThatAnExclusionCannotHoldIsToldAndNotOffered) {
+    addLongSource(51);
+    script.expect("dlgAddExclusion", [&](QWidget& dialog) {
+        auto* sources = dialog.findChild<QComboBox*>("comboEventSource");
+        auto* sign = dialog.findChild<ui::LimitsSign*>();
+        sources->setFocus();
+        QTest::keyClicks(sources, "W");
+        EXPECT_FALSE(dialog.findChild<QPushButton*>("cmdOk")->isEnabled());
+        EXPECT_TRUE(sign->isVisible());
+        QTest::keyClick(sources, Qt::Key_Home);
+        EXPECT_TRUE(dialog.findChild<QPushButton*>("cmdOk")->isEnabled());
+        EXPECT_FALSE(sign->isVisible());
+        dialog.close();
+    });
+    dlgAddExclusion(nullptr).displayForm();
+    const std::string product = "MeridaneCorvane_";
+    for (const std::string& source : {product + "A", product + std::string(35, 'W')})
+        host.setRegistry(uiTest::sourcesKey + source, "EventMessageFile", "x");
+    script.expect("dlgExclusions", [&](QWidget& dialog) {
+        QTest::mouseClick(dialog.findChild<QPushButton*>("cmdExclusionButtons_0"), Qt::LeftButton);
+        EXPECT_EQ(dialog.findChild<ui::TextList*>("lstAvailableSources")->count(), 1);
+        QTest::mouseClick(dialog.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
+    });
+    dlgExclusions(nullptr).displayForm();
+    EXPECT_EQ(value("SELECT EventSource FROM Exclusions"), product + "A");
+}
+
+TEST(OddInputAlone, EveryControlGetsItsDesignedFontBack) {
+    QWidget window;
+    auto* frame = new QWidget(&window);
+    auto* label = new QLabel(frame);
+    auto* body = new VariableTextBox(VariableTextBox::Lines::many, frame);
+    const auto families = [&] {
+        QStringList all;
+        for (const QWidget* each :
+             {&window, frame, static_cast<QWidget*>(label), static_cast<QWidget*>(body)})
+            all << each->font().family();
+        return all;
+    };
+    const QStringList designed = families();
+    core::gLanguageId = 1041;  // Japanese
+    ui::setFormFonts(window);
+    EXPECT_NE(families(), designed);
+    core::gLanguageId = 1033;
+    ui::setFormFonts(window);
+    EXPECT_EQ(families(), designed);
+}
+
+}  // namespace
