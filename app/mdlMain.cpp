@@ -61,6 +61,13 @@ void checkEnvironment() {
                mdlVerInfo::productName() + myLoadResString(1256));
 }
 
+// An empty tree alone would look as if there were nothing yet.
+void tellOfDatabaseTrouble() {
+    const std::string trouble = mdlDatabase::databaseTrouble();
+    if (!trouble.empty())
+        platform::prompts().messageBox({trouble, mdlVerInfo::productName(), BoxIcon::critical});
+}
+
 void createMainWindow() {
     auto* window = new frmMain;
     window->setAttribute(Qt::WA_DeleteOnClose, false);
@@ -104,6 +111,7 @@ void Main(platform::WindowStation& station) {
         frame.step([&] { gProductName = myLoadResString(1205); });
         frame.step([&] { mdlUtility::removeKTNShortcuts(); });
         frame.step([&] { mdlDatabase::openDatabase(); });
+        frame.step([&] { tellOfDatabaseTrouble(); });
         frame.step([&] { mdlDatabase::upgradeDatabase(); });
         bool installed = false;
         frame.step([&] { installed = mdlUtility::installQLNService(); });
@@ -145,7 +153,7 @@ void checkSupportNotificationDevices() {
         using namespace RegistryAPI;
         constexpr char snmpKey[] = "SYSTEM\\CurrentControlSet\\Services\\SNMP\\Parameters\\ExtensionAgents";
         constexpr char nodeManagerKey[] = "SOFTWARE\\Tessaly\\TsHubNodeMgr\\1.0";
-        gPagerSupported = false;  // cleared and never set: pagers are hidden in this release; it stays so
+        gPagerSupported = false;  // required: cleared and never set, pagers are hidden in this release
         gSnmpSupported = false;
         frame.step([&] {
             if (registryKeyExists(HKEY_LOCAL_MACHINE, snmpKey))
@@ -161,7 +169,7 @@ void checkSupportNotificationDevices() {
 
 void activatePrevInstance(platform::WindowStation& station) {
     procedure(module, "activatePrevInstance", [&](Frame& frame) {
-        // So that the search cannot find this very process; without an earlier window it stays so.
+        // So that the search cannot find this very process; without an earlier window the title stays.
         const std::string title = platform::program::setTitle("unwanted instance");
         platform::WindowHandle window = 0;
         for (const char* className : {"ThunderRTMain", "ThunderRT5Main", "ThunderRT6Main"})

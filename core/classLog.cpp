@@ -314,7 +314,7 @@ void classLog::checkSizeOfLogs() {
     constexpr double million = 1'000'000;
     platform::files::DiskSpace space{};
     attempt(checkTag, [&] { space = platform::files::diskSpace(logDirectory_); });
-    const auto cutOff = platform::clock().now() - std::chrono::days(logRetentionDays(space.freeBytes));
+    const auto cutOff = platform::daysBefore(platform::clock().now(), logRetentionDays(space.freeBytes));
 
     std::vector<platform::files::Entry> files;
     attempt(checkTag, [&] {
@@ -328,6 +328,9 @@ void classLog::checkSizeOfLogs() {
                 groupedNumber(static_cast<double>(space.totalBytes) / million) + " MB Total ",
             logInfo, checkTag);
     });
+    // A link there leads to somebody else's files.
+    if (!platform::files::isOwnFolder(logDirectory_))
+        files.clear();
     for (const auto& file : files) {
         if (file.name.find("LOG") == std::string::npos || file.modified >= cutOff)
             continue;

@@ -73,7 +73,7 @@ Details detailsOf(Directory& directory, long deviceType, const std::string& addr
             return {address + myLoadResString(1196), addressPager};
         case smtpAddress:
             return {address + myLoadResString(1197), addressSmtp};
-        // The label alone, with its leading blank, and without the syslog host; it stays so.
+        // Required: the label alone, with its leading blank, and without the syslog host.
         case snmpTrap:
             return {myLoadResString(1283), addressSnmpTrap};
         case syslog:
@@ -91,6 +91,7 @@ void rewind(Recordset& list) {
         list.moveFirst();
 }
 
+// Adds one row to the batch.
 void rebuildRow(Frame& frame, Recordset& devices, Recordset& details, Directory& directory) {
     std::string address;
     long type = 0;
@@ -99,7 +100,8 @@ void rebuildRow(Frame& frame, Recordset& devices, Recordset& details, Directory&
     frame.step([&] { type = devices.number("DeviceType"); });
     frame.step([&] { shown = detailsOf(directory, type, address); });
     frame.step([&] {
-        if (!shown.cutOff)
+        // One that is off already needs no write.
+        if (!shown.cutOff || !devices.boolean("DeviceActive"))
             return;
         devices.set("DeviceActive", boolean(false));
         devices.update();
@@ -114,30 +116,44 @@ void rebuildRow(Frame& frame, Recordset& devices, Recordset& details, Directory&
     frame.step([&] { rewind(directory.distributionLists); });
 }
 
+// A directory that cannot say more than that it failed would fill the log, line after line.
+Recordset quietlyOpened(const char* table) {
+    try {
+        return openDirectoryList(table);
+    } catch (const platform::Failure& failure) {
+        if (failure.number() != platform::providerError)
+            throw;
+        return {};
+    }
+}
+
 }  // namespace
 
 void rebuildAddressDetailsTable() {
     core::procedure(module, "rebuildAddressDetailsTable", [&](Frame& frame) {
-        // A provider that cannot say more than that it failed would fill the log, line after line.
-        frame.on(platform::providerError, [](const platform::Failure&) {});
         Recordset devices;
         Recordset details;
         Directory directory;
         const bool views = core::gViewsSupported;
-        frame.step([&] { devices = openForWriting("SELECT * FROM Device"); });
-        frame.step([&] { platform::execute("DELETE FROM AddressDetails", core::gDatabase); });
-        frame.step([&] { details = openForWriting("SELECT * FROM AddressDetails"); });
+        // The table is emptied only when it can be filled, and filled only when it is empty. All rows come at
+        // once: a write of its own for each device would cost its time on the disk.
+        const bool emptied = frame.step([&] {
+            devices = openForWriting("SELECT * FROM Device");
+        }) && frame.step([&] { platform::execute("DELETE FROM AddressDetails", core::gDatabase); });
+        if (!emptied)
+            return;
+        frame.step([&] { details = openForBatch("SELECT * FROM AddressDetails"); });
         frame.step([&] {
-            directory.subscribers = openDirectoryList(views ? "vw_Subscriber_Global" : "GlobalSubscriber");
+            directory.subscribers = quietlyOpened(views ? "vw_Subscriber_Global" : "GlobalSubscriber");
         });
         frame.step([&] {
-            directory.distributionLists =
-                openDirectoryList(views ? "vw_DistributionList" : "DistributionList");
+            directory.distributionLists = quietlyOpened(views ? "vw_DistributionList" : "DistributionList");
         });
         while (devices.state() == ObjectState::open && !devices.EOF_()) {
             rebuildRow(frame, devices, details, directory);
             frame.step([&] { devices.moveNext(); });
         }
+        frame.step([&] { details.updateBatch(); });
     });
 }
 

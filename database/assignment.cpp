@@ -81,11 +81,12 @@ void addAssignment(Frame& frame, Recordset& rows, long eventKey, const std::stri
                          rightAligned(getDeviceLabel(type), typeNameWidth) +
                          ") Active: " + rightAligned(active ? "True" : "False", activeWidth) +
                          " to EventKey: " + std::to_string(eventKey));
-    frame.step([&] { rows.addNew(); });
-    frame.step([&] { rows.set("EventKey", std::int64_t{eventKey}); });
-    frame.step([&] { rows.set("DeviceKey", std::int64_t{deviceKey}); });
-    frame.step([&] { rows.set("Active", boolean(active)); });
-    frame.step([&] { rows.update(); });
+    // A row without its event or its device would be one that no view shows.
+    if (frame.steps({core::Step([&] { rows.addNew(); }),
+                     core::Step([&] { rows.set("EventKey", std::int64_t{eventKey}); }),
+                     core::Step([&] { rows.set("DeviceKey", std::int64_t{deviceKey}); }),
+                     core::Step([&] { rows.set("Active", boolean(active)); })}))
+        frame.step([&] { rows.update(); });
 }
 
 // Brings the present row in line with the selection, from which it takes the row's entry.
@@ -139,10 +140,12 @@ Recordset getRecipientsForEvent(long eventKey) {
                               std::to_string(eventKey) + " ORDER BY Recipients.RecipientName");
 }
 
-void addRecipientToEvent(long eventKey, const DeviceSelection& selection, bool clearFirst) {
-    core::procedure(module, "addRecipientToEvent", [&](Frame& frame) {
-        if (clearFirst)
-            frame.step([&] { deleteRows("EventDevice", "EventKey", eventKey); });
+bool addRecipientToEvent(long eventKey, const DeviceSelection& selection, bool clearFirst) {
+    return core::procedure(module, "addRecipientToEvent", false, [&](Frame& frame, bool& cleared) {
+        // Beside rows that are still there the event would go to both the old and the new devices.
+        cleared = !clearFirst || frame.step([&] { deleteRows("EventDevice", "EventKey", eventKey); });
+        if (!cleared)
+            return;
         Recordset rows;
         frame.step([&] { rows = openForWriting("SELECT * FROM EventDevice"); });
         for (const std::string& key : selection.keys())

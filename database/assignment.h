@@ -17,7 +17,8 @@ std::string selectionKey(long deviceKey);
 platform::Recordset getRecipientsForEvent(long eventKey);
 // Adds a row for each device of the selection, after deleting all rows of the event where `clearFirst` says
 // so. A failover device that the administrator declines gets an inactive row.
-void addRecipientToEvent(long eventKey, const DeviceSelection& selection, bool clearFirst);
+// False when the old rows could not be cleared: nothing is added then.
+bool addRecipientToEvent(long eventKey, const DeviceSelection& selection, bool clearFirst);
 // Makes exactly the selected devices the event's active ones; deselected ones keep an inactive row. Entries
 // that a row answers for leave the selection. True when the event had rows before.
 bool changeRecipientsForEvent(long eventKey, DeviceSelection& selection);

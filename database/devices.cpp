@@ -6,6 +6,7 @@
 #include "database/settings.h"
 
 using core::Frame;
+using core::Step;
 using platform::ObjectState;
 using platform::Recordset;
 
@@ -19,32 +20,43 @@ std::string deviceQuery(std::string_view column, long deviceKey) {
     return "SELECT " + std::string(column) + " FROM Device WHERE DeviceKey = " + std::to_string(deviceKey);
 }
 
+// The recipient whose device it is; 0 for nobody.
+long ownerOf(long deviceKey) {
+    Recordset link = openForReading("SELECT RecipientKey FROM DeviceRecipient WHERE DeviceKey = " +
+                                    std::to_string(deviceKey));
+    const long owner = link.EOF_() || link.isNull("RecipientKey") ? 0 : link.number("RecipientKey");
+    link.close();
+    return owner;
+}
+
 }  // namespace
 
 long createDevice(Frame& frame, Recordset& devices, const NewDevice& device, std::string_view logLine) {
-    frame.step([&] { devices.addNew(); });
-    frame.step([&] { devices.set("DeviceType", std::int64_t{device.type}); });
-    frame.step([&] { devices.set("DeviceAddress", device.address); });
-    frame.step([&] { devices.set("DeviceActive", boolean(true)); });
+    const bool filled = frame.steps({Step([&] { devices.addNew(); }),
+                                     Step([&] { devices.set("DeviceType", std::int64_t{device.type}); }),
+                                     Step([&] { devices.set("DeviceAddress", device.address); }),
+                                     Step([&] { devices.set("DeviceActive", boolean(true)); })});
     if (!logLine.empty())
         core::gLog().log(logLine, core::logInfo, frame.tag());
-    // The highest key is this device's only if this device was written.
-    if (!frame.step([&] { devices.update(); }))
+    // The highest key is this device's only if this device was written, whole.
+    if (!filled || !frame.step([&] { devices.update(); }))
         return 0;
     const long key = getLastKey("Device", "DeviceKey");
-    if (key != 0)
-        linkDeviceRecipient(key, device.recipientKey);
-    return key;
+    if (key == 0 || linkDeviceRecipient(key, device.recipientKey))
+        return key;
+    // No window reaches a device without an owner.
+    frame.step([&] { deleteRows("Device", "DeviceKey", key); });
+    return 0;
 }
 
-void linkDeviceRecipient(long deviceKey, long recipientKey) {
-    core::procedure(module, "linkDeviceRecipient", [&](Frame& frame) {
+bool linkDeviceRecipient(long deviceKey, long recipientKey) {
+    return core::procedure(module, "linkDeviceRecipient", false, [&](Frame& frame, bool& linked) {
         Recordset links;
-        frame.step([&] { links = openForWriting("SELECT * FROM DeviceRecipient"); });
-        frame.step([&] { links.addNew(); });
-        frame.step([&] { links.set("DeviceKey", std::int64_t{deviceKey}); });
-        frame.step([&] { links.set("RecipientKey", std::int64_t{recipientKey}); });
-        frame.step([&] { links.update(); });
+        linked = frame.steps({Step([&] { links = openForWriting("SELECT * FROM DeviceRecipient"); }),
+                              Step([&] { links.addNew(); }),
+                              Step([&] { links.set("DeviceKey", std::int64_t{deviceKey}); }),
+                              Step([&] { links.set("RecipientKey", std::int64_t{recipientKey}); })}) &&
+                 frame.step([&] { links.update(); });
         frame.step([&] { links.close(); });
     });
 }
@@ -77,12 +89,20 @@ void addToExistingEvents(long recipientKey, long deviceKey) {
     });
 }
 
-void deleteDevice(long deviceKey) {
-    core::procedure(module, "deleteDevice", [&](Frame& frame) {
-        // Assignments first, so that the service cannot reach a device that is half gone.
-        frame.step([&] { deleteRows("EventDevice", "DeviceKey", deviceKey); });
-        frame.step([&] { deleteRows("DeviceRecipient", "DeviceKey", deviceKey); });
-        frame.step([&] { deleteRows("Device", "DeviceKey", deviceKey); });
+bool deleteDevice(long deviceKey) {
+    return core::procedure(module, "deleteDevice", false, [&](Frame& frame, bool& deleted) {
+        long owner = 0;
+        if (!frame.step([&] { owner = ownerOf(deviceKey); }))
+            return;
+        // Assignments first, so that the service cannot reach a device that is half gone; and what has rows
+        // left that depend on it does not go.
+        if (!frame.step([&] { deleteRows("EventDevice", "DeviceKey", deviceKey); }) ||
+            !frame.step([&] { deleteRows("DeviceRecipient", "DeviceKey", deviceKey); }))
+            return;
+        deleted = frame.step([&] { deleteRows("Device", "DeviceKey", deviceKey); });
+        // No window reaches a device without an owner, and nobody could delete it later.
+        if (!deleted && owner != 0)
+            linkDeviceRecipient(deviceKey, owner);
     });
 }
 

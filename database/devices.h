@@ -24,12 +24,13 @@ struct NewDevice {
 // 0 when its row could not be written, which is then not linked.
 long createDevice(core::Frame& frame, platform::Recordset& devices, const NewDevice& device,
                   std::string_view logLine = {});
-void linkDeviceRecipient(long deviceKey, long recipientKey);
+// False when the link was not written.
+bool linkDeviceRecipient(long deviceKey, long recipientKey);
 // Puts a device that its recipient just gained on every event that his other devices are on, silent: nobody
 // is notified on it until the administrator ticks it.
 void addToExistingEvents(long recipientKey, long deviceKey);
-// Its rows in AddressDetails stay until the next rebuild.
-void deleteDevice(long deviceKey);
+// True when the device is gone, with its assignments. Its rows in AddressDetails stay until the next rebuild.
+bool deleteDevice(long deviceKey);
 
 // The devices of a recipient with their names in the directory, by type; without those that have none. A
 // statement of the caller's procedure, who reads and closes it: raises the engine's failures.

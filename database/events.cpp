@@ -171,10 +171,9 @@ bool deleteEvent(long eventKey, std::string_view eventName) {
             if (row.state() == platform::ObjectState::open)
                 row.close();
         });
-        frame.step([&] { deleteRows("Contents", "EventKey", eventKey); });
-        frame.step([&] { deleteRows("EventDevice", "EventKey", eventKey); });
-        frame.step([&] { deleteRows("Events", "EventKey", eventKey); });
-        deleted = true;
+        deleted = frame.step([&] { deleteRows("Contents", "EventKey", eventKey); }) &&
+                  frame.step([&] { deleteRows("EventDevice", "EventKey", eventKey); }) &&
+                  frame.step([&] { deleteRows("Events", "EventKey", eventKey); });
     });
 }
 

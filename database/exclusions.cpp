@@ -24,11 +24,13 @@ std::string exclusionQuery(long exclusionKey) {
     return "SELECT * FROM Exclusions WHERE ExclusionKey = " + std::to_string(exclusionKey);
 }
 
-// Adds one row; the source goes in as it is.
-void addRow(Frame& frame, Recordset& rows, std::string_view eventSource, long eventId) {
-    frame.step([&] { rows.addNew(); });
-    frame.step([&] { rows.set("EventSource", std::string(eventSource)); });
-    frame.step([&] { rows.set("EventID", std::int64_t{eventId}); });
+// Adds one row; the source goes in as it is. False when it was not written: a row without its source, say of
+// one that is too long, would exclude nothing and be in nobody's list.
+bool addRow(Frame& frame, Recordset& rows, std::string_view eventSource, long eventId) {
+    return frame.steps({core::Step([&] { rows.addNew(); }),
+                        core::Step([&] { rows.set("EventSource", std::string(eventSource)); }),
+                        core::Step([&] { rows.set("EventID", std::int64_t{eventId}); })}) &&
+           frame.step([&] { rows.update(); });
 }
 
 }  // namespace
@@ -45,9 +47,8 @@ long addNewExclusion(std::string_view eventSource, long eventId) {
     return core::procedure(module, "addNewExclusion", 0L, [&](Frame& frame, long& key) {
         Recordset rows;
         frame.step([&] { rows = openForWriting("SELECT * FROM Exclusions"); });
-        addRow(frame, rows, eventSource, eventId);
         // The highest key is this exclusion's only if it was written.
-        if (frame.step([&] { rows.update(); }))
+        if (addRow(frame, rows, eventSource, eventId))
             key = getLastKey("Exclusions", "ExclusionKey");
         frame.step([&] { rows.close(); });
     });
@@ -80,20 +81,19 @@ bool deleteExclusion(long exclusionKey) {
             if (row.state() == platform::ObjectState::open)
                 row.close();
         });
-        frame.step([&] { deleteRows("Exclusions", "ExclusionKey", exclusionKey); });
-        deleted = true;
+        deleted = frame.step([&] { deleteRows("Exclusions", "ExclusionKey", exclusionKey); });
     });
 }
 
 void replaceExclusions(const core::Dictionary<long>& exclusions) {
     core::procedure(module, "replaceExclusions", [&](Frame& frame) {
         Recordset rows;
-        frame.step([&] { platform::execute("DELETE FROM Exclusions", core::gDatabase); });
+        // Beside rows that are still there each exclusion would be there twice.
+        if (!frame.step([&] { platform::execute("DELETE FROM Exclusions", core::gDatabase); }))
+            return;
         frame.step([&] { rows = openForBatch("SELECT * FROM Exclusions"); });
-        for (const std::string& source : exclusions.keys()) {
+        for (const std::string& source : exclusions.keys())
             addRow(frame, rows, source, exclusions.item(source));
-            frame.step([&] { rows.update(); });
-        }
         frame.step([&] { rows.updateBatch(); });
         frame.step([&] { rows.close(); });
     });

@@ -24,6 +24,7 @@ namespace {
 
 constexpr char module[] = "mdlDatabase";
 constexpr char databaseName[] = "/QLNDB.MDB";
+constexpr char backupName[] = "/QLNDB_BKP.MDB";
 constexpr char templateName[] = "/QLNDB_FRESH.MDB";
 constexpr char pathValue[] = "DatabasePath";
 
@@ -91,6 +92,20 @@ bool copyExclusions(Frame& frame) {
     return copied;
 }
 
+// What databaseTrouble found last.
+bool troubled = false;
+
+// Of the open database, or of one that could not be opened; empty when nothing is.
+std::string whatIsWrong() {
+    if (core::gDatabase.state() == platform::ObjectState::closed)
+        return core::gDatabase.errors().empty() ? "It is not open."
+                                                : core::gDatabase.errors().back().description();
+    std::string damage = core::gDatabase.damage();
+    if (damage.empty() && !hasTable(Catalog(core::gDatabase), "Events"))
+        return "It is empty.";
+    return damage;
+}
+
 }  // namespace
 
 std::string getDatabasePath() {
@@ -112,6 +127,7 @@ std::string getDatabasePath() {
 
 void openDatabase() {
     core::procedure(module, "openDatabase", [&](Frame& frame) {
+        troubled = false;
         const std::string path = getDatabasePath();
         if (!files::fileExists(path + databaseName)) {
             const std::string folder = absolute(path);
@@ -135,6 +151,22 @@ void openDatabase() {
     });
 }
 
+std::string databaseTrouble() {
+    return core::procedure(module, "databaseTrouble", std::string(), [&](Frame& frame, std::string& trouble) {
+        std::string reason;
+        frame.step([&] { reason = whatIsWrong(); });
+        troubled = !reason.empty();
+        if (!troubled)
+            return;
+        const std::string folder = absolute(getDatabasePath());
+        const std::string backup = folder + backupName;
+        trouble = "The database cannot be used:\n" + folder + databaseName + "\n\n" + reason +
+                  "\n\nIt was left as it is. " +
+                  (files::fileExists(backup) ? "The last backup is\n" + backup : "There is no backup.");
+        gLog().log(trouble, core::logError, frame.tag());
+    });
+}
+
 bool copyDatabase(const std::string& fileName) {
     return core::procedure(module, "copyDatabase", true, [&](Frame& frame, bool& copied) {
         frame.on(platform::permissionDenied, [&](const platform::Failure&) {
@@ -142,12 +174,18 @@ bool copyDatabase(const std::string& fileName) {
                        core::logError, frame.tag());
             copied = false;
         });
+        if (troubled) {
+            gLog().log("The database cannot be used, so the backup stays as it is", core::logError,
+                       frame.tag());
+            copied = false;
+            return;
+        }
         const std::string path = getDatabasePath();
         const std::string folder = absolute(path);
         gLog().log("Copying " + folder + databaseName + " to " + folder + "/" + fileName, core::logInfo,
                    frame.tag());
-        // Through the engine, so that the copy is whole while the service writes. A failure other than a
-        // refusal is in the log, and the result is still true; it stays so.
+        // Through the engine, so that the copy is whole while the service writes. Required: a failure other
+        // than a refusal is in the log, and the result is still true.
         frame.step([&] { platform::backupDatabase(path + databaseName, path + "/" + fileName); });
     });
 }

@@ -9,9 +9,13 @@ namespace mdlDatabase {
 std::string getDatabasePath();
 // Opens gDatabase, after copying the template when there is no database yet.
 void openDatabase();
-// Copies the database to `fileName` in its folder; false when the target is read-only.
+// What keeps the database from being used, in words for the administrator: what is wrong with which file,
+// that it was left as it is, and where the backup lies. Empty when nothing does.
+std::string databaseTrouble();
+// Copies the database to `fileName` in its folder; false when the target is read-only, or when the database
+// cannot be used: a backup that can be is worth more.
 bool copyDatabase(const std::string& fileName = "QLNDB_BKP.MDB");
-// Gives Exclusions its key column. The result is always false and means nothing; it stays so.
+// Gives Exclusions its key column. Required: the result is always false and means nothing.
 bool upgradeDatabase();
 
 }  // namespace mdlDatabase

@@ -43,18 +43,19 @@ std::vector<NewDevice> devicesOf(const RecipientRecord& record, long recipientKe
     return devices;
 }
 
-// Deletes every device of a recipient; one that fails does not keep the others.
-void deleteDevicesOf(Frame& frame, long recipientKey) {
+// Deletes every device of a recipient; one that fails does not keep the others. True when none is left.
+bool deleteDevicesOf(Frame& frame, long recipientKey) {
     Recordset links;
-    frame.step([&] {
+    bool gone = frame.step([&] {
         links = openForReading("SELECT DeviceKey FROM DeviceRecipient WHERE RecipientKey = " +
                                std::to_string(recipientKey));
     });
     while (links.state() == ObjectState::open && !links.EOF_()) {
-        frame.step([&] { deleteDevice(links.number("DeviceKey")); });
+        frame.step([&] { gone = deleteDevice(links.number("DeviceKey")) && gone; });
         frame.step([&] { links.moveNext(); });
     }
     frame.step([&] { links.close(); });
+    return gone;
 }
 
 }  // namespace
@@ -109,10 +110,11 @@ long addNewRecipient(const RecipientRecord& record) {
     return core::procedure(module, "addNewRecipient", 0L, [&](Frame& frame, long& result) {
         Recordset recipients;
         frame.step([&] { recipients = openForWriting("SELECT * FROM Recipients"); });
-        frame.step([&] { recipients.addNew(); });
-        frame.step([&] { recipients.set("RecipientName", record.name); });
-        frame.step([&] { recipients.set("RecipientActive", boolean(true)); });
-        const bool written = frame.step([&] { recipients.update(); });
+        const bool written =
+            frame.steps({core::Step([&] { recipients.addNew(); }),
+                         core::Step([&] { recipients.set("RecipientName", record.name); }),
+                         core::Step([&] { recipients.set("RecipientActive", boolean(true)); })}) &&
+            frame.step([&] { recipients.update(); });
         frame.step([&] { recipients.close(); });
         // The highest key is this recipient's only if he was written.
         if (written)
@@ -140,10 +142,9 @@ bool deleteRecipient(long recipientKey) {
             if (row.state() == ObjectState::open)
                 row.close();
         });
-        // The recipient goes last: what a half done delete leaves still has its owner.
-        deleteDevicesOf(frame, recipientKey);
-        frame.step([&] { deleteRows("Recipients", "RecipientKey", recipientKey); });
-        deleted = true;
+        // The recipient goes last, and not while he has a device: it would have no owner.
+        deleted = deleteDevicesOf(frame, recipientKey) &&
+                  frame.step([&] { deleteRows("Recipients", "RecipientKey", recipientKey); });
     });
 }
 

@@ -50,17 +50,23 @@ long getLastKey(std::string_view tableName, std::string_view keyField) {
     });
 }
 
-std::string getConfigurationSetting(std::string_view settingName) {
-    return core::procedure(module, "getConfigurationSetting", std::string(),
-                           [&](Frame& frame, std::string& value) {
+std::optional<std::string> readConfigurationSetting(std::string_view settingName) {
+    return core::procedure(module, "getConfigurationSetting", std::optional<std::string>(),
+                           [&](Frame& frame, std::optional<std::string>& value) {
         Recordset row;
-        frame.step([&] { row = openForReading(settingQuery("Value", settingName)); });
+        if (!frame.step([&] { row = openForReading(settingQuery("Value", settingName)); }))
+            return;
+        value.emplace();
         frame.step([&] {
             if (!row.EOF_())
                 value = row.text("Value");
         });
         frame.step([&] { row.close(); });
     });
+}
+
+std::string getConfigurationSetting(std::string_view settingName) {
+    return readConfigurationSetting(settingName).value_or(std::string());
 }
 
 void setConfigurationSetting(std::string_view settingName, std::string_view value) {
@@ -97,7 +103,7 @@ DefaultContent getDefaultContent(long contentType) {
 }
 
 long mapPriority(long value) {
-    // Index 2 and value 2 both land on 0; it stays so.
+    // Required: index 2 and value 2 both land on 0.
     return value == 0 ? 2 : value == 1 ? 1 : 0;
 }
 
@@ -105,7 +111,8 @@ void makeInitialDatabaseChanges() {
     core::procedure(module, "makeInitialDatabaseChanges", [&](Frame& frame) {
         const auto fill = [&](const char* setting, auto makeDefault) {
             frame.step([&] {
-                if (getConfigurationSetting(setting).empty())
+                // One that could not be read is none that is empty.
+                if (readConfigurationSetting(setting) == "")
                     setConfigurationSetting(setting, makeDefault());
             });
         };

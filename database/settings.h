@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,6 +13,8 @@ long getLastKey(std::string_view tableName, std::string_view keyField);
 
 // A setting's text; empty when there is no row.
 std::string getConfigurationSetting(std::string_view settingName);
+// The same; nothing when the database could not be read.
+std::optional<std::string> readConfigurationSetting(std::string_view settingName);
 void setConfigurationSetting(std::string_view settingName, std::string_view value);
 
 // Default content of a new event: a file name for 1 (voice), "Subject" and "Body" for 3 (e-mail), nothing

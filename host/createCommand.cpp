@@ -55,6 +55,9 @@ int createCommand(Arguments& arguments) {
     const std::string folder = arguments.take("DIR");
     arguments.finish();
 
+    // The registry and the shortcuts hold command lines with this name between quotes.
+    if (folder.find_first_of("\"\n\r") != std::string::npos)
+        throw UsageError("a host's folder has neither quotes nor line ends in its name");
     host::createHost(folder, options);
     const std::filesystem::path root = std::filesystem::absolute(folder).lexically_normal();
     std::printf("Made a host of version %s in %s.\n", version.c_str(), root.c_str());

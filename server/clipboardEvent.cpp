@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "core/procedure.h"
-#include "server/lowered.h"
+#include "platform/machine/caseFold.h"
 
 namespace mdlUtility {
 
@@ -65,7 +65,7 @@ bool checkEventFromClipboardText(std::string_view text, std::string& source, std
         const std::optional<std::string> type = valueOf((*lines)[typeLine]);
         if (!type)
             return;
-        eventType = typeOfWord(lowered(*type));
+        eventType = typeOfWord(platform::foldCase(*type));
         std::optional<std::string> found = valueOf((*lines)[sourceLine]);
         if (!found)
             return;

@@ -7,7 +7,7 @@
 #include "core/procedure.h"
 #include "core/state.h"
 #include "platform/ado/ado.h"
-#include "server/lowered.h"
+#include "platform/machine/caseFold.h"
 
 namespace mdlUtility {
 
@@ -45,7 +45,7 @@ void addFromTable(core::Frame& frame, SourceNames& sources, bool lowerCase) {
     while (!atEnd) {
         frame.step([&] {
             const std::string name = rows.text("EventSource");
-            sources.add(lowerCase ? lowered(name) : name);
+            sources.add(lowerCase ? platform::foldCase(name) : name);
         });
         frame.step([&] {
             rows.moveNext();
@@ -61,9 +61,9 @@ void addFromRegistry(core::Frame& frame, SourceNames& sources, const std::string
     for (const std::string& name : names) {
         bool listed = false;
         frame.step([&] { listed = hasMessageFile(std::string(path).append("\\").append(name)); });
-        if (!listed || (corvaneOnly && lowered(name).find(corvanePrefix) == std::string::npos))
+        if (!listed || (corvaneOnly && platform::foldCase(name).find(corvanePrefix) == std::string::npos))
             continue;
-        frame.step([&] { sources.add(lowerCase ? lowered(name) : name); });
+        frame.step([&] { sources.add(lowerCase ? platform::foldCase(name) : name); });
     }
 }
 
@@ -92,7 +92,7 @@ bool isValidEventSource(std::string_view name) {
     return core::procedure(moduleName, "isValidEventSource", false, [&](core::Frame& frame, bool& result) {
         frame.step([&] {
             const auto sources = getEventSources(core::gCorvaneFourOrLater, false, true);
-            result = std::ranges::find(sources, lowered(name)) != sources.end();
+            result = std::ranges::find(sources, platform::foldCase(name)) != sources.end();
         });
     });
 }

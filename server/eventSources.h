@@ -9,7 +9,7 @@ namespace mdlUtility {
 
 // Source names in the order found, each once. From the registry's Application and System logs, or, when
 // `useRegistry` is false, from the table 31Sources. `corvaneOnly` keeps the names that contain
-// "meridanecorvane_" (registry only); `lowerCase` folds the names (ASCII).
+// "meridanecorvane_" (registry only); `lowerCase` folds the names.
 std::vector<std::string> getEventSources(bool useRegistry, bool corvaneOnly, bool lowerCase);
 // True when the source's registry key names an event or category message file.
 bool hasMessageFile(std::string_view keyPath);

@@ -50,7 +50,8 @@ void removeKTNShortcuts() {
         const std::filesystem::path folder = platform::host::menuFolder() / "Corvane";
         std::vector<platform::files::Entry> files;
         frame.step([&] {
-            if (platform::files::folderExists(folder))
+            // A link there leads to somebody else's files.
+            if (platform::files::isOwnFolder(folder.parent_path()) && platform::files::isOwnFolder(folder))
                 files = platform::files::listFiles(folder);
         });
         for (const auto& file : files) {

@@ -16,11 +16,15 @@ constexpr char directory[] =
 
 bool openCorvaneDB(platform::Connection& connection) {
     return core::procedure(moduleName, "openCorvaneDB", false, [&](core::Frame& frame, bool& result) {
-        // A connection that was open already is no success of this call; it stays so.
+        // Required: a connection that was open already is no success of this call.
         if (connection.state() != platform::ObjectState::closed)
             return;
-        frame.step([&] { connection.open(directory); });
         frame.step([&] {
+            try {
+                connection.open(directory);
+            } catch (const platform::Failure&) {  // NOLINT(bugprone-empty-catch)
+                // The connection keeps it among its errors, and one line tells of all of them.
+            }
             if (!connection.errors().empty())
                 throw platform::Failure(notConnected, "Error connecting to CorvaneDB.", frame.tag());
             result = true;

@@ -6,9 +6,9 @@
 #include "core/modLocalize.h"
 #include "core/procedure.h"
 #include "platform/files/files.h"
+#include "platform/machine/caseFold.h"
 #include "platform/machine/host.h"
 #include "platform/prompts.h"
-#include "server/lowered.h"
 
 namespace mdlUtility {
 
@@ -25,6 +25,22 @@ bool isBareName(const std::string& name) {
     constexpr std::string_view notInNames("/\\\0", 3);
     return !name.empty() && name != "." && name != ".." && name.size() <= NAME_MAX &&
            name.find_first_of(notInNames) == std::string::npos;
+}
+
+// The database, its template, its backups and what the engine keeps beside them: nothing that is chosen here
+// may take their place.
+bool isOfTheDatabase(const std::string& name) {
+    const std::string folded = platform::foldCase(name);
+    return folded.starts_with("qlndb") && folded.find(".mdb") != std::string::npos;
+}
+
+// Also when one of them is reached by way of a link.
+bool isSameFolder(const std::filesystem::path& a, const std::filesystem::path& b) {
+    std::error_code ignored;
+    // Required: compared without case, as the service finds its folder, though another folder could bear such
+    // a name here.
+    return platform::foldCase(a.string()) == platform::foldCase(b.string()) ||
+           std::filesystem::equivalent(a, b, ignored);
 }
 
 enum class Clash { overwrite, rename, cancel };
@@ -47,7 +63,7 @@ Clash askAboutClash(const std::string& name) {
 // is none of a file is asked for anew.
 std::optional<std::string> settleName(const std::filesystem::path& folder, std::string name) {
     for (;;) {
-        if (isBareName(name)) {
+        if (isBareName(name) && !isOfTheDatabase(name)) {
             if (!files::entryExists(folder / name))
                 return name;
             const Clash clash = askAboutClash(name);
@@ -77,9 +93,7 @@ std::string copyFileToDatabaseDirectory(const std::filesystem::path& path) {
             return;
         const std::filesystem::path folder = databaseFolder();
         const std::string name = path.filename().string();
-        // Compared without case, as the service finds its folder: required, though
-        // another folder could bear such a name here.
-        if (lowered(path.parent_path().string()) == lowered(folder.string())) {
+        if (isSameFolder(path.parent_path(), folder) && !isOfTheDatabase(name)) {
             stored = name;
             return;
         }

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "host/eventViewer/eventText.h"
+#include "platform/failure.h"
 
 namespace viewer {
 
@@ -29,34 +30,72 @@ QIcon iconOf(std::size_t typeIndex) {
 
 EventModel::EventModel(const Texts& texts, QObject* parent) : QAbstractTableModel(parent), texts_(texts) {}
 
-void EventModel::setEvents(std::vector<platform::EventRecord> events) {
+void EventModel::setLog(std::optional<platform::EventLogPages> log) {
     beginResetModel();
-    events_ = std::move(events);
-    chooseRows();
+    events_.clear();
+    shown_.clear();
+    log_ = std::move(log);
     endResetModel();
+    fetchMore();
 }
 
 void EventModel::setTypeShown(std::optional<std::size_t> typeIndex) {
     beginResetModel();
     typeShown_ = typeIndex;
-    chooseRows();
+    shown_.clear();
+    for (std::size_t i = 0; i < events_.size(); ++i)
+        if (isShown(events_[i]))
+            shown_.push_back(i);
     endResetModel();
+    if (shown_.empty() && canFetchMore())
+        fetchMore();
 }
 
-void EventModel::chooseRows() {
-    shown_.clear();
-    for (std::size_t place = events_.size(); place-- > 0;)
-        if (!typeShown_ || typeIndex(events_[place].type) == *typeShown_)
-            shown_.push_back(place);
+bool EventModel::isShown(const platform::PlacedEvent& event) const {
+    return !typeShown_ || typeIndex(event.record.type) == *typeShown_;
+}
+
+bool EventModel::canFetchMore(const QModelIndex& parent) const {
+    return !parent.isValid() && log_ && log_->hasEarlier();
+}
+
+void EventModel::fetchMore(const QModelIndex&) {
+    constexpr int mostPages = 8;
+    std::vector<std::size_t> more;
+    for (int page = 0; page < mostPages && more.empty() && canFetchMore(); ++page)
+        more = readEarlier();
+    if (more.empty())
+        return;
+    const int first = rowCount();
+    beginInsertRows({}, first, first + static_cast<int>(more.size()) - 1);
+    shown_.insert(shown_.end(), more.begin(), more.end());
+    endInsertRows();
+}
+
+// Indexes of those of the page's events that are to be shown.
+std::vector<std::size_t> EventModel::readEarlier() {
+    std::vector<std::size_t> more;
+    try {
+        for (platform::PlacedEvent& event : log_->earlier()) {
+            if (isShown(event))
+                more.push_back(events_.size());
+            events_.push_back(std::move(event));
+        }
+    } catch (const platform::Failure&) {
+        log_.reset();  // a log that cannot be read on ends here; the next refresh tells why
+    }
+    return more;
 }
 
 const platform::EventRecord& EventModel::eventAt(int row) const {
-    return events_[place(row)];
+    return events_[shown_[static_cast<std::size_t>(row)]].record;
 }
 
-int EventModel::rowOf(std::size_t place) const {
-    const auto found = std::ranges::lower_bound(shown_, place, std::greater<>());
-    return found != shown_.end() && *found == place ? static_cast<int>(found - shown_.begin()) : -1;
+int EventModel::rowOf(std::uint64_t place) const {
+    const auto found = std::ranges::lower_bound(shown_, place, std::greater<>(),
+                                                [this](std::size_t index) { return events_[index].place; });
+    return found != shown_.end() && events_[*found].place == place ? static_cast<int>(found - shown_.begin())
+                                                                   : -1;
 }
 
 bool EventModel::contains(int row, const QString& text) const {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "host/viewer/texts.h"
-#include "platform/machine/eventLog.h"
+#include "platform/machine/eventLogPages.h"
 
 namespace viewer {
 
@@ -16,15 +16,18 @@ class EventModel : public QAbstractTableModel {
   public:
     explicit EventModel(const Texts& texts, QObject* parent = nullptr);
 
-    // The log's records, oldest first, and the one type to show, if only one.
-    void setEvents(std::vector<platform::EventRecord> events);
+    // Shows a log from its end on; more of it is read as rows are asked for. Nothing without a log. Raises
+    // the failure of reading it.
+    void setLog(std::optional<platform::EventLogPages> log);
+    // The one type to show, if only one.
     void setTypeShown(std::optional<std::size_t> typeIndex);
 
     const platform::EventRecord& eventAt(int row) const;
-    // Number of the row's record in its log, from the oldest on; it stays while the log grows.
-    std::size_t place(int row) const { return shown_[static_cast<std::size_t>(row)]; }
-    // Row of a record by its number; -1 when it is not shown.
-    int rowOf(std::size_t place) const;
+    // Place of the row's record in its log; it stays while the log grows.
+    std::uint64_t place(int row) const { return events_[shown_[static_cast<std::size_t>(row)]].place; }
+    // Row of a record by its place; -1 when it is not shown.
+    int rowOf(std::uint64_t place) const;
+    // Records that were read so far.
     std::size_t eventCount() const { return events_.size(); }
     // True when a column or the description contains the text, without regard to case.
     bool contains(int row, const QString& text) const;
@@ -33,13 +36,18 @@ class EventModel : public QAbstractTableModel {
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    bool canFetchMore(const QModelIndex& parent = {}) const override;
+    // Reads on until there is another row to show, at most some megabytes.
+    void fetchMore(const QModelIndex& parent = {}) override;
 
   private:
-    void chooseRows();
+    bool isShown(const platform::PlacedEvent& event) const;
+    std::vector<std::size_t> readEarlier();
 
     const Texts& texts_;
-    std::vector<platform::EventRecord> events_;
-    std::vector<std::size_t> shown_;
+    std::optional<platform::EventLogPages> log_;
+    std::vector<platform::PlacedEvent> events_;  // the newest first
+    std::vector<std::size_t> shown_;             // indexes into events_
     std::optional<std::size_t> typeShown_;
 };
 

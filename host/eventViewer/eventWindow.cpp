@@ -135,6 +135,7 @@ void EventWindow::connectControls() {
     connect(comboType_, &QComboBox::currentIndexChanged, this, [this] { chooseType(); });
     connect(cmdRefresh_, &QPushButton::clicked, this, [this] { refresh(); });
     connect(cmdCopy_, &QPushButton::clicked, this, [this] { copyEvent(); });
+    connect(model_, &QAbstractItemModel::rowsInserted, this, [this] { showDetails(); });
     connect(tableEvents_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this] { showDetails(); });
     connect(new QShortcut(Qt::Key_F5, this), &QShortcut::activated, this, [this] { refresh(); });
@@ -159,12 +160,16 @@ void EventWindow::refresh() {
     const int row = currentRow();
     const bool chosen = row >= 0;
     const bool wasEmpty = model_->rowCount() == 0;
-    const std::size_t place = chosen ? model_->place(row) : 0;
+    const std::uint64_t place = chosen ? model_->place(row) : 0;
     statusBar()->clearMessage();
     try {
-        model_->setEvents(platform::readEvents(comboLog_->currentIndex() == 0 ? "Application" : "System"));
+        model_->setLog(platform::EventLogPages(comboLog_->currentIndex() == 0 ? "Application" : "System"));
+        // The chosen event may lie beyond the first page.
+        while (chosen && model_->rowOf(place) < 0 && model_->canFetchMore() &&
+               model_->place(model_->rowCount() - 1) > place)
+            model_->fetchMore();
     } catch (const platform::Failure& failure) {
-        model_->setEvents({});
+        model_->setLog({});
         statusBar()->showMessage(
             QString(texts_.cannotRead).arg(QString::fromStdString(failure.description())));
     }
@@ -193,7 +198,8 @@ void EventWindow::showDetails() {
     txtDetails_->setPlainText(
         row < 0 ? QString()
                 : QString::fromStdString(copiedText(model_->eventAt(row), texts_)).replace("\t\t", "\t"));
-    lblCount_->setText(QString(texts_.count).arg(model_->rowCount()).arg(model_->eventCount()));
+    const QString read = QString::number(model_->eventCount()) + (model_->canFetchMore() ? "+" : "");
+    lblCount_->setText(QString(texts_.count).arg(model_->rowCount()).arg(read));
 }
 
 void EventWindow::copyEvent() {
@@ -205,11 +211,13 @@ void EventWindow::copyEvent() {
 }
 
 bool EventWindow::find(const QString& text, bool backwards) {
-    const int rows = model_->rowCount();
-    const int step = backwards ? rows - 1 : 1;
     int row = std::max(currentRow(), 0);
-    for (int i = 0; i < rows; ++i) {
-        row = (row + step) % rows;
+    for (int i = 0; i < model_->rowCount(); ++i) {
+        // Older events than those that were read so far are looked through too before the search begins anew.
+        if (!backwards && row + 1 == model_->rowCount() && model_->canFetchMore())
+            model_->fetchMore();
+        const int rows = model_->rowCount();
+        row = (row + (backwards ? rows - 1 : 1)) % rows;
         if (model_->contains(row, text)) {
             tableEvents_->setCurrentIndex(model_->index(row, 0));
             return true;

@@ -4,8 +4,10 @@
 #include "host/viewer/showViewer.h"
 #include "ui/base/appearance.h"
 
-int main(int argc, char** argv) {
-    QApplication application(argc, argv);
+int main(int, char** argv) {
+    // The toolkit gets none of the arguments: it would obey some of them.
+    int ownName = 1;
+    QApplication application(ownName, argv);
     ui::applyAppearance();
     viewer::EventWindow window(viewer::userLanguage());
     return viewer::showViewer(window);

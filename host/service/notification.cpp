@@ -5,6 +5,7 @@
 #include <cctype>
 #include <utility>
 
+#include "platform/machine/caseFold.h"
 #include "platform/machine/clock.h"
 
 namespace service {
@@ -13,11 +14,6 @@ namespace {
 
 enum Device : long { voiceMail = 1, pager, email, smtpAddress, snmpTrap, syslog, failover };
 enum ContentType : long { voiceContent = 1, emailContent = 3 };
-
-std::string lowered(std::string text) {
-    std::ranges::transform(text, text.begin(), [](unsigned char c) { return std::tolower(c); });
-    return text;
-}
 
 std::string textOf(const platform::Recordset& row, const char* field) {
     return row.isNull(field) ? std::string() : row.text(field);
@@ -131,14 +127,14 @@ bool matches(const MonitoredEvent& event, const platform::EventRecord& record,
     // The types of records are numbered as the severities are, the gravest first.
     if (record.type > event.severity || (event.id != -1 && event.id != static_cast<long>(record.id)))
         return false;
-    const std::string source = lowered(record.source);
+    const std::string source = platform::foldCase(record.source);
     if (!event.collection)
-        return source == lowered(event.source);
-    if (!source.starts_with(lowered(event.source) + "_"))
+        return source == platform::foldCase(event.source);
+    if (!source.starts_with(platform::foldCase(event.source) + "_"))
         return false;
     for (auto row = select("SELECT EventSource, EventId FROM Exclusions", database); !row.EOF_();
          row.moveNext())
-        if (lowered(textOf(row, "EventSource")) == source &&
+        if (platform::foldCase(textOf(row, "EventSource")) == source &&
             (numberOf(row, "EventId") == -1 || numberOf(row, "EventId") == static_cast<long>(record.id)))
             return false;
     return true;

@@ -12,7 +12,7 @@ namespace viewer {
 class GrowingFile {
   public:
     // Of a larger file the last `mostBytes` are read.
-    explicit GrowingFile(std::filesystem::path path, std::uint64_t mostBytes = 64ull << 20);
+    explicit GrowingFile(std::filesystem::path path, std::uint64_t mostBytes = 8ull << 20);
 
     struct News {
         std::string bytes;

@@ -18,7 +18,9 @@ int refuse(const viewer::Texts& texts, const QString& reason) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    QApplication application(argc, argv);
+    // The toolkit gets none of the arguments: it would obey some of them.
+    int ownName = 1;
+    QApplication application(ownName, argv);
     ui::applyAppearance();
     const viewer::Language language = viewer::userLanguage();
     const viewer::Texts& texts = viewer::texts(language);

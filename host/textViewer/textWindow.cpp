@@ -30,6 +30,9 @@ TextWindow::TextWindow(const std::filesystem::path& file, Language language)
     txtFile_->setAccessibleName(QString::fromStdString(file.filename().string()));
     txtFile_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     txtFile_->setReadOnly(true);
+    // The oldest lines give way, however long the window stays open.
+    constexpr int mostLines = 200'000;
+    txtFile_->setMaximumBlockCount(mostLines);
     txtFile_->setUndoRedoEnabled(false);
     txtFile_->setLineWrapMode(QPlainTextEdit::NoWrap);
     txtFile_->setTabChangesFocus(true);

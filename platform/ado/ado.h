@@ -59,6 +59,9 @@ class Connection {
         return handle_ || server_ ? ObjectState::open : ObjectState::closed;
     }
     const std::vector<Failure>& errors() const noexcept { return errors_; }
+    // What the engine finds wrong with the open file, in its words; empty when nothing is, or when the file
+    // is locked past the timeout. Takes some 10 ms for a megabyte. Raises 3709 when closed.
+    std::string damage() const;
 
     // For this layer: the engine's handle (raises 3709 when closed, 3251 on a server, which is only read),
     // the server that a directory is on, the file's name for messages, whether failures are numbered as the

@@ -111,6 +111,14 @@ void runSetting(sqlite3* handle, const char* statement, const std::string& file)
         throw describe(code, engineText(handle, code), file, false, {});
 }
 
+// False when the file is locked past the timeout. That fails no open, since each statement waits for itself.
+bool runUnlessLocked(sqlite3* handle, const char* statement, const std::string& file) {
+    const int code = sqlite3_exec(handle, statement, nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK && (code & 0xff) != SQLITE_BUSY)
+        throw describe(code, engineText(handle, code), file, false, {});
+    return code == SQLITE_OK;
+}
+
 void switchSetting(sqlite3* handle, int setting, int value, const std::string& file) {
     const int code = sqlite3_db_config(handle, setting, value, nullptr);
     if (code != SQLITE_OK)
@@ -198,13 +206,18 @@ Engine openEngine(const std::string& file, bool readOnly) {
     switchSetting(opened, SQLITE_DBCONFIG_DQS_DDL, 0, file);
     switchSetting(opened, SQLITE_DBCONFIG_DQS_DML, 0, file);
     runSetting(opened, "PRAGMA cell_size_check = ON", file);
-    runSetting(opened, "PRAGMA synchronous = FULL", file);
-    runSetting(opened, "SELECT count(*) FROM sqlite_master", file);
+    // Full synchronisation and the rollback journal are what the engine does of itself; the settings below
+    // hold it to that, and need the file.
+    if (runUnlessLocked(opened, "SELECT count(*) FROM sqlite_master", file))
+        runUnlessLocked(opened, "PRAGMA synchronous = FULL", file);
     return engine;
 }
 
 Engine openDatabase(const std::string& file, bool readOnly) {
     std::error_code ignored;
+    // The engine would wait for a pipe's other end.
+    if (std::filesystem::exists(file, ignored) && !std::filesystem::is_regular_file(file, ignored))
+        throw describe(SQLITE_CANTOPEN, "no ordinary file", file, false, {});
     // The engine counts one byte as none.
     if (std::filesystem::file_size(file, ignored) <= 1)
         throw describe(SQLITE_NOTADB, sqlite3_errstr(SQLITE_NOTADB), file, false, {});
@@ -240,7 +253,7 @@ void Connection::open(const std::string& connectionString) {
             // Room for a large directory, which a search for everybody sorts as a whole.
             runSetting(engine.get(), "PRAGMA cache_size = -32768", fileName_);
         } else if (sqlite3_db_readonly(engine.get(), "main") == 0) {
-            runSetting(engine.get(), "PRAGMA journal_mode = DELETE", fileName_);
+            runUnlessLocked(engine.get(), "PRAGMA journal_mode = DELETE", fileName_);
         }
         statements_ = std::make_shared<ado::StatementCache>();
         handle_ = engine.release();
@@ -256,6 +269,19 @@ void Connection::close() noexcept {
     statements_.reset();
     ado::EngineClose()(std::exchange(handle_, nullptr));
     server_.reset();
+}
+
+std::string Connection::damage() const {
+    sqlite3_stmt* prepared = nullptr;
+    const int code = sqlite3_prepare_v2(handle(), "PRAGMA quick_check(1)", -1, &prepared, nullptr);
+    const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> statement(prepared, &sqlite3_finalize);
+    const int step = code == SQLITE_OK ? sqlite3_step(prepared) : code;
+    if ((step & 0xff) == SQLITE_BUSY)
+        return {};
+    if (step != SQLITE_ROW)
+        return engineText(handle(), step);
+    const auto* found = reinterpret_cast<const char*>(sqlite3_column_text(prepared, 0));
+    return found && std::string_view(found) != "ok" ? found : std::string();
 }
 
 sqlite3* Connection::handle() const {

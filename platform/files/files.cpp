@@ -19,9 +19,13 @@ namespace fs = std::filesystem;
 namespace {
 
 Descriptor openForReading(const Path& path) {
-    Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!file)
+    // What is no ordinary file is refused and not waited for: a pipe would be, for ever.
+    Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (!file || ::fstat(file.get(), &status) != 0)
         throw failureFromErrno(errno, path.string());
+    if (!S_ISREG(status.st_mode))
+        throw makeFailure(pathFileAccessError, path.string() + " is no ordinary file");
     return file;
 }
 
@@ -64,6 +68,7 @@ class Replacement {
         if (!folder_)
             fail(errno);
         file_ = create();
+        keepOwner();
         if (::fchmod(file_.get(), mode) != 0)
             fail(errno);
     }
@@ -112,6 +117,19 @@ class Replacement {
             fail(errno);
         return file;
     }
+    // The superuser's files in somebody else's folder would lock the owner out: what is replaced keeps its
+    // owner, and what is new belongs to the folder's.
+    void keepOwner() const {
+        if (::geteuid() != 0)
+            return;
+        struct stat owner {};
+        const bool replaced = ::fstatat(folder_.get(), name_.c_str(), &owner, AT_SYMLINK_NOFOLLOW) == 0 &&
+                              S_ISREG(owner.st_mode);
+        if (!replaced && ::fstat(folder_.get(), &owner) != 0)
+            return;
+        if (::fchown(file_.get(), owner.st_uid, owner.st_gid) != 0)
+            fail(errno);
+    }
     [[noreturn]] void fail(int error) const { throw failureFromErrno(error, target_.string()); }
 
     Path target_;
@@ -139,11 +157,28 @@ bool entryExists(const Path& path) noexcept {
     return fs::exists(fs::symlink_status(path, error));
 }
 
+bool isOwnFolder(const Path& path) noexcept {
+    struct stat folder {};
+    struct stat above {};
+    return ::lstat(path.c_str(), &folder) == 0 && S_ISDIR(folder.st_mode) &&
+           ::stat(folderOf(path).c_str(), &above) == 0 &&
+           (folder.st_uid == ::geteuid() || folder.st_uid == above.st_uid);
+}
+
+void requireOwnFolder(const Path& path) {
+    if (!isOwnFolder(path))
+        throw makeFailure(permissionDenied, path.string() + " is no folder of its owner's own");
+}
+
 void createFolder(const Path& path) {
     requireWritable(folderOf(path));
     if (::mkdir(path.c_str(), 0700) != 0)
         throw errno == ENOENT ? makeFailure(pathNotFound, path.string())
                               : failureFromErrno(errno, path.string());
+    struct stat above {};
+    if (::geteuid() == 0 && ::stat(folderOf(path).c_str(), &above) == 0 &&
+        ::lchown(path.c_str(), above.st_uid, above.st_gid) != 0)
+        throw failureFromErrno(errno, path.string());
 }
 
 void copyFile(const Path& source, const Path& target) {

@@ -19,7 +19,14 @@ bool folderExists(const Path& path) noexcept;
 // True when the name is taken by anything at all; a link counts as itself, also one that leads nowhere.
 bool entryExists(const Path& path) noexcept;
 
-// Creates one folder with mode 0700. Raises 58 when it exists, 76 when the parent does not.
+// True for a folder that is no link and belongs to this user or to the owner of the folder that it lies in:
+// what is written and deleted there is not somebody else's.
+bool isOwnFolder(const Path& path) noexcept;
+// Raises 70 with the folder's name when it is not.
+void requireOwnFolder(const Path& path);
+
+// Creates one folder with mode 0700; one that the superuser makes belongs to the owner of the folder that it
+// lies in. Raises 58 when it exists, 76 when the parent does not.
 void createFolder(const Path& path);
 
 // Copies file to file, overwriting: written beside the target, synced, renamed, so that a copy that fails

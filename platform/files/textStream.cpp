@@ -1,6 +1,7 @@
 #include "platform/files/textStream.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -13,9 +14,15 @@ namespace platform {
 
 void TextStream::open(const std::filesystem::path& path) {
     close();
-    file_ = Descriptor(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
-    if (!file_)
+    // A pipe without a reader is refused at once instead of waited for.
+    file_ = Descriptor(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600));
+    struct stat status {};
+    if (!file_ || ::fstat(file_.get(), &status) != 0)
         throw failureFromErrno(errno, path.string());
+    if (!S_ISREG(status.st_mode) && !S_ISCHR(status.st_mode)) {
+        close();
+        throw makeFailure(pathFileAccessError, path.string() + " is no file that can be written");
+    }
 }
 
 void TextStream::close() noexcept {

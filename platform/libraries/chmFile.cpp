@@ -28,10 +28,12 @@ std::string keyOf(std::string_view name) {
 }
 
 std::vector<std::uint8_t> readBytes(const std::filesystem::path& file) {
+    std::error_code error;
+    if (std::filesystem::exists(file, error) && !std::filesystem::is_regular_file(file, error))
+        throw makeFailure(pathFileAccessError, file.string() + " is no ordinary file");
     std::ifstream stream(file, std::ios::binary);
     if (!stream)
         throw failureFromErrno(errno, file.string());
-    std::error_code error;
     const std::uintmax_t size = std::filesystem::file_size(file, error);
     if (error || size > longestFile)
         throw makeFailure(pathFileAccessError, file.string() + ": no file of a help file's length");

@@ -148,6 +148,16 @@ LocalTime localTime(std::chrono::system_clock::time_point moment) {
     return last->second;
 }
 
+std::chrono::system_clock::time_point daysBefore(std::chrono::system_clock::time_point moment, int days) {
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(moment);
+    std::tm parts{};
+    localtime_r(&seconds, &parts);
+    parts.tm_mday -= days;
+    parts.tm_isdst = -1;  // whatever holds on that day
+    const std::time_t earlier = std::mktime(&parts);
+    return moment - std::chrono::seconds(seconds - earlier);
+}
+
 double secondsSinceMidnight() {
     const auto now = clock().now();
     const LocalTime time = localTime(now);

@@ -34,6 +34,8 @@ Clock& clock();
 void setClock(Clock* clock);
 
 LocalTime localTime(std::chrono::system_clock::time_point moment);
+// The same time of the day so many days of the calendar earlier, also where the clocks were changed between.
+std::chrono::system_clock::time_point daysBefore(std::chrono::system_clock::time_point moment, int days);
 // Seconds since local midnight, with fractions.
 double secondsSinceMidnight();
 

@@ -24,12 +24,6 @@ namespace {
 constexpr std::size_t fieldCount = 8;
 constexpr std::uint64_t largestLog = 1ull << 30;
 
-std::filesystem::path logFile(std::string_view log) {
-    if (log != "Application" && log != "System")
-        throw makeFailure(invalidProcedureCall);
-    return host::eventLogsFolder() / (std::string(log) + ".log");
-}
-
 constexpr std::string_view specialCharacters = "\\\t\n\r";
 constexpr std::string_view escapeLetters = "\\tnr";
 
@@ -82,33 +76,11 @@ bool parseNumber(const std::string& text, Number& number) {
     return error == std::errc{} && stop == end;
 }
 
-std::optional<EventRecord> parseLine(std::string_view log, std::string_view line) {
-    std::array<std::string, fieldCount> fields;
-    for (std::size_t i = 0; i < fieldCount; ++i) {
-        const std::size_t tab = line.find('\t');
-        const bool last = i + 1 == fieldCount;
-        auto field = unescaped(line.substr(0, tab));
-        if (!field || last != (tab == std::string_view::npos))
-            return std::nullopt;
-        fields[i] = std::move(*field);
-        line.remove_prefix(last ? line.size() : tab + 1);
-    }
-    EventRecord record;
-    if (!parseNumber(fields[2], record.id) || !parseNumber(fields[3], record.type) ||
-        !parseNumber(fields[4], record.category))
-        return std::nullopt;
-    record.log = log;
-    record.time = std::move(fields[0]);
-    record.source = std::move(fields[1]);
-    record.user = std::move(fields[5]);
-    record.computer = std::move(fields[6]);
-    record.description = std::move(fields[7]);
-    return record;
-}
-
 void makeLogsFolder() {
-    if (files::folderExists(host::eventLogsFolder()))
+    if (files::folderExists(host::eventLogsFolder())) {
+        files::requireOwnFolder(host::eventLogsFolder());
         return;
+    }
     try {
         files::createFolder(host::eventLogsFolder());
     } catch (const Failure& failure) {
@@ -134,8 +106,38 @@ std::string closingOfTornLine(int file, off_t size) {
 
 }  // namespace
 
+std::filesystem::path eventLogFile(std::string_view log) {
+    if (log != "Application" && log != "System")
+        throw makeFailure(invalidProcedureCall);
+    return host::eventLogsFolder() / (std::string(log) + ".log");
+}
+
+std::optional<EventRecord> parseEventLine(std::string_view log, std::string_view line) {
+    std::array<std::string, fieldCount> fields;
+    for (std::size_t i = 0; i < fieldCount; ++i) {
+        const std::size_t tab = line.find('\t');
+        const bool last = i + 1 == fieldCount;
+        auto field = unescaped(line.substr(0, tab));
+        if (!field || last != (tab == std::string_view::npos))
+            return std::nullopt;
+        fields[i] = std::move(*field);
+        line.remove_prefix(last ? line.size() : tab + 1);
+    }
+    EventRecord record;
+    if (!parseNumber(fields[2], record.id) || !parseNumber(fields[3], record.type) ||
+        !parseNumber(fields[4], record.category))
+        return std::nullopt;
+    record.log = log;
+    record.time = std::move(fields[0]);
+    record.source = std::move(fields[1]);
+    record.user = std::move(fields[5]);
+    record.computer = std::move(fields[6]);
+    record.description = std::move(fields[7]);
+    return record;
+}
+
 void appendEvent(EventRecord record) {
-    const std::filesystem::path path = logFile(record.log);
+    const std::filesystem::path path = eventLogFile(record.log);
     if (record.time.empty())
         record.time = storedForm(localTime(clock().now()));
     if (record.computer.empty())
@@ -165,7 +167,7 @@ void appendEvent(EventRecord record) {
 std::vector<EventRecord> readEvents(std::string_view log) {
     std::string text;
     try {
-        text = files::readFile(logFile(log), largestLog);
+        text = files::readFile(eventLogFile(log), largestLog);
     } catch (const Failure& failure) {
         if (failure.number() == fileNotFound || failure.number() == pathNotFound)
             return {};
@@ -174,7 +176,7 @@ std::vector<EventRecord> readEvents(std::string_view log) {
     std::vector<EventRecord> records;
     std::string_view rest = text;
     for (std::size_t end = rest.find('\n'); end != std::string_view::npos; end = rest.find('\n')) {
-        if (auto record = parseLine(log, rest.substr(0, end)))
+        if (auto record = parseEventLine(log, rest.substr(0, end)))
             records.push_back(std::move(*record));
         rest.remove_prefix(end + 1);
     }

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,6 +27,10 @@ struct EventRecord {
 // Appends one record in one write under a lock; an empty time becomes the present, an empty computer
 // this machine. Raises the file's failure number, or 5 for a log of another name.
 void appendEvent(EventRecord record);
+// A record from its line in a log, without the line's end; nothing when it is none.
+std::optional<EventRecord> parseEventLine(std::string_view log, std::string_view line);
+// The file of a log. Raises 5 for a log of another name.
+std::filesystem::path eventLogFile(std::string_view log);
 // All whole records of a log, oldest first; a torn last line is left out. Empty when there is no log.
 std::vector<EventRecord> readEvents(std::string_view log);
 

@@ -144,6 +144,13 @@ void startProcess(const std::string& commandLine, const StartOptions& options) {
     std::vector<std::string> words = splitWords(commandLine);
     if (words.empty())
         throw makeFailure(invalidProcedureCall);
+    const std::string program = words.front();
+    words.erase(words.begin());
+    startProcess(program, std::move(words), options);
+}
+
+void startProcess(const std::string& program, std::vector<std::string> words, const StartOptions& options) {
+    words.insert(words.begin(), program);
     const fs::path file = findProgram(words.front());
     std::error_code error;
     if (file.empty() || !fs::exists(file, error))
@@ -190,6 +197,17 @@ void startDetached(const std::string& commandLine, ProgramWindow window) {
     StartOptions options;
     options.environment.push_back(windowVariable + std::string(maximized ? "maximized" : ""));
     startProcess(commandLine, options);
+}
+
+void startDetached(const std::string& program, std::vector<std::string> arguments) {
+    StartOptions options;
+    options.environment.push_back(windowVariable);
+    startProcess(program, std::move(arguments), options);
+}
+
+std::string programOf(const std::string& commandLine) {
+    const std::vector<std::string> words = splitWords(commandLine);
+    return words.empty() ? std::string() : findProgram(words.front()).string();
 }
 
 bool startedMaximized() {

@@ -22,9 +22,17 @@ void startProcess(const std::string& commandLine, const StartOptions& options);
 
 enum class ProgramWindow { normal, maximized };
 
+// The same for a program and its arguments, each as it is: nothing in an argument is read as a quote or a
+// blank.
+void startProcess(const std::string& program, std::vector<std::string> arguments,
+                  const StartOptions& options);
+
 // The same for a program with a window. `window` is a wish that a program of the host finds in its
 // environment.
 void startDetached(const std::string& commandLine, ProgramWindow window = ProgramWindow::normal);
+void startDetached(const std::string& program, std::vector<std::string> arguments);
+// The file of the program that a command line starts; empty when there is none.
+std::string programOf(const std::string& commandLine);
 // True when this program was started with the wish for a maximized window.
 bool startedMaximized();
 

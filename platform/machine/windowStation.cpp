@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "platform/files/descriptor.h"
+#include "platform/files/files.h"
 #include "platform/machine/host.h"
 
 namespace platform {
@@ -135,7 +136,7 @@ WindowStation::WindowStation(std::string_view programName) {
     // Makes the run folder of a host, never a host: that folder's parent must be there.
     ::mkdir(run.c_str(), 0700);
     const Descriptor folder = openFolder(run);
-    if (!folder)
+    if (!folder || !files::isOwnFolder(run))
         return;
     const std::string lockName = std::string(programName) + ".lock";
     Descriptor lock(

@@ -27,8 +27,10 @@ std::string foldedServiceName(std::string_view keyName) {
 }
 
 void ensureServicesFolder() {
-    if (files::folderExists(host::servicesFolder()))
+    if (files::folderExists(host::servicesFolder())) {
+        files::requireOwnFolder(host::servicesFolder());
         return;
+    }
     try {
         files::createFolder(host::servicesFolder());
     } catch (const Failure& failure) {

@@ -165,7 +165,7 @@ std::uint32_t Service::control(ServiceControl control) {
         return errorServiceNotActive;
     if (record->state != ServiceState::running)
         return errorServiceCannotAcceptControl;
-    if (signalService(*record, SIGTERM))
+    if (signalService(*record, SIGTERM, programOf(textValue(keyName_, "ImagePath"))))
         return noError;
     return errno == EPERM ? errorAccessDenied : errorServiceNotActive;
 }

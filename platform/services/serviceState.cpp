@@ -5,9 +5,11 @@
 
 #include <cerrno>
 #include <charconv>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <system_error>
 
 #include "platform/failure.h"
 #include "platform/files/descriptor.h"
@@ -117,13 +119,26 @@ void writeServiceState(std::string_view keyName, ServiceState state, long proces
                                              "\nreported=" + (reported ? "1" : "0") + '\n');
 }
 
-bool signalService(const ServiceRecord& record, int signal) {
+namespace {
+
+// Also when the file was replaced since: the system marks its name then.
+bool runs(std::uint64_t processId, const std::string& program) {
+    std::error_code error;
+    const std::string file =
+        std::filesystem::read_symlink("/proc/" + std::to_string(processId) + "/exe", error).string();
+    const std::string wanted = std::filesystem::weakly_canonical(program, error).string();
+    return !wanted.empty() && (file == wanted || file == wanted + " (deleted)");
+}
+
+}  // namespace
+
+bool signalService(const ServiceRecord& record, int signal, const std::string& program) {
     // The descriptor holds on to one process; that it is the right one is looked up through it.
     const Descriptor process(
         static_cast<int>(::syscall(SYS_pidfd_open, static_cast<pid_t>(record.processId), 0)));
     if (!process)
         return false;
-    if (!isAlive(record)) {
+    if (!isAlive(record) || (!program.empty() && !runs(record.processId, program))) {
         errno = ESRCH;
         return false;
     }

@@ -33,8 +33,9 @@ ServiceState currentState(std::string_view keyName);
 // about to start. Raises 5 for a bad name or process, and what writing a file raises.
 void writeServiceState(std::string_view keyName, ServiceState state, long processId, bool reported = true);
 
-// Sends the signal to the record's process, and to no other that may have its id by now. False when it is
-// gone or out of reach; errno says why.
-bool signalService(const ServiceRecord& record, int signal);
+// Sends the signal to the record's process, and to no other that may have its id by now. With a `program` the
+// process must be one that runs this file, for anybody could have written the record. False when it is gone,
+// out of reach, or another program; errno says why.
+bool signalService(const ServiceRecord& record, int signal, const std::string& program = {});
 
 }  // namespace platform

@@ -57,6 +57,12 @@ class Start : public ::testing::Test {
              "QLN Service not started", BoxIcon::exclamation},
             BoxAnswer::ok);
     }
+    fs::path emptyDatabase() {
+        const fs::path file = host.root() / "empty.db";
+        std::ofstream(file).flush();
+        support::run(file, "CREATE TABLE t(x); DROP TABLE t;");
+        return file;
+    }
     // Runs Main and gives the exit code if it ended the process, -1 if it came up.
     int runMain() {
         platform::WindowStation station("QLNAdmin");
@@ -113,13 +119,14 @@ TEST_F(Start, RefusesWithTheReasonWhenTheRegistryCannotBeRead) {
     EXPECT_EQ(platform::files::readFile(store), good + "[half a ke");
     fs::remove(store);
     fs::create_directory(store);
-    prompts.expect({text + "Path/File access error (" + store.string() + ")", title, BoxIcon::critical},
+    prompts.expect({text + "Path/File access error (" + store.string() + " is no ordinary file)", title, BoxIcon::critical},
                    BoxAnswer::ok);
     EXPECT_EQ(runMain(), 1);
     EXPECT_FALSE(fs::exists(host.databaseFile()));
 }
 
-// An unusable database or log is told in the log alone: the console comes up, empty, and ends orderly.
+// An unusable database is told once, an unusable log not at all: the console comes up, empty, and ends
+// orderly.
 TEST_F(Start, ComesUpWithoutAUsableDatabaseOrLog) {
     makeReady();
     const fs::path fresh = host.databaseFolder() / "QLNDB_FRESH.MDB";
@@ -128,9 +135,17 @@ TEST_F(Start, ComesUpWithoutAUsableDatabaseOrLog) {
     fs::remove(fresh);
     platform::files::writeFile(backup, "of better days");
     support::ManualClock clock;
-    const auto runWith = [&](const std::string& shape) {
+    const auto expectTrouble = [&](const std::string& reason, bool withBackup = true) {
+        prompts.expect({"The database cannot be used:\n" + host.databaseFile().string() + "\n\n" + reason +
+                            "\n\nIt was left as it is. " +
+                            (withBackup ? "The last backup is\n" + backup.string() : "There is no backup."),
+                        "QLNAdmin", BoxIcon::critical},
+                       BoxAnswer::ok);
+    };
+    const auto runWith = [&](const std::string& shape, const std::string& reason) {
         SCOPED_TRACE(shape.size());
         platform::files::writeFile(host.databaseFile(), shape);
+        expectTrouble(reason);
         expectServiceWarning();
         EXPECT_EQ(runMain(), -1);
         ASSERT_NE(gMainWindow, nullptr);
@@ -141,14 +156,18 @@ TEST_F(Start, ComesUpWithoutAUsableDatabaseOrLog) {
         delete gMainWindow;
         core::resetState();
     };
-    runWith("");
-    runWith("no database at all");
-    runWith(good.substr(0, good.size() / 2));
+    const std::string file = host.databaseFile().string();
+    runWith("", "file is not a database: " + file);
+    runWith("no database at all", "file is not a database: " + file);
+    runWith(good.substr(0, good.size() / 2), "database disk image is malformed: " + file);
+    // A database without a table.
+    runWith(platform::files::readFile(emptyDatabase()), "It is empty.");
     EXPECT_GE(host.countInLog("Err.Number = -2147467259"), 3);
     core::resetLog();
     fs::remove_all(host.programFolder() / "LOGS");
     std::ofstream(host.programFolder() / "LOGS") << "no folder";
     fs::remove(host.databaseFile());
+    expectTrouble("unable to open database file: " + file);
     expectServiceWarning();
     EXPECT_EQ(runMain(), -1) << "neither database, nor template, nor log";
     EXPECT_FALSE(fs::exists(host.databaseFile()));

@@ -254,6 +254,7 @@ TEST_F(Provision, TheToolSaysWhatItDoesNotUnderstand) {
         {"create x --version 5", "--version is 4 or 3.1, not '5'"},
         {"create x --subscribers many", "--subscribers is a whole number"},
         {"create x --colour", "unknown option --colour"},
+        {"create 'a\"b'", "neither quotes nor line ends"},
         {"registry list", "no host is named"},
     };
     unsetenv("QLN_HOST");

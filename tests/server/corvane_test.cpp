@@ -53,10 +53,9 @@ TEST_F(Corvane, VersionsCompareAsTexts) {
     EXPECT_FALSE(mdlCorvane::isVersionAtLeast(200, 0, 0, 0)) << "a number of four digits sorts by its first";
 }
 
-TEST_F(Corvane, DirectoryOpensOnceAndAFailureIsLoggedTwice) {
+TEST_F(Corvane, DirectoryOpensOnceAndAFailureIsOneLine) {
     platform::Connection connection;
     EXPECT_FALSE(mdlCorvaneDatabase::openCorvaneDB(connection));
-    EXPECT_EQ(host.countInLog("Err.Number = -2147467259 "), 1);
     EXPECT_EQ(
         host.countInLog("Err.Number = -2147220500 Err.Description = Error connecting to CorvaneDB. Line: "),
         1);
@@ -65,7 +64,7 @@ TEST_F(Corvane, DirectoryOpensOnceAndAFailureIsLoggedTwice) {
     EXPECT_TRUE(mdlCorvaneDatabase::openCorvaneDB(connection));
     EXPECT_FALSE(mdlCorvaneDatabase::openCorvaneDB(connection));
     EXPECT_EQ(connection.state(), platform::ObjectState::open);
-    EXPECT_EQ(host.countInLog("Err.Number"), 2);
+    EXPECT_EQ(host.countInLog("Err.Number"), 1);
 }
 
 TEST_F(Corvane, ViewsAreRecognisedByTheMissingColumn) {

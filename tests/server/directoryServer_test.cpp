@@ -201,7 +201,7 @@ TEST_F(DirectoryServer, AServerThatGoesAwayInTheMiddleOfASearch) {
     for (const char* dataSource : {"qln_tables", "no such source"})
         EXPECT_FALSE(openServer(again, dataSource));
     EXPECT_EQ(again.state(), platform::ObjectState::closed);
-    EXPECT_EQ(host.countInLog("Err.Number = -2147467259 "), 3);
+    EXPECT_EQ(host.countInLog("Err.Number = -2147467259 "), 1);
     EXPECT_EQ(host.countInLog("Err.Number = -2147220500 "), 2);
 }
 

@@ -79,6 +79,19 @@ TEST_F(VoiceFiles, CopiesAFreeNameAndNeverAFileOfTheFolderItself) {
     EXPECT_EQ(files(), Files{"call.wav=new"});
 }
 
+TEST_F(VoiceFiles, NothingTakesThePlaceOfTheDatabase) {
+    for (const char* name : {"QLNDB.MDB", "qlndb_bkp.mdb", "QLNDB_FRESH.MDB", "QlnDb.Mdb-journal"}) {
+        writeFile(elsewhere / name, "a song");
+        askName(name, std::nullopt);
+        EXPECT_EQ(copyFileToDatabaseDirectory(elsewhere / name), "") << name;
+    }
+    askName("QLNDB.MDB", "song.wav");
+    EXPECT_EQ(copyFileToDatabaseDirectory(elsewhere / "QLNDB.MDB"), "song.wav");
+    // By way of a link it is the folder itself: nothing is copied over itself.
+    fs::create_directory_symlink(host.databaseFolder(), elsewhere / "link");
+    EXPECT_EQ(copyFileToDatabaseDirectory(elsewhere / "link" / "song.wav"), "song.wav");
+}
+
 TEST_F(VoiceFiles, SettlesAClashInEveryWay) {
     writeFile(host.databaseFolder() / "call.wav", "old");
     writeFile(host.databaseFolder() / "taken.wav", "old");

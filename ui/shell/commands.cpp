@@ -205,8 +205,8 @@ void Commands::mnuImportEvents_Click() {
 void Commands::mnuViewCurrentLogFile_Click() {
     core::procedure(module, "mnuViewCurrentLogFile_Click", [&](core::Frame& frame) {
         frame.step([] {
-            platform::startDetached("notepad \"" + mdlDatabase::getConfigurationSetting("OutputFilePath") +
-                                    "\"");
+            // An argument of its own: a quote in what is stored must not make two of it.
+            platform::startDetached("notepad", {mdlDatabase::getConfigurationSetting("OutputFilePath")});
         });
     });
 }

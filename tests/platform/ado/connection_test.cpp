@@ -118,10 +118,15 @@ TEST_F(ConnectionTest, WaitsForALockAndThenGivesUp) {
     other.run("ROLLBACK");
     rows.update();  // what was set is still there
     other.run("BEGIN EXCLUSIVE");
+    Connection late;
+    late.open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file);
+    EXPECT_EQ(late.state(), ObjectState::open) << "a lock fails no open";
     Recordset reader;
     EXPECT_EQ(failureOf([&] { reader.open("SELECT * FROM Device", connection); }), providerError);
     EXPECT_EQ(reader.state(), ObjectState::closed);
     other.run("ROLLBACK");
+    reader.open("SELECT * FROM Device", late);
+    EXPECT_FALSE(reader.EOF_());
     EXPECT_EQ(other.read("SELECT DeviceKey FROM Device"), "1");
 }
 

@@ -229,6 +229,7 @@ TEST_F(Files, OrdinaryUsersMeetPermissions) {
     };
     // What belongs to somebody else shows no missing bit beforehand: the system refuses.
     createFolder(at("foreign"));
+    ASSERT_EQ(::chown(at("foreign").c_str(), ::geteuid(), static_cast<gid_t>(-1)), 0);
     ::chmod(at("foreign").c_str(), 0755);
     if (owner != ::geteuid()) {
         denied.push_back([&] { writeFile(at("foreign/new"), "x"); });

@@ -85,6 +85,27 @@ TEST(Clock, WhatIsNoMomentIsRefused) {
         EXPECT_EQ(read(text), "no") << text;
 }
 
+TEST(Clock, DaysAreDaysOfTheCalendar) {
+    ::setenv("TZ", "Europe/Berlin", 1);
+    ::tzset();
+    platform::LocalTime time{};
+    for (const auto& [moment, before] : {std::pair("2026-11-10 12:30:00", "2026-10-11 12:30:00"),
+                                         {"2026-04-10 12:30:00", "2026-03-11 12:30:00"}}) {
+        ASSERT_TRUE(platform::parseMoment(moment, time));
+        std::tm parts{};
+        parts.tm_year = time.year - 1900;
+        parts.tm_mon = time.month - 1;
+        parts.tm_mday = time.day;
+        parts.tm_hour = time.hour;
+        parts.tm_min = time.minute;
+        parts.tm_isdst = -1;
+        const auto now = std::chrono::system_clock::from_time_t(std::mktime(&parts));
+        EXPECT_EQ(platform::storedForm(platform::localTime(platform::daysBefore(now, 30))), before);
+    }
+    ::unsetenv("TZ");
+    ::tzset();
+}
+
 TEST(Clock, ReplacedClockRulesUntilItGoes) {
     std::tm parts{};
     parts.tm_year = 126;
@@ -134,6 +155,8 @@ TEST_F(ProcessStart, WordsArriveAsTheyWereQuoted) {
     EXPECT_EQ(given(), "7\n<-s><two words><><ab cd><'x><y'><$HOME;*>");
     platform::startDetached("\"" + (host.programFolder() / "Viewer").string() + "\" \"open");
     EXPECT_EQ(given(), "1\n<open>");
+    platform::startDetached("viewer", {"a\" -platformpluginpath /x \"b"});
+    EXPECT_EQ(given(), "1\n<a\" -platformpluginpath /x \"b>") << "an argument stays one";
     EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
     EXPECT_EQ(errno, ECHILD) << "nobody has to wait for the program";
 }
