@@ -29,9 +29,20 @@ class RefuseClosing : public QObject {
     }
 };
 
+int waits = 0;
+
+class CountedWait {
+  public:
+    CountedWait() { ++waits; }
+    ~CountedWait() { --waits; }
+    CountedWait(const CountedWait&) = delete;
+    CountedWait& operator=(const CountedWait&) = delete;
+};
+
 void paintUntil(Clock::time_point deadline, const std::function<bool()>& done) {
     constexpr milliseconds pause(15);
     const RefuseClosing shield;
+    const CountedWait counted;
     for (;;) {
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
         const auto rest = deadline - Clock::now();
@@ -43,6 +54,10 @@ void paintUntil(Clock::time_point deadline, const std::function<bool()>& done) {
 
 }  // namespace
 
+bool isWaitingPainted() {
+    return waits > 0;
+}
+
 void waitPainting(milliseconds duration) {
     paintUntil(Clock::now() + duration, [] { return false; });
 }
@@ -52,6 +67,7 @@ void paintBeforeGoingOn(QWidget& window) {
     paintUntil(Clock::now() + longest,
                [&] { return window.windowHandle() && window.windowHandle()->isExposed(); });
     window.repaint();
+    const CountedWait counted;
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 

@@ -13,4 +13,7 @@ void waitPainting(std::chrono::milliseconds duration);
 // Returns when the window, just shown, is painted on the screen, after half a second at most.
 void paintBeforeGoingOn(QWidget& window);
 
+// True while one of these waits: no input reaches a window.
+bool isWaitingPainted();
+
 }  // namespace ui

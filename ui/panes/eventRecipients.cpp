@@ -4,6 +4,7 @@
 #include <QPushButton>
 
 #include "database/addressDetails.h"
+#include "database/events.h"
 #include "database/recipients.h"
 #include "ui/base/controls.h"
 #include "ui/base/text.h"
@@ -65,10 +66,15 @@ void EventRecipients::blank() {
 bool EventRecipients::edit(long eventKey, const std::string& eventName) {
     auto& dialog = ui::sharedDialog<dlgEditRecipients>(*window());
     dialog.displayForm(eventKey, eventName);
-    if (dialog.cancelled)
+    if (dialog.cancelled || isEventGone(eventKey))
         return false;
     mdlDatabase::addRecipientToEvent(eventKey, dialog.selectedDevices, true);
     return true;
+}
+
+bool EventRecipients::isEventGone(long eventKey) {
+    const platform::Recordset event = mdlDatabase::getEvent(eventKey);
+    return event.state() == platform::ObjectState::open && event.EOF_();
 }
 
 void EventRecipients::assignFirst(core::Frame& frame, long eventKey, const std::string& eventName) {

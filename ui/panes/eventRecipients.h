@@ -26,8 +26,10 @@ class EventRecipients : public QGroupBox {
     void blank();
     void controlInit();
 
-    // Lets the administrator choose anew whom the event goes to, under the event's name; nothing on Cancel.
-    // True when it was written.
+    // True when the database can be read and holds no such event.
+    static bool isEventGone(long eventKey);
+    // Lets the administrator choose anew whom the event goes to, under the event's name; nothing on Cancel
+    // and for an event that is gone meanwhile. True when it was written.
     bool edit(long eventKey, const std::string& eventName);
     // The same for an event that nobody is on; a first recipient is created when there is none.
     void assignFirst(core::Frame& frame, long eventKey, const std::string& eventName);

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "core/classLog.h"
 #include "core/modLocalize.h"
 #include "core/state.h"
 #include "database/assignment.h"
@@ -349,6 +350,14 @@ void paneEventDetails::save() {
 
 void paneEventDetails::saveEventDataChanges(long eventKey, bool silent) {
     core::procedure(module, "saveEventDataChanges", [&](core::Frame& frame) {
+        // Contents and assignments of an event that somebody else deleted would be rows that no window
+        // reaches.
+        if (EventRecipients::isEventGone(eventKey)) {
+            core::gLog().log("Not saved, because it is not in the database any more: " + nodeText_,
+                             core::logWarning, frame.tag());
+            blank();
+            return;
+        }
         const bool wasActive = mdlDatabase::isEventActive(eventKey);
         const bool active = chkActive->isChecked();
         frame.step([&] { mdlDatabase::modifyEvent(shownEvent(eventKey)); });

@@ -13,6 +13,8 @@
 #include <QtTest/QTest>
 #include <array>
 
+#include "ui/base/paintingWait.h"
+
 namespace monkey {
 
 namespace {
@@ -69,6 +71,11 @@ void Monkey::run(int inputs) {
 // The next turn is asked for first: an input may open a modal window, whose loop goes on with it. It comes a
 // moment later, when the loop of a window that the input has closed is over.
 void Monkey::step() {
+    // Nobody's input reaches a window that waits painted.
+    if (ui::isWaitingPainted()) {
+        QTimer::singleShot(moment, this, [this] { step(); });
+        return;
+    }
     if (left_-- <= 0)
         return finish();
     QTimer::singleShot(moment, this, [this] { step(); });
