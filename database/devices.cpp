@@ -119,6 +119,27 @@ Recordset openDevicesForRecipient(long recipientKey) {
         "ORDER BY Device.DeviceType");
 }
 
+std::map<long, std::vector<RecipientDevice>> devicesOfAllRecipients() {
+    Recordset rows = openForReading(
+        "SELECT Recipients.RecipientKey, Device.DeviceType, Device.DeviceAddress, Device.DeviceActive, "
+        "Device.DeviceKey, AddressDetails.DisplayName "
+        "FROM (Device INNER JOIN (Recipients INNER JOIN DeviceRecipient ON Recipients.RecipientKey = "
+        "DeviceRecipient.RecipientKey) ON Device.DeviceKey = DeviceRecipient.DeviceKey) "
+        "INNER JOIN AddressDetails ON Device.DeviceKey = AddressDetails.DeviceKey "
+        "ORDER BY Recipients.RecipientKey, Device.DeviceType, Device.DeviceKey");
+    const auto text = [&](const char* field) {
+        return rows.isNull(field) ? std::string() : rows.text(field);
+    };
+    std::map<long, std::vector<RecipientDevice>> all;
+    for (; !rows.EOF_(); rows.moveNext())
+        all[rows.number("RecipientKey")].push_back(
+            {rows.number("DeviceKey"), rows.isNull("DeviceType") ? 0 : rows.number("DeviceType"),
+             !rows.isNull("DeviceActive") && rows.boolean("DeviceActive"), text("DeviceAddress"),
+             text("DisplayName")});
+    rows.close();
+    return all;
+}
+
 long countDevices(long deviceType, std::optional<long> recipientKey) {
     return core::procedure(module, "countDevices", 0L, [&](Frame& frame, long& count) {
         const std::string type = std::to_string(deviceType);

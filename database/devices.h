@@ -2,10 +2,12 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "core/procedure.h"
 #include "database/deviceType.h"
@@ -42,6 +44,16 @@ long countDevices(long deviceType, std::optional<long> recipientKey = std::nullo
 // numbers in each of its rows.
 using DeviceCounts = std::unordered_map<long, std::array<long, failover + 1>>;
 DeviceCounts countDevicesByRecipient();
+struct RecipientDevice {
+    long key = 0;
+    long type = 0;
+    bool active = false;
+    std::string address;
+    std::string displayName;
+};
+// The devices of all recipients by their keys, each recipient's as openDevicesForRecipient orders them, in
+// one statement. Raises the engine's failures.
+std::map<long, std::vector<RecipientDevice>> devicesOfAllRecipients();
 // False, with a failure in the log, when there is no such device.
 bool isDeviceActive(long deviceKey);
 // -1 when there is no such device.

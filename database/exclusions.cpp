@@ -147,4 +147,31 @@ long getEventState(long eventKey) {
     });
 }
 
+std::set<long> eventsThatNotify() {
+    return core::procedure(module, "eventsThatNotify", std::set<long>(),
+                           [&](Frame& frame, std::set<long>& keys) {
+        frame.step([&] {
+            // Joined as getRecipientsForEvent joins.
+            Recordset rows = openForReading(
+                "SELECT DISTINCT EventDevice.EventKey AS EventKey FROM (Recipients INNER JOIN ((Device INNER "
+                "JOIN "
+                "EventDevice ON "
+                "Device.DeviceKey = EventDevice.DeviceKey) INNER JOIN DeviceRecipient ON Device.DeviceKey = "
+                "DeviceRecipient.DeviceKey) ON Recipients.RecipientKey = DeviceRecipient.RecipientKey) "
+                "INNER JOIN AddressDetails ON Device.DeviceAddress = AddressDetails.DeviceAddress "
+                "WHERE EventDevice.Active <> 0 AND Recipients.RecipientActive <> 0 AND "
+                "Recipients.RecipientKey <> -1");
+            for (; !rows.EOF_(); rows.moveNext())
+                keys.insert(rows.number("EventKey"));
+            rows.close();
+        });
+    });
+}
+
+long stateOfEvent(const Recordset& event, const std::set<long>& thatNotify) {
+    if (event.isNull("EventActive") || !event.boolean("EventActive"))
+        return 2;
+    return thatNotify.contains(event.number("EventKey")) ? 0 : 1;
+}
+
 }  // namespace mdlDatabase

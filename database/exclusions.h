@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -35,7 +36,12 @@ void replaceExclusions(const core::Dictionary<long>& exclusions);
 // counts like any other; only its recipient's state shows it.
 using EventAnalysis = std::map<std::string, long>;
 EventAnalysis analyzeEvent(long eventKey);
+// The keys of all events that somebody would be notified of: those whose counts are all above 0, in one
+// statement. Empty on failure.
+std::set<long> eventsThatNotify();
 // State as a tree icon: 0 complete, 1 incomplete, 2 inactive (which wins).
 long getEventState(long eventKey);
+// The same for a row of getEvents, whose failures it raises.
+long stateOfEvent(const platform::Recordset& event, const std::set<long>& thatNotify);
 
 }  // namespace mdlDatabase

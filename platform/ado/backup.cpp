@@ -119,7 +119,7 @@ void requireUndamaged(const ado::Engine& copy, const std::string& source) {
 }
 
 void copyPages(const std::string& source, const std::string& copy) {
-    const ado::Engine from = ado::openDatabase(source, false);
+    const ado::Engine from = ado::openDatabase(source, false, ado::WhenLocked::fails);
     const ado::Engine into = ado::openEngine(copy, false);
     // Nobody else reads the copy, and a broken one is thrown away: it needs neither journal nor syncs.
     runOn(into.get(), "PRAGMA journal_mode = MEMORY", copy);

@@ -185,7 +185,7 @@ void EngineClose::operator()(sqlite3* handle) const noexcept {
     sqlite3_close_v2(handle);
 }
 
-Engine openEngine(const std::string& file, bool readOnly) {
+Engine openEngine(const std::string& file, bool readOnly, WhenLocked whenLocked) {
     // Made absolute so that no name is taken for a URI or for a database in memory.
     std::error_code ignored;
     const std::string path = std::filesystem::absolute(file, ignored).string();
@@ -208,12 +208,14 @@ Engine openEngine(const std::string& file, bool readOnly) {
     runSetting(opened, "PRAGMA cell_size_check = ON", file);
     // Full synchronisation and the rollback journal are what the engine does of itself; the settings below
     // hold it to that, and need the file.
+    if (whenLocked == WhenLocked::fails)
+        runSetting(opened, "SELECT count(*) FROM sqlite_master", file);
     if (runUnlessLocked(opened, "SELECT count(*) FROM sqlite_master", file))
         runUnlessLocked(opened, "PRAGMA synchronous = FULL", file);
     return engine;
 }
 
-Engine openDatabase(const std::string& file, bool readOnly) {
+Engine openDatabase(const std::string& file, bool readOnly, WhenLocked whenLocked) {
     std::error_code ignored;
     // The engine would wait for a pipe's other end.
     if (std::filesystem::exists(file, ignored) && !std::filesystem::is_regular_file(file, ignored))
@@ -221,7 +223,7 @@ Engine openDatabase(const std::string& file, bool readOnly) {
     // The engine counts one byte as none.
     if (std::filesystem::file_size(file, ignored) <= 1)
         throw describe(SQLITE_NOTADB, sqlite3_errstr(SQLITE_NOTADB), file, false, {});
-    return openEngine(file, readOnly);
+    return openEngine(file, readOnly, whenLocked);
 }
 
 }  // namespace ado

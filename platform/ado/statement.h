@@ -20,13 +20,16 @@ struct EngineClose {
 };
 using Engine = std::unique_ptr<sqlite3, EngineClose>;
 
+// What a file that is locked past the timeout does to its opening.
+enum class WhenLocked { opens, fails };
+
 // Opens an existing database file with this layer's settings and reads its schema, so that a file that is
 // no database fails here. A file whose owner may not write it is opened read-only even where the system
 // would let this user write.
-Engine openEngine(const std::string& file, bool readOnly);
+Engine openEngine(const std::string& file, bool readOnly, WhenLocked whenLocked = WhenLocked::opens);
 // The same for a file that has to hold a database already. To the engine an empty file is a database
 // without tables; here it is none, so that it is not taken for one and not copied over a backup.
-Engine openDatabase(const std::string& file, bool readOnly);
+Engine openDatabase(const std::string& file, bool readOnly, WhenLocked whenLocked = WhenLocked::opens);
 
 struct Finalize {
     void operator()(sqlite3_stmt* statement) const noexcept;

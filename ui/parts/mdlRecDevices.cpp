@@ -1,17 +1,20 @@
 #include "ui/parts/mdlRecDevices.h"
 
 #include <algorithm>
+#include <map>
+#include <set>
+#include <vector>
 
 #include "core/modLocalize.h"
 #include "core/procedure.h"
 #include "core/state.h"
 #include "database/devices.h"
 #include "database/recipients.h"
-#include "platform/ado/readLock.h"
 #include "ui/parts/rowText.h"
 #include "ui/widgets/keyedTree.h"
 
 using core::Frame;
+using mdlDatabase::RecipientDevice;
 using platform::ObjectState;
 using platform::Recordset;
 using ui::KeyedTree;
@@ -22,35 +25,58 @@ namespace {
 
 constexpr char module[] = "mdlRecDevices";
 
-// Who is on the event of the last populateRecipientsList; open until the next one.
-Recordset& assignmentsForEvent() {
-    static Recordset rows;
-    return rows;
+// What the tree is made from, read in a handful of statements.
+struct Sources {
+    std::map<long, std::vector<RecipientDevice>> devices;  // of all recipients
+    std::map<long, bool> assignments;                      // of the event: device to its switch
+    std::set<long> assigned;                               // recipients who are on the event
+};
+
+Sources readSources(long eventKey) {
+    Sources sources;
+    sources.devices = mdlDatabase::devicesOfAllRecipients();
+    Recordset rows = mdlDatabase::getRecipientsForEvent(eventKey);
+    for (; !rows.EOF_(); rows.moveNext()) {
+        // Of several rows for a device the first one counts.
+        sources.assignments.try_emplace(rows.number("DeviceKey"), rows.boolean("Active"));
+        sources.assigned.insert(rows.number("RecipientKey"));
+    }
+    rows.close();
+    return sources;
 }
 
-// Moves to the first assignment for which the criterion holds; false when there is none.
-bool findAssignment(const char* column, long key) {
-    Recordset& rows = assignmentsForEvent();
-    if (rows.recordCount() < 1)
-        return false;
-    rows.moveFirst();
-    rows.find(std::string(column) + " = " + std::to_string(key));
-    return !rows.EOF_();
-}
-
-std::string deviceText(const Recordset& device) {
-    const std::string name = ui::textOrEmpty(device, "DisplayName");
-    switch (device.number("DeviceType")) {
+std::string deviceText(const RecipientDevice& device) {
+    switch (device.type) {
         case mdlDatabase::voiceMail:
-            return name + modLocalize::myLoadResString(1198);
+            return device.displayName + modLocalize::myLoadResString(1198);
         case mdlDatabase::email:
-            return name + modLocalize::myLoadResString(1199);
+            return device.displayName + modLocalize::myLoadResString(1199);
         default:
-            return name;
+            return device.displayName;
     }
 }
 
-bool addRecipient(Frame& frame, KeyedTree& tree, const Recordset& recipient,
+void addDevice(KeyedTree& tree, const std::string& recipientNode, const RecipientDevice& device,
+               bool recipientActive, const Sources& sources, DeviceSelection& selectedDevices) {
+    const auto assignment = sources.assignments.find(device.key);
+    KeyedTree::NewNode node;
+    node.info.key = device.key;
+    node.info.nodeType = nodeTypeEventRecipientDevice;
+    node.key = mdlDatabase::selectionKey(device.key);
+    node.text = deviceText(device);
+    node.parent = recipientNode;
+    node.checkBox = true;
+    // Only what is on the event shows that it would not be heard.
+    node.greyed = assignment != sources.assignments.end() && (!device.active || !recipientActive);
+    tree.addNode(node);
+    if (assignment == sources.assignments.end() || !assignment->second)
+        return;
+    tree.ensureVisible(node.key);
+    tree.setChecked(node.key, true);
+    recordDeviceState(selectedDevices, node.key, true);
+}
+
+void addRecipient(KeyedTree& tree, const Recordset& recipient, const Sources& sources,
                   DeviceSelection& selectedDevices) {
     KeyedTree::NewNode node;
     node.info.key = recipient.number("RecipientKey");
@@ -58,38 +84,19 @@ bool addRecipient(Frame& frame, KeyedTree& tree, const Recordset& recipient,
     node.key = "RecipientKey:" + std::to_string(node.info.key);
     node.text = ui::textOrEmpty(recipient, "RecipientName");
     node.checkBox = true;
-    node.greyed = !mdlDatabase::isRecipientActive(node.info.key);
-    return frame.step([&] { tree.addNode(node); }) &&
-           addDevicesForRecipient(tree, node.key, node.info.key, selectedDevices);
-}
-
-// Gives a device's node the look of its present assignment.
-void showAssignment(Frame& frame, KeyedTree& tree, const std::string& node,
-                    DeviceSelection& selectedDevices) {
-    const Recordset& assignment = assignmentsForEvent();
-    if (assignment.boolean("Active")) {
-        frame.step([&] { tree.ensureVisible(node); });
-        frame.step([&] { tree.setChecked(node, true); });
-        frame.step([&] { recordDeviceState(selectedDevices, node, true); });
-    }
-    const bool deviceActive = mdlDatabase::isDeviceActive(assignment.number("DeviceKey"));
-    const bool recipientActive = mdlDatabase::isRecipientActive(assignment.number("RecipientKey"));
-    frame.step([&] { tree.setGreyed(node, !deviceActive || !recipientActive); });
-    frame.step([&] { checkParentState(tree, tree.parentKey(node)); });
-}
-
-void addDevice(Frame& frame, KeyedTree& tree, const std::string& recipientNode, const Recordset& device,
-               DeviceSelection& selectedDevices) {
-    KeyedTree::NewNode node;
-    node.info.key = device.number("DeviceKey");
-    node.info.nodeType = nodeTypeEventRecipientDevice;
-    node.key = mdlDatabase::selectionKey(node.info.key);
-    node.text = deviceText(device);
-    node.parent = recipientNode;
-    node.checkBox = true;
+    const bool active = !recipient.isNull("RecipientActive") && recipient.boolean("RecipientActive");
+    node.greyed = !active;
     tree.addNode(node);
-    if (findAssignment("DeviceKey", node.info.key))
-        showAssignment(frame, tree, node.key, selectedDevices);
+    const auto devices = sources.devices.find(node.info.key);
+    if (devices == sources.devices.end())
+        return;
+    bool anyAssigned = false;
+    for (const RecipientDevice& device : devices->second) {
+        addDevice(tree, node.key, device, active, sources, selectedDevices);
+        anyAssigned = anyAssigned || sources.assignments.contains(device.key);
+    }
+    if (anyAssigned)
+        checkParentState(tree, node.key);
 }
 
 }  // namespace
@@ -98,48 +105,31 @@ bool populateRecipientsList(KeyedTree& tree, long eventKey, DeviceSelection& sel
                             bool assignedOnly) {
     return core::procedure(module, "populateRecipientsList", false, [&](Frame& frame, bool& whole) {
         Recordset recipients = mdlDatabase::getRecipients();  // by name already
-        frame.step([&] { assignmentsForEvent() = mdlDatabase::getRecipientsForEvent(eventKey); });
         const mdlDatabase::DeviceCounts counts =
             assignedOnly ? mdlDatabase::DeviceCounts() : mdlDatabase::countDevicesByRecipient();
+        Sources sources;
+        const bool read = frame.step([&] { sources = readSources(eventKey); });
+        frame.step([&] { tree.clearNodes(); });
+        if (!read || recipients.state() != ObjectState::open)
+            return;
+        bool added = true;
         {
             const KeyedTree::Fill fill(tree);
-            const platform::ReadLock ofOneMoment(core::gDatabase);
-            frame.step([&] { tree.clearNodes(); });
-            if (recipients.state() != ObjectState::open || assignmentsForEvent().state() != ObjectState::open)
-                return;
-            bool read = true;
-            while (recipients.state() == ObjectState::open && !recipients.EOF_()) {
-                read = frame.step([&] {
+            while (!recipients.EOF_()) {
+                added = frame.step([&] {
                     const long key = recipients.number("RecipientKey");
-                    const bool shown =
-                        assignedOnly ? findAssignment("RecipientKey", key) : counts.contains(key);
-                    if (shown)
-                        read = addRecipient(frame, tree, recipients, selectedDevices) && read;
-                }) && read;
-                read = frame.step([&] { recipients.moveNext(); }) && read;
+                    if (assignedOnly ? sources.assigned.contains(key) : counts.contains(key))
+                        addRecipient(tree, recipients, sources, selectedDevices);
+                }) && added;
+                added = frame.step([&] { recipients.moveNext(); }) && added;
             }
-            whole = read;
         }
         frame.step([&] {
             if (tree.count() > 0)
                 tree.ensureVisible(tree.keyAt(1));
         });
         frame.step([&] { recipients.close(); });
-    });
-}
-
-bool addDevicesForRecipient(KeyedTree& tree, const std::string& recipientNode, long recipientKey,
-                            DeviceSelection& selectedDevices) {
-    return core::procedure(module, "addDevicesForRecipient", false, [&](Frame& frame, bool& whole) {
-        Recordset devices;
-        bool read = frame.step([&] { devices = mdlDatabase::openDevicesForRecipient(recipientKey); });
-        while (devices.state() == ObjectState::open && !devices.EOF_()) {
-            read =
-                frame.step([&] { addDevice(frame, tree, recipientNode, devices, selectedDevices); }) && read;
-            read = frame.step([&] { devices.moveNext(); }) && read;
-        }
-        whole = read;
-        frame.step([&] { devices.close(); });
+        whole = added;
     });
 }
 

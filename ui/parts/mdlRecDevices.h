@@ -20,10 +20,6 @@ using mdlDatabase::DeviceSelection;
 // False when something could not be read: whoever saved the selection then would take devices off the event.
 bool populateRecipientsList(ui::KeyedTree& tree, long eventKey, DeviceSelection& selectedDevices,
                             bool assignedOnly);
-// Adds the devices of a recipient below his node, for the event of the last populateRecipientsList. False
-// when something could not be read.
-bool addDevicesForRecipient(ui::KeyedTree& tree, const std::string& recipientNode, long recipientKey,
-                            DeviceSelection& selectedDevices);
 // Ticks or clears a node and all that come after it at its level, with all below them.
 void checkAllChildren(ui::KeyedTree& tree, DeviceSelection& selectedDevices, const std::string& firstNode,
                       bool state);

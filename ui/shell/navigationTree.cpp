@@ -9,7 +9,6 @@
 #include "database/exclusions.h"
 #include "database/recipients.h"
 #include "platform/ado/ado.h"
-#include "platform/ado/readLock.h"
 #include "ui/parts/rowText.h"
 
 using modLocalize::myLoadResString;
@@ -107,7 +106,6 @@ std::string NavigationTree::addChildren(core::Frame& frame, const Category& cate
                                         const std::function<ui::KeyedTree::NewNode()>& makeNode) {
     std::string found;
     const ui::KeyedTree::Fill fill(tree_);
-    const platform::ReadLock ofOneMoment(core::gDatabase);
     forEachRow(frame, rows, [&] {
         ui::KeyedTree::NewNode node = makeNode();
         node.parent = category.rootKey;
@@ -124,11 +122,12 @@ std::string NavigationTree::addChildren(core::Frame& frame, const Category& cate
 std::string NavigationTree::initEvents(std::optional<long> wanted) {
     return core::procedure(module, "initEvents", std::string(), [&](core::Frame& frame, std::string& found) {
         Recordset events = mdlDatabase::getEvents();
+        const std::set<long> thatNotify = mdlDatabase::eventsThatNotify();
         found = addChildren(frame, {eventsRoot, "EventKey-", nodeTypeCategoryEvents, wanted}, events, [&] {
             const long key = events.number("EventKey");
             ui::KeyedTree::NewNode node;
             node.text = sourceAndId(events);
-            node.icon = stateIcon(mdlDatabase::getEventState(key));
+            node.icon = stateIcon(mdlDatabase::stateOfEvent(events, thatNotify));
             node.info = {false, nodeTypeEvent, textOrEmpty(events, "EventTitle"), key};
             node.bold = events.boolean("EventActive");
             node.greyed = !node.bold;

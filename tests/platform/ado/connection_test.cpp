@@ -4,7 +4,6 @@
 #include <fstream>
 
 #include "platform/ado/dialect.h"
-#include "platform/ado/readLock.h"
 #include "platform/machine/host.h"
 #include "support/adoFixture.h"
 
@@ -148,28 +147,6 @@ TEST_F(ConnectionTest, ReadsTheDirectoryAndNumbersItsFailuresAsOne) {
     EXPECT_EQ(failureOf([&] { another.open("Provider=SQLOLEDB.1;Initial Catalog=Other"); }), providerError);
     EXPECT_EQ(another.errors().size(), 1u);
     host::setFolder({});
-}
-
-TEST_F(ConnectionTest, AReadLockKeepsOthersWaitingAndNotItsOwnConnection) {
-    const char change[] = "INSERT INTO Device VALUES (70, 'new')";
-    Recordset rows;
-    {
-        const ReadLock lock(connection);
-        rows.open("SELECT * FROM Device", connection, CursorType::staticCursor);
-        rows.close();
-        EXPECT_FALSE(other.canRun(change)) << "what is read stays of one moment";
-        EXPECT_EQ(other.read("SELECT count(*) FROM Device"), "0");
-        execute("INSERT INTO Device VALUES (71, 'ours')", connection);
-        EXPECT_FALSE(other.canRun(change)) << "a write of its own does not end the lock";
-    }
-    EXPECT_TRUE(other.canRun(change));
-    EXPECT_EQ(other.read("SELECT DeviceKey FROM Device ORDER BY DeviceKey"), "70 71");
-    {
-        const ReadLock lock(connection);
-        connection.close();
-    }
-    const ReadLock ofNothing(connection);
-    EXPECT_TRUE(other.canRun("DELETE FROM Device"));
 }
 
 TEST(Dialect, ChangesDigitNamesAndDatesOnly) {
