@@ -1,7 +1,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
-#include <unordered_set>
 
 #include "bench/bareWindows.h"
 #include "database/deviceType.h"
@@ -9,20 +8,10 @@
 namespace bench {
 
 BareSelection::BareSelection(Peer& peer)
-    : peer_(peer),
-      tree_(new QTreeWidget(this)),
-      recipients_(peer.engine(), "SELECT RecipientKey, RecipientName FROM Recipients ORDER BY RecipientName"),
-      owners_(peer.engine(),
-              "SELECT DISTINCT l.RecipientKey FROM DeviceRecipient l JOIN Device d ON d.DeviceKey = "
-              "l.DeviceKey"),
-      devices_(peer.engine(),
-               "SELECT d.DeviceKey, d.DeviceType, a.DisplayName FROM DeviceRecipient l JOIN Device d ON "
-               "d.DeviceKey = l.DeviceKey JOIN AddressDetails a ON a.DeviceKey = d.DeviceKey WHERE "
-               "l.RecipientKey = ?1 ORDER BY d.DeviceType"),
+    : tree_(new QTreeWidget(this)),
       assigned_(peer.engine(),
                 "SELECT e.DeviceKey, e.Active, l.RecipientKey FROM EventDevice e JOIN DeviceRecipient l ON "
                 "l.DeviceKey = e.DeviceKey WHERE e.EventKey = ?1"),
-      deviceActive_(peer.engine(), "SELECT DeviceActive FROM Device WHERE DeviceKey = ?1"),
       all_(peer.engine(),
            "SELECT r.RecipientKey, r.RecipientName, r.RecipientActive, d.DeviceKey, d.DeviceType, "
            "a.DisplayName FROM Recipients r JOIN DeviceRecipient l ON l.RecipientKey = r.RecipientKey JOIN "
@@ -55,7 +44,6 @@ void BareSelection::endFill() {
 }
 
 BareSelection::Assignments BareSelection::readAssignments(long event) {
-    peer_.called("[mdlDatabase]getRecipientsForEvent");
     Assignments assignments;
     for (assigned_.bind(1, event); assigned_.row();)
         assignments[assigned_.number(0)] = {assigned_.number(1) != 0, assigned_.number(2)};
@@ -82,44 +70,6 @@ QTreeWidgetItem* BareSelection::addDevice(QTreeWidgetItem* parent, long type, co
 }
 
 void BareSelection::fill(long event) {
-    peer_.called("[mdlRecDevices]populateRecipientsList");
-    const Assignments assignments = readAssignments(event);
-    std::unordered_set<long> owners;
-    while (owners_.row())
-        owners.insert(owners_.number(0));
-    beginFill();
-    while (recipients_.row()) {
-        const long key = recipients_.number(0);
-        if (!owners.contains(key))
-            continue;
-        addDevices(addRecipient(recipients_.text(1), peer_.active(key)), key, assignments);
-    }
-    endFill();
-}
-
-void BareSelection::addDevices(QTreeWidgetItem* parent, long recipient, const Assignments& assignments) {
-    peer_.called("[mdlRecDevices]addDevicesForRecipient");
-    for (devices_.bind(1, recipient); devices_.row();) {
-        const long key = devices_.number(0);
-        QTreeWidgetItem* item = addDevice(parent, devices_.number(1), devices_.text(2));
-        const auto assignment = assignments.find(key);
-        if (assignment == assignments.end())
-            continue;
-        if (assignment->second.active) {
-            parent->setExpanded(true);
-            item->setCheckState(0, Qt::Checked);
-            parent->setCheckState(0, Qt::Checked);
-            peer_.called("[mdlRecDevices]recordDeviceState");
-        }
-        peer_.called("[mdlDatabase]isDeviceActive");
-        const bool active = deviceActive_.bind(1, key).one() != 0;
-        if (!active || !peer_.active(assignment->second.recipient))
-            item->setForeground(0, palette().brush(QPalette::Disabled, QPalette::Text));
-        peer_.called("[mdlRecDevices]checkParentState");
-    }
-}
-
-void BareSelection::fillPlain(long event) {
     const Assignments assignments = readAssignments(event);
     beginFill();
     QTreeWidgetItem* parent = nullptr;

@@ -14,11 +14,16 @@ void showNamesWhole(QTreeWidget& tree) {
 }
 
 BareTree::BareTree(Peer& peer)
-    : peer_(peer),
-      events_(
+    : events_(
           peer.engine(),
           "SELECT EventKey, EventSource, EventId, EventTitle, EventActive FROM Events WHERE EventTitle <> "
           "'$$IGNORE' ORDER BY EventCollection, EventSource"),
+      notifying_(
+          peer.engine(),
+          "SELECT DISTINCT e.EventKey FROM EventDevice e JOIN Device d ON d.DeviceKey = e.DeviceKey JOIN "
+          "DeviceRecipient l ON l.DeviceKey = d.DeviceKey JOIN Recipients r ON r.RecipientKey = "
+          "l.RecipientKey JOIN AddressDetails a ON a.DeviceAddress = d.DeviceAddress WHERE e.Active <> 0 "
+          "AND r.RecipientActive <> 0"),
       unresolved_(
           peer.engine(),
           "SELECT DISTINCT l.RecipientKey FROM AddressDetails a JOIN DeviceRecipient l ON l.DeviceKey "
@@ -32,12 +37,11 @@ BareTree::BareTree(Peer& peer)
     showNamesWhole(*this);
 }
 
-void BareTree::rebuild(bool withStates) {
-    peer_.called("[frmMain]loadNavigationTree");
+void BareTree::rebuild() {
     setUpdatesEnabled(false);
     clear();
-    addEvents(addRoot("Monitored Events"), withStates);
-    addRecipients(addRoot("Recipients"), withStates);
+    addEvents(addRoot("Monitored Events"));
+    addRecipients(addRoot("Recipients"));
     addExclusions(addRoot("Exclusions"));
     setUpdatesEnabled(true);
 }
@@ -63,7 +67,10 @@ QTreeWidgetItem* BareTree::addRoot(const char* text) {
     return root;
 }
 
-void BareTree::addEvents(QTreeWidgetItem* root, bool withStates) {
+void BareTree::addEvents(QTreeWidgetItem* root) {
+    std::set<long> notifying;
+    while (notifying_.row())
+        notifying.insert(notifying_.number(0));
     const QBrush grey = palette().brush(QPalette::Disabled, QPalette::Text);
     while (events_.row()) {
         const long key = events_.number(0);
@@ -71,19 +78,20 @@ void BareTree::addEvents(QTreeWidgetItem* root, bool withStates) {
         const QString source = QString::fromStdString(events_.text(1));
         auto* item =
             new QTreeWidgetItem(root, {id == -1 ? source + " (All)" : source + QString(" (%1)").arg(id)});
-        item->setIcon(0, icons_[withStates ? 1 + static_cast<std::size_t>(peer_.eventState(key)) : 1]);
+        const bool active = events_.number(4) != 0;
+        item->setIcon(0, icons_[!active ? 3 : notifying.contains(key) ? 1 : 2]);
         item->setToolTip(0, QString::fromStdString(events_.text(3)));
         item->setData(0, Qt::UserRole, static_cast<qlonglong>(key));
-        if (events_.number(4) != 0)
+        if (active)
             item->setFont(0, boldFont());
         else
             item->setForeground(0, grey);
     }
 }
 
-void BareTree::addRecipients(QTreeWidgetItem* root, bool withStates) {
+void BareTree::addRecipients(QTreeWidgetItem* root) {
     std::set<long> unresolved;
-    while (withStates && unresolved_.row())
+    while (unresolved_.row())
         unresolved.insert(unresolved_.number(0));
     while (recipients_.row()) {
         const long key = recipients_.number(0);
@@ -91,7 +99,7 @@ void BareTree::addRecipients(QTreeWidgetItem* root, bool withStates) {
         if (unresolved.contains(key))
             state = 2;
         auto* item = new QTreeWidgetItem(root, {QString::fromStdString(recipients_.text(1))});
-        item->setIcon(0, icons_[withStates ? state : 1]);
+        item->setIcon(0, icons_[state]);
         item->setData(0, Qt::UserRole, static_cast<qlonglong>(key));
     }
 }

@@ -17,23 +17,22 @@ namespace bench {
 // What the console's trees look like: no header, and names that scroll sideways instead of being cut.
 void showNamesWhole(QTreeWidget& tree);
 
-// The navigation tree. With states each event's icon comes from the queries that the console runs for it;
-// without, from nothing.
+// The navigation tree, with the statements that the console fills it from.
 class BareTree : public QTreeWidget {
   public:
     explicit BareTree(Peer& peer);
-    void rebuild(bool withStates);
+    void rebuild();
     long count() const;
 
   private:
     QTreeWidgetItem* addRoot(const char* text);
-    void addEvents(QTreeWidgetItem* root, bool withStates);
-    void addRecipients(QTreeWidgetItem* root, bool withStates);
+    void addEvents(QTreeWidgetItem* root);
+    void addRecipients(QTreeWidgetItem* root);
     void addExclusions(QTreeWidgetItem* root);
     QFont boldFont() const;
 
-    Peer& peer_;
     Prepared events_;
+    Prepared notifying_;
     Prepared unresolved_;
     Prepared recipients_;
     Prepared exclusions_;
@@ -83,13 +82,11 @@ class BareRecipients : public BareTable {
     Prepared toggle_;
 };
 
-// The choice of an event's recipients. It asks what the console asks for each recipient and each assigned
-// device; `fillPlain` takes all from one statement and ticks what is assigned.
+// The choice of an event's recipients: all of them from one statement, what is assigned from another.
 class BareSelection : public QDialog {
   public:
     explicit BareSelection(Peer& peer);
     void fill(long event);
-    void fillPlain(long event);
     QTreeWidget& tree() { return *tree_; }
     long count() const;
 
@@ -101,18 +98,12 @@ class BareSelection : public QDialog {
     using Assignments = std::unordered_map<long, Assignment>;
     Assignments readAssignments(long event);
     QTreeWidgetItem* addRecipient(const std::string& name, bool active);
-    void addDevices(QTreeWidgetItem* parent, long recipient, const Assignments& assignments);
     QTreeWidgetItem* addDevice(QTreeWidgetItem* parent, long type, const std::string& name);
     void beginFill();
     void endFill();
 
-    Peer& peer_;
     QTreeWidget* tree_;
-    Prepared recipients_;
-    Prepared owners_;
-    Prepared devices_;
     Prepared assigned_;
-    Prepared deviceActive_;
     Prepared all_;
 };
 
