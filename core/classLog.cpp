@@ -285,7 +285,7 @@ void classLog::enterProc(std::string_view tag) {
 }
 
 void classLog::exitProc(std::string_view tag) {
-    // An exit without an entry is instance -1, without times; it stays so.
+    // Required: an exit without an entry is instance -1, without times.
     const std::string key = instanceKey(tag, openInstances(tag) - 1);
     const float end = timer();
     setCallDepth(callDepth_ - 1);
@@ -294,7 +294,7 @@ void classLog::exitProc(std::string_view tag) {
     text.append("Exiting  ").append(key);
     if (const auto open = timers_.find(key); open != timers_.end()) {
         const float start = open->second;
-        // A call that crosses midnight shows a negative time; it stays so.
+        // Required: a call that crosses midnight shows a negative time.
         text.append(" Start: ").append(timerText(start)).append(" End: ").append(timerText(end));
         text.append(" - Elapsed: ").append(elapsedTime(end - start));
         timers_.erase(open);

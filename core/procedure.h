@@ -63,8 +63,8 @@ class Frame {
     template <class Result, class Body>
     friend Result procedure(std::string_view, std::string_view, Result, Body&&);
 
-    // Thrown at the eleventh failure, caught by procedure(). The call leaves no exit line, so the log's
-    // indent stays one step deeper; it stays so.
+    // Thrown at the eleventh failure, caught by procedure(). Required: the call leaves no exit line, so the
+    // log's indent stays one step deeper.
     struct Abandoned {};
 
     void enter() const;

@@ -124,8 +124,8 @@ std::string selectionKey(long deviceKey) {
 }
 
 Recordset getRecipientsForEvent(long eventKey) {
-    // Joined with AddressDetails by the address's text, so a device without a row there is not part of the
-    // answer, and DISTINCT folds devices that share an address; it stays so.
+    // Required: joined with AddressDetails by the address's text, so a device without a row there is not part
+    // of the answer, and DISTINCT folds devices that share an address.
     return queryProcedure("getRecipientsForEvent",
                           "SELECT DISTINCT Recipients.RecipientName, EventDevice.Active, Device.DeviceType, "
                           "AddressDetails.DisplayName, Device.DeviceKey, Recipients.RecipientKey "

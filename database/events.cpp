@@ -139,12 +139,13 @@ void modifyEvent(const ModifiedEvent& event) {
             frame.step([&] { row.set("EventActive", boolean(event.eventActive)); });
             frame.step([&] { row.set("EventTitle", event.eventTitle); });
             frame.step([&] { row.set("EventType", std::int64_t{event.eventType}); });
-            // Every save starts the event's notification timing anew, changed or not; it stays so.
+            // Required: every save starts the event's notification timing anew, changed or not.
             frame.step([&] { row.set("EventLastNotification", Null{}); });
             frame.step([&] { row.update(); });
         }
         frame.step([&] { row.close(); });
-        // Contents are written even when the event's own row is gone; it stays so.
+        // Required: contents are written even when the event's own row is gone. The window saves no such
+        // event.
         writeContent(frame, event.eventKey, voiceContent, event.content);
         writeContent(frame, event.eventKey, emailContent, event.content);
     });
@@ -200,7 +201,7 @@ bool isEventActive(long eventKey) {
 long findEvent(std::string_view eventSource, std::string_view eventId) {
     return core::procedure(module, "findEvent", -1L, [&](Frame& frame, long& key) {
         Recordset rows;
-        // The source goes in as it is; one with an apostrophe makes the statement fail; it stays so.
+        // Required: the source goes in as it is; one with an apostrophe makes the statement fail.
         frame.step([&] {
             rows = openForReading("SELECT EventKey FROM Events WHERE EventSource = '" +
                                   std::string(eventSource) + "' AND EventId = " + std::string(eventId));

@@ -117,7 +117,7 @@ EventAnalysis analyzeEvent(long eventKey) {
         }
         frame.step([&] { rows.moveFirst(); });
         // The rows of a recipient lie next to each other, because the query sorts them
-        // by his name. Two of one name may count more often than twice; it stays so.
+        // by his name. Required: two of one name may count more often than twice.
         long before = 0;
         for (; !rows.EOF_(); frame.step([&] { rows.moveNext(); })) {
             frame.step([&] {

@@ -135,8 +135,8 @@ void openDatabase() {
                        frame.tag());
             frame.step([&] { files::copyFile(path + templateName, path + databaseName); });
         }
-        // The read-only test looks at the folder's path without the file's name, so it normally finds
-        // nothing and a read-only database keeps its attribute; it stays so.
+        // Required: the read-only test looks at the folder's path without the file's name, so it normally
+        // finds nothing and a read-only database keeps its attribute.
         frame.step([&] {
             if (files::fileExists(path) && files::isReadOnly(path)) {
                 gLog().log(path + " found to be read-only.  Removing the read-only flag from this file.",

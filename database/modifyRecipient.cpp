@@ -193,9 +193,9 @@ void saveList(Save& save, const DeviceKind& kind, const std::vector<AddressEntry
     }
 }
 
-// A device with a host of its own is rewritten at every save while it is on, and goes when it is off,
-// whatever its state. One without is left alone where it already is what the switch says, so that an
-// inactive one stays when it is off. The difference is wanted; it stays so.
+// Required: a device with a host of its own is rewritten at every save while it is on, and goes when it is
+// off, whatever its state. One without is left alone where it already is what the switch says, so that an
+// inactive one stays when it is off.
 void saveSwitch(Save& save, const DeviceKind& kind, bool on, const std::string& address) {
     const bool hasHost = kind.type == syslog;
     const std::optional<StoredDevice> stored = save.first(kind);

@@ -47,8 +47,8 @@ core::CorvaneVersion getVersion() {
         frame.step([&] { buildNumber = RegistryAPI::getRegistryDword(root, versionKey, "Build Number"); });
         const std::string versionDigits = hexadecimal(versionNumber);
         const std::string buildDigits = hexadecimal(buildNumber);
-        // Server releases write decimal digits into the nibbles, all but the revision, which really is
-        // hexadecimal; the two readings of one value stay so.
+        // Required: server releases write decimal digits into the nibbles, all but the revision, which really
+        // is hexadecimal; one value is read in two ways.
         version.major = reading(versionDigits.substr(0, halfLength), 10);
         version.minor = reading(versionDigits.substr(halfLength), 10);
         version.build = reading(buildDigits.substr(0, halfLength), 10);

@@ -119,7 +119,8 @@ TEST_F(Start, RefusesWithTheReasonWhenTheRegistryCannotBeRead) {
     EXPECT_EQ(platform::files::readFile(store), good + "[half a ke");
     fs::remove(store);
     fs::create_directory(store);
-    prompts.expect({text + "Path/File access error (" + store.string() + " is no ordinary file)", title, BoxIcon::critical},
+    prompts.expect({text + "Path/File access error (" + store.string() + " is no ordinary file)", title,
+                    BoxIcon::critical},
                    BoxAnswer::ok);
     EXPECT_EQ(runMain(), 1);
     EXPECT_FALSE(fs::exists(host.databaseFile()));

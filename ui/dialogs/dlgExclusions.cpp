@@ -170,7 +170,7 @@ void dlgExclusions::lstExcludedSources_DblClick(int row) {
 void dlgExclusions::cmdOk_Click() {
     core::procedure(module, "cmdOk_Click", [&](core::Frame& frame) {
         core::Dictionary<long> exclusions;
-        // Whole sources only: an exclusion of one id comes back as one of all ids; it stays so.
+        // Required: whole sources only, so an exclusion of one id comes back as one of all ids.
         for (const std::string& source : lstExcludedSources->texts())
             exclusions.set(source, mdlDatabase::nodeAllEventIds);
         frame.step([&] { mdlDatabase::replaceExclusions(exclusions); });

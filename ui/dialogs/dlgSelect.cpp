@@ -35,7 +35,7 @@ Columns subscriberColumns() {
             {"DirectoryID", "", 0},   {"", "", 0}};
 }
 
-// The directory id of a list stays in sight, without a header, where a subscriber's is hidden; it stays so.
+// Required: the directory id of a list stays in sight, without a header, where a subscriber's is hidden.
 Columns listColumns() {
     return {{"", header(1087), 1320},
             {"DisplayName", header(1085), 2280},

@@ -29,7 +29,7 @@ std::vector<KeyedGrid::Column> gridColumns() {
 
 KeyedGrid::Cell idCell(const platform::Recordset& row) {
     const std::string id = textOrEmpty(row, "EventID");
-    // "All" is the same in every language here; it stays so.
+    // Required: "All" is the same in every language here.
     return {id == "-1" ? "All" : id, id.empty() ? QVariant() : static_cast<qlonglong>(row.number("EventID"))};
 }
 
@@ -77,9 +77,9 @@ void paneExclusions::displayAllExclusions() {
     });
 }
 
-// A second copy of the resizing of the recipients' grid, with its name in the log: it widens that grid, and
-// only while that pane is shown, which it is not here. So this grid keeps the widths of its content; it stays
-// so.
+// Required: a second copy of the resizing of the recipients' grid, with its name in the log. It widens that
+// grid, and only while that pane is shown, which it is not here; so this grid keeps the widths of its
+// content.
 void paneExclusions::resizeAllExclusionsGrid() {
     core::procedure(module, "resizeAllRecipientsGrid", [&](core::Frame& frame) {
         constexpr int slack = 200;  // twips

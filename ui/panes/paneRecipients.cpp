@@ -111,7 +111,7 @@ void paneRecipients::displayAllRecipients() {
 
 void paneRecipients::resizeAllRecipientsGrid() {
     core::procedure(module, "resizeAllRecipientsGrid", [&](core::Frame& frame) {
-        constexpr int overrun = 200;  // twips by which the columns are wider than the grid; it stays so
+        constexpr int overrun = 200;  // required: twips by which the columns are wider than the grid
         if (isVisible() && vsflexgridAllRecipients->columnCount() > 0)
             frame.step([&] { vsflexgridAllRecipients->stretchColumn("RecipientName", ui::pixels(overrun)); });
     });

@@ -32,7 +32,7 @@ class cTooltip : public QObject {
     // Milliseconds; `which` is masked with 3.
     int DelayTime(long which) const;
     void setDelayTime(long which, int milliseconds);
-    // Reading sets the text to black and gives 0, because it asks with the message that sets; it stays so.
+    // Required: reading sets the text to black and gives 0, because it asks with the message that sets.
     long ForeColor();
     void setForeColor(long color);
     WId hWnd() const;
