@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -44,6 +45,12 @@ class EventPane : public uiTest::MainWindow {
         other = add("Alarm", "-1", "other");
     }
 
+    // Opens the list and takes the row that is shown already.
+    static void chooseShownRow(QComboBox& list) {
+        list.setFocus();
+        QTest::mouseClick(&list, Qt::LeftButton);
+        QTest::keyClick(list.view(), Qt::Key_Return);
+    }
     static std::string nodeOf(long key) { return "EventKey-" + std::to_string(key); }
     void show(long key) {
         open();
@@ -150,7 +157,7 @@ TEST_F(EventPane, EveryControlMarksTheEventChanged) {
         {"priority", [&] { QTest::keyClick(find<QComboBox>("comboEmailPriority"), Qt::Key_Up); }},
         {"device", [&] { toggle("DeviceKey:11"); }},
         {"recipient", [&] { toggle("RecipientKey:1"); }},
-        {"same row again", [&] { emit find<QComboBox>("comboEventType")->activated(1); }},
+        {"same row again", [&] { chooseShownRow(*find<QComboBox>("comboEventType")); }},
     };
     for (const auto& [name, change] : changes) {
         EXPECT_FALSE(applyEnabled()) << name;
