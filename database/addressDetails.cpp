@@ -91,6 +91,12 @@ void rewind(Recordset& list) {
         list.moveFirst();
 }
 
+// Collects the deletion of all rows for the batch.
+void removeAll(Recordset& details) {
+    for (; !details.EOF_(); details.moveNext())
+        details.deleteCurrent();
+}
+
 // Adds one row to the batch.
 void rebuildRow(Frame& frame, Recordset& devices, Recordset& details, Directory& directory) {
     std::string address;
@@ -135,14 +141,13 @@ void rebuildAddressDetailsTable() {
         Recordset details;
         Directory directory;
         const bool views = core::gViewsSupported;
-        // The table is emptied only when it can be filled, and filled only when it is empty. All rows come at
-        // once: a write of its own for each device would cost its time on the disk.
-        const bool emptied = frame.step([&] {
-            devices = openForWriting("SELECT * FROM Device");
-        }) && frame.step([&] { platform::execute("DELETE FROM AddressDetails", core::gDatabase); });
-        if (!emptied)
+        // The old rows go and the new ones come in one batch: whatever fails or dies on the way leaves the
+        // table as it was. Without it an event would show no devices, and saving would switch them off.
+        const bool readable = frame.step([&] { devices = openForWriting("SELECT * FROM Device"); }) &&
+                              frame.step([&] { details = openForBatch("SELECT * FROM AddressDetails"); }) &&
+                              frame.step([&] { removeAll(details); });
+        if (!readable)
             return;
-        frame.step([&] { details = openForBatch("SELECT * FROM AddressDetails"); });
         frame.step([&] {
             directory.subscribers = quietlyOpened(views ? "vw_Subscriber_Global" : "GlobalSubscriber");
         });

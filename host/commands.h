@@ -3,6 +3,8 @@
 // UsageError.
 #pragma once
 
+#include <string>
+
 #include "host/arguments.h"
 
 namespace qlnhost {
@@ -14,5 +16,9 @@ int directoryCommand(Arguments& arguments);
 int eventsCommand(Arguments& arguments);
 int servicesCommand(Arguments& arguments);
 int accountsCommand(Arguments& arguments);
+
+// Starts a service of the host and waits, half a minute at most, until it runs; false says on standard error
+// why it does not. Raises platform::Failure.
+bool startService(const std::string& name);
 
 }  // namespace qlnhost

@@ -4,7 +4,6 @@
 #include "host/commands.h"
 #include "host/provision.h"
 #include "platform/machine/host.h"
-#include "platform/services/serviceManager.h"
 
 namespace qlnhost {
 
@@ -19,12 +18,8 @@ std::filesystem::path kitFolder(Arguments& arguments) {
 // with.
 int startLegacyService(const std::filesystem::path& root) {
     constexpr char name[] = "TsKesnSvr";
-    platform::Service service(platform::ServiceManager(platform::managerExecute), name,
-                              platform::serviceStart);
-    if (const std::uint32_t error = service.start(); error != platform::noError) {
-        std::fprintf(stderr, "qlnhost: the legacy service does not start, error %u\n", error);
+    if (!startService(name))
         return 1;
-    }
     std::printf("The legacy service %s runs; it ends with: qlnhost --host %s services stop %s\n", name,
                 root.c_str(), name);
     return 0;

@@ -1,4 +1,4 @@
-// What a host holds besides its registry: directory, event logs, services, accounts.
+// What a host holds besides its registry and its services: directory, event logs, accounts.
 
 #include <cstdio>
 #include <iostream>
@@ -9,7 +9,6 @@
 #include "platform/files/files.h"
 #include "platform/machine/eventLog.h"
 #include "platform/services/accounts.h"
-#include "platform/services/serviceManager.h"
 
 namespace qlnhost {
 
@@ -17,20 +16,6 @@ namespace {
 
 const char* typeText(unsigned type) {
     return type == 1 ? "Error" : type == 2 ? "Warning" : "Information";
-}
-
-const char* stateText(platform::ServiceState state) {
-    switch (state) {
-        case platform::ServiceState::startPending:
-            return "start pending";
-        case platform::ServiceState::stopPending:
-            return "stop pending";
-        case platform::ServiceState::running:
-            return "running";
-        case platform::ServiceState::stopped:
-            break;
-    }
-    return "stopped";
 }
 
 // A password is read from the standard input: in an argument every user of the machine could see it.
@@ -71,27 +56,6 @@ int eventsCommand(Arguments& arguments) {
         }
     }
     return 0;
-}
-
-int servicesCommand(Arguments& arguments) {
-    const std::string verb = arguments.takeOr("list");
-    if (verb == "list") {
-        arguments.finish();
-        for (const std::string& name : platform::serviceNames())
-            std::printf("%-16s %s\n", name.c_str(), stateText(platform::queryServiceStatus(name).state));
-        return 0;
-    }
-    if (verb != "start" && verb != "stop")
-        throw UsageError("services knows list, start and stop, not '" + verb + "'");
-    const std::string name = arguments.take("NAME");
-    arguments.finish();
-    platform::Service service(platform::ServiceManager(platform::managerExecute), name,
-                              platform::serviceStart | platform::serviceStop);
-    const std::uint32_t error =
-        verb == "start" ? service.start() : service.control(platform::ServiceControl::stop);
-    if (error != platform::noError)
-        std::fprintf(stderr, "qlnhost: the service manager refuses with error %u\n", error);
-    return error == platform::noError ? 0 : 1;
 }
 
 int accountsCommand(Arguments& arguments) {

@@ -46,7 +46,7 @@ constexpr char help[] =
     "                         the records of the event logs\n"
     "  services [list]        services and their states\n"
     "  services start NAME    start a service of the host\n"
-    "  services stop NAME     ask it to stop\n"
+    "  services stop NAME     stop it\n"
     "  accounts [list]        accounts that services run under\n"
     "  accounts set NAME      add one or change its password (a line of standard input)\n"
     "  accounts check NAME    is this its password (a line of standard input)?\n"

@@ -4,7 +4,6 @@
 #include <QIcon>
 #include <QStyle>
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 #include "host/eventViewer/eventText.h"
@@ -28,13 +27,18 @@ QIcon iconOf(std::size_t typeIndex) {
 
 }  // namespace
 
-EventModel::EventModel(const Texts& texts, QObject* parent) : QAbstractTableModel(parent), texts_(texts) {}
+EventModel::EventModel(const Texts& texts, std::function<void()> readOn, QObject* parent)
+    : QAbstractTableModel(parent), texts_(texts), readOn_(std::move(readOn)) {
+    nextTurn_.setSingleShot(true);
+    connect(&nextTurn_, &QTimer::timeout, this, [this] { fetchMore(); });
+}
 
 void EventModel::setLog(std::optional<platform::EventLogPages> log) {
     beginResetModel();
     events_.clear();
     shown_.clear();
     log_ = std::move(log);
+    failure_.clear();
     endResetModel();
     fetchMore();
 }
@@ -64,12 +68,15 @@ void EventModel::fetchMore(const QModelIndex&) {
     std::vector<std::size_t> more;
     for (int page = 0; page < mostPages && more.empty() && canFetchMore(); ++page)
         more = readEarlier();
-    if (more.empty())
-        return;
-    const int first = rowCount();
-    beginInsertRows({}, first, first + static_cast<int>(more.size()) - 1);
-    shown_.insert(shown_.end(), more.begin(), more.end());
-    endInsertRows();
+    if (!more.empty()) {
+        const int first = rowCount();
+        beginInsertRows({}, first, first + static_cast<int>(more.size()) - 1);
+        shown_.insert(shown_.end(), more.begin(), more.end());
+        endInsertRows();
+    } else if (canFetchMore()) {
+        nextTurn_.start();
+    }
+    readOn_();
 }
 
 // Indexes of those of the page's events that are to be shown.
@@ -81,8 +88,9 @@ std::vector<std::size_t> EventModel::readEarlier() {
                 more.push_back(events_.size());
             events_.push_back(std::move(event));
         }
-    } catch (const platform::Failure&) {
-        log_.reset();  // a log that cannot be read on ends here; the next refresh tells why
+    } catch (const platform::Failure& failure) {
+        failure_ = failure.description();
+        log_.reset();
     }
     return more;
 }

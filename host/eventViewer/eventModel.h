@@ -2,7 +2,8 @@
 #pragma once
 
 #include <QAbstractTableModel>
-#include <array>
+#include <QTimer>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,10 +15,10 @@ namespace viewer {
 
 class EventModel : public QAbstractTableModel {
   public:
-    explicit EventModel(const Texts& texts, QObject* parent = nullptr);
+    // `readOn` is called each time when more of the log was read, or could not be.
+    EventModel(const Texts& texts, std::function<void()> readOn, QObject* parent = nullptr);
 
-    // Shows a log from its end on; more of it is read as rows are asked for. Nothing without a log. Raises
-    // the failure of reading it.
+    // Shows a log from its end on; more of it is read as rows are asked for. Nothing without a log.
     void setLog(std::optional<platform::EventLogPages> log);
     // The one type to show, if only one.
     void setTypeShown(std::optional<std::size_t> typeIndex);
@@ -29,6 +30,10 @@ class EventModel : public QAbstractTableModel {
     int rowOf(std::uint64_t place) const;
     // Records that were read so far.
     std::size_t eventCount() const { return events_.size(); }
+    // True when the record at this place of the log has been read, shown or not.
+    bool hasReadTo(std::uint64_t place) const { return !events_.empty() && events_.back().place <= place; }
+    // Why the log could not be read on; empty when it could.
+    const std::string& failure() const { return failure_; }
     // True when a column or the description contains the text, without regard to case.
     bool contains(int row, const QString& text) const;
 
@@ -37,7 +42,8 @@ class EventModel : public QAbstractTableModel {
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     bool canFetchMore(const QModelIndex& parent = {}) const override;
-    // Reads on until there is another row to show, at most some megabytes.
+    // Reads on until there is another row to show; after some megabytes without one the window gets a turn
+    // first. A log that cannot be read on ends there, with its failure.
     void fetchMore(const QModelIndex& parent = {}) override;
 
   private:
@@ -49,6 +55,9 @@ class EventModel : public QAbstractTableModel {
     std::vector<platform::PlacedEvent> events_;  // the newest first
     std::vector<std::size_t> shown_;             // indexes into events_
     std::optional<std::size_t> typeShown_;
+    std::string failure_;
+    std::function<void()> readOn_;
+    QTimer nextTurn_;
 };
 
 }  // namespace viewer

@@ -37,7 +37,9 @@ QString plain(const char* caption) {
 
 }  // namespace
 
-EventWindow::EventWindow(Language language) : texts_(texts(language)), model_(new EventModel(texts_, this)) {
+EventWindow::EventWindow(Language language) : texts_(texts(language)) {
+    model_ = new EventModel(
+        texts_, [this] { showWhatWasRead(); }, this);
     setObjectName("EventVwr");
     setWindowTitle(texts_.eventViewer);
     auto* all = new QWidget(this);
@@ -135,7 +137,6 @@ void EventWindow::connectControls() {
     connect(comboType_, &QComboBox::currentIndexChanged, this, [this] { chooseType(); });
     connect(cmdRefresh_, &QPushButton::clicked, this, [this] { refresh(); });
     connect(cmdCopy_, &QPushButton::clicked, this, [this] { copyEvent(); });
-    connect(model_, &QAbstractItemModel::rowsInserted, this, [this] { showDetails(); });
     connect(tableEvents_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this] { showDetails(); });
     connect(new QShortcut(Qt::Key_F5, this), &QShortcut::activated, this, [this] { refresh(); });
@@ -165,13 +166,11 @@ void EventWindow::refresh() {
     try {
         model_->setLog(platform::EventLogPages(comboLog_->currentIndex() == 0 ? "Application" : "System"));
         // The chosen event may lie beyond the first page.
-        while (chosen && model_->rowOf(place) < 0 && model_->canFetchMore() &&
-               model_->place(model_->rowCount() - 1) > place)
+        while (chosen && !model_->hasReadTo(place) && model_->canFetchMore())
             model_->fetchMore();
     } catch (const platform::Failure& failure) {
         model_->setLog({});
-        statusBar()->showMessage(
-            QString(texts_.cannotRead).arg(QString::fromStdString(failure.description())));
+        showFailure(failure.description());
     }
     if (wasEmpty)
         fitColumns();
@@ -198,8 +197,21 @@ void EventWindow::showDetails() {
     txtDetails_->setPlainText(
         row < 0 ? QString()
                 : QString::fromStdString(copiedText(model_->eventAt(row), texts_)).replace("\t\t", "\t"));
+    showWhatWasRead();
+}
+
+void EventWindow::showWhatWasRead() {
+    // The first event that comes is chosen, however long it was looked for.
+    if (currentRow() < 0 && model_->rowCount() > 0)
+        tableEvents_->setCurrentIndex(model_->index(0, 0));
+    if (!model_->failure().empty())
+        showFailure(model_->failure());
     const QString read = QString::number(model_->eventCount()) + (model_->canFetchMore() ? "+" : "");
     lblCount_->setText(QString(texts_.count).arg(model_->rowCount()).arg(read));
+}
+
+void EventWindow::showFailure(const std::string& description) {
+    statusBar()->showMessage(QString(texts_.cannotRead).arg(QString::fromStdString(description)));
 }
 
 void EventWindow::copyEvent() {

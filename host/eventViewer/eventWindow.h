@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <string>
 
 #include "host/viewer/texts.h"
 
@@ -31,12 +32,14 @@ class EventWindow : public QMainWindow {
     void fitColumns();
     void chooseType();
     void showDetails();
+    void showWhatWasRead();
+    void showFailure(const std::string& description);
     void copyEvent();
     bool find(const QString& text, bool backwards);
     int currentRow() const;
 
     const Texts& texts_;
-    EventModel* model_;
+    EventModel* model_ = nullptr;
     QComboBox* comboLog_;
     QComboBox* comboType_;
     QPushButton* cmdRefresh_;

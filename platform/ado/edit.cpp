@@ -122,6 +122,7 @@ void Recordset::Impl::updateAdded() {
         texts.put(row.values[i], edits[i].value_or(Null{}));
     if (batch) {
         operations.push_back({Operation::Kind::add, rows.size(), edits});
+        row.inBatch = true;
     } else {
         row.id = insertRow(edits);
         row.stale = true;
@@ -140,6 +141,7 @@ void Recordset::Impl::updatePresent() {
         changeRow(*row.id, edits);
     } else if (row.id) {
         operations.push_back({Operation::Kind::change, position, edits});
+        row.inBatch = true;
     } else {
         const auto added = std::find_if(operations.begin(), operations.end(),
                                         [&](const Operation& each) { return each.row == position; });
@@ -162,7 +164,8 @@ void Recordset::Impl::removePresent() {
         removeRow(*row.id);
     } else {
         // What was to happen to the row before does not matter any more.
-        std::erase_if(operations, [&](const Operation& each) { return each.row == position; });
+        if (row.inBatch)
+            std::erase_if(operations, [&](const Operation& each) { return each.row == position; });
         if (row.id)
             operations.push_back({Operation::Kind::remove, position, {}});
     }
@@ -191,6 +194,8 @@ void Recordset::Impl::applyBatch() {
         rows[row].id = id;
         rows[row].stale = true;
     }
+    for (const Operation& operation : operations)
+        rows[operation.row].inBatch = false;
     operations.clear();
     dropIndexes();
 }
@@ -231,7 +236,7 @@ void Recordset::deleteCurrent() {
     if (!impl_)
         throw makeFailure(objectClosed);
     impl_->requireWritable();
-    // A row that is only being added goes by being forgotten.
+    // Not inserted yet: dropping its edits is enough.
     if (!impl_->adding)
         impl_->removePresent();
     impl_->dropEdits();

@@ -59,7 +59,8 @@ struct Recordset::Impl {
         ado::Cell* values = nullptr;     // of the fields, in one of the blocks of `cells`
         std::optional<std::int64_t> id;  // of a writable recordset's row, once it is in the table
         bool deleted = false;
-        bool stale = false;  // written here; the values are to be read back before they are shown
+        bool inBatch = false;  // the batch holds something that is to happen to it
+        bool stale = false;    // written here; the values are to be read back before they are shown
     };
     struct Operation {
         enum class Kind { add, change, remove } kind;

@@ -68,10 +68,10 @@ std::vector<PlacedEvent> EventLogPages::earlier() {
     for (std::uint64_t length = pageSize_; begin > 0 && firstLine == std::string::npos; length *= 2) {
         begin = end - std::min(end, length);
         bytes = bytesOf(file, begin, end);
-        const std::size_t lineEnd = begin == 0 ? std::string::npos : bytes.find('\n');
-        firstLine = begin == 0                                                   ? 0
-                    : lineEnd + 1 < bytes.size() && lineEnd != std::string::npos ? lineEnd + 1
-                                                                                 : std::string::npos;
+        if (begin == 0)
+            firstLine = 0;
+        else if (const std::size_t lineEnd = bytes.find('\n'); lineEnd < bytes.size() - 1)
+            firstLine = lineEnd + 1;
     }
     begin_ = begin + firstLine;
     std::string_view rest = std::string_view(bytes).substr(firstLine);

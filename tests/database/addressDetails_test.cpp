@@ -109,17 +109,25 @@ TEST_F(AddressDetails, AnAddressThatCannotBeSearchedHurtsNoOther) {
     EXPECT_EQ(details(), Lines{});
 }
 
-TEST_F(AddressDetails, ATableThatCannotBeEmptiedIsKeptAndTold) {
+TEST_F(AddressDetails, ATableThatCannotBeReplacedIsKeptAndTold) {
     openDirectory({"CREATE TABLE GlobalSubscriber(DisplayName, DirectoryId)",
                    "CREATE TABLE DistributionList(DisplayName, DirectoryId)"});
-    run("DELETE FROM Device WHERE DeviceKey <> 2");
+    run("CREATE TRIGGER held BEFORE INSERT ON AddressDetails WHEN NEW.DeviceKey = 7 "
+        "BEGIN SELECT raise(ABORT, 'held'); END");
+    const auto expectKept = [&] {
+        rebuildAddressDetailsTable();
+        const Lines told = logOf("rebuildAddressDetailsTable");
+        ASSERT_EQ(told.size(), 1u);
+        EXPECT_TRUE(told[0].starts_with("ERROR: Err.Number = -2147")) << told[0];
+        EXPECT_EQ(details(), Lines{"old|old|3|77"});
+        forgetLog();
+    };
+    expectKept();
+    run("DROP TRIGGER held; DELETE FROM Device WHERE DeviceKey <> 2");
     std::filesystem::permissions(host.databaseFile(), std::filesystem::perms::owner_read);
     core::gDatabase.close();
     core::gDatabase.open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + host.databaseFile().string());
-    rebuildAddressDetailsTable();
-    ASSERT_EQ(logOf("rebuildAddressDetailsTable").size(), 1u);
-    EXPECT_TRUE(logOf("rebuildAddressDetailsTable")[0].starts_with("ERROR: Err.Number = -2147467259 "));
-    EXPECT_EQ(details(), Lines{"old|old|3|77"});
+    expectKept();
 }
 
 }  // namespace

@@ -401,11 +401,10 @@ TEST(Killed, RebuildingTheAddressDetails) {
         "'p3', 'p3 (Pager)', 3, 5",      "'s1', 's1 (SMTP Address)', 4, 6",
         "'h', ' (SYSLOG)', 6, 7",        "'Failover', ' (FAILOVER)', 7, 8",
         "'b', 'b (Pager)', 3, 20"};
-    std::string rowsAtOnce;
+    std::string rowsAtOnce = "DELETE FROM AddressDetails;";
     for (const std::string& row : details)
         rowsAtOnce += "INSERT INTO AddressDetails VALUES(" + row + ");";
-    const Writes writes{{"empty table", "DELETE FROM AddressDetails"},
-                        {"lost device off", "UPDATE Device SET DeviceActive = 0 WHERE DeviceKey = 2"},
+    const Writes writes{{"lost device off", "UPDATE Device SET DeviceActive = 0 WHERE DeviceKey = 2"},
                         {"all rows", rowsAtOnce}};
     killInOrder({"rebuild the address details", rebuildAddressDetailsTable, writes,
                  rebuildAddressDetailsTable,

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTableView>
 #include <QtTest/QTest>
 
@@ -111,6 +112,34 @@ TEST_F(EventViewer, AnEmptyLogIsEmptyAndOneThatCannotBeReadSaysSo) {
     std::filesystem::create_directories(platform::host::eventLogsFolder() / "System.log");
     find<QComboBox>("comboLog").setCurrentIndex(1);
     EXPECT_FALSE(window->findChild<QWidget*>("cmdCopy")->isEnabled());
+    EXPECT_NE(window->statusBar()->currentMessage(), "");
+}
+
+TEST_F(EventViewer, AFilterLooksThroughTheWholeLogAndSaysWhenItCannot) {
+    const auto fill = [&] {
+        platform::appendEvent(record(2, "First", 1));
+        const std::string longText(100000, 'x');
+        for (unsigned i = 0; i < 150; ++i)
+            platform::appendEvent(record(4, "Noise", i, longText));
+    };
+    fill();
+    open();
+    auto& type = find<QComboBox>("comboType");
+    QTest::keyClicks(&type, "W");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return sources() == "First"; }));
+    EXPECT_EQ(find<QLabel>("lblCount").text(), "1 of 151 events");
+    EXPECT_TRUE(find<QPushButton>("cmdCopy").isEnabled());
+    QTest::keyClick(window.get(), Qt::Key_F5);
+    EXPECT_EQ(table->currentIndex().row(), 0) << "the chosen event is found again, however old";
+    QTest::keyClicks(&type, "E");
+    EXPECT_EQ(sources(), "");
+
+    // The log goes away while it is being looked through.
+    QTest::keyClick(window.get(), Qt::Key_F5);
+    const auto file = platform::host::eventLogsFolder() / "Application.log";
+    std::filesystem::remove(file);
+    std::filesystem::create_directories(file);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window->statusBar()->currentMessage().isEmpty(); }));
 }
 
 }  // namespace

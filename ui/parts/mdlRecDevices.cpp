@@ -76,7 +76,8 @@ void addDevice(KeyedTree& tree, const std::string& recipientNode, const Recipien
     recordDeviceState(selectedDevices, node.key, true);
 }
 
-void addRecipient(KeyedTree& tree, const Recordset& recipient, const Sources& sources,
+// A node that the tree refuses, such as a second one for a device, is logged, and the others go on.
+void addRecipient(Frame& frame, KeyedTree& tree, const Recordset& recipient, const Sources& sources,
                   DeviceSelection& selectedDevices) {
     KeyedTree::NewNode node;
     node.info.key = recipient.number("RecipientKey");
@@ -92,7 +93,7 @@ void addRecipient(KeyedTree& tree, const Recordset& recipient, const Sources& so
         return;
     bool anyAssigned = false;
     for (const RecipientDevice& device : devices->second) {
-        addDevice(tree, node.key, device, active, sources, selectedDevices);
+        frame.step([&] { addDevice(tree, node.key, device, active, sources, selectedDevices); });
         anyAssigned = anyAssigned || sources.assignments.contains(device.key);
     }
     if (anyAssigned)
@@ -119,7 +120,7 @@ bool populateRecipientsList(KeyedTree& tree, long eventKey, DeviceSelection& sel
                 added = frame.step([&] {
                     const long key = recipients.number("RecipientKey");
                     if (assignedOnly ? sources.assigned.contains(key) : counts.contains(key))
-                        addRecipient(tree, recipients, sources, selectedDevices);
+                        addRecipient(frame, tree, recipients, sources, selectedDevices);
                 }) && added;
                 added = frame.step([&] { recipients.moveNext(); }) && added;
             }

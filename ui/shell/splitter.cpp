@@ -38,22 +38,23 @@ void Splitter::place(int left, int top, int height) {
 
 bool Splitter::eventFilter(QObject* watched, QEvent* event) {
     const auto mouse = [&]() -> const QMouseEvent& { return *static_cast<QMouseEvent*>(event); };
-    if (watched == imgSplitter_)
-        switch (event->type()) {
-            case QEvent::MouseButtonPress:
-                if (mouse().button() == Qt::LeftButton)
-                    imgSplitter_MouseDown();
-                break;
-            case QEvent::MouseMove:
-                imgSplitter_MouseMove(ui::twips(mouse().position().toPoint().x()));
-                break;
-            case QEvent::MouseButtonRelease:
-                if (mouse().button() == Qt::LeftButton)
-                    imgSplitter_MouseUp();
-                break;
-            default:
-                break;
-        }
+    if (watched != imgSplitter_)
+        return QObject::eventFilter(watched, event);
+    switch (event->type()) {
+        case QEvent::MouseButtonPress:
+            if (mouse().button() == Qt::LeftButton)
+                imgSplitter_MouseDown();
+            break;
+        case QEvent::MouseMove:
+            imgSplitter_MouseMove(ui::twips(mouse().position().toPoint().x()));
+            break;
+        case QEvent::MouseButtonRelease:
+            if (mouse().button() == Qt::LeftButton)
+                imgSplitter_MouseUp();
+            break;
+        default:
+            break;
+    }
     return QObject::eventFilter(watched, event);
 }
 

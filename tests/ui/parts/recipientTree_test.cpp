@@ -73,6 +73,14 @@ TEST_F(RecipientTree, ShowsWhoIsOnTheEventWithAllHisDevices) {
                                     "555 (Pager)", "-Cy", "host (SYSLOG)"}));
     EXPECT_TRUE(selection.empty());
     EXPECT_EQ(host.countInLog("ERROR"), 0);
+
+    // A device that two recipients share has one node; the other devices and recipients are there all the
+    // same.
+    run("INSERT INTO DeviceRecipient VALUES (11, 2)");
+    EXPECT_TRUE(populateRecipientsList(list, event, selection, false));
+    EXPECT_EQ(linesOf(list).size(), 8u);
+    EXPECT_TRUE(list.contains("DeviceKey:21"));
+    EXPECT_GE(host.countInLog("ERROR"), 1);
 }
 
 TEST_F(RecipientTree, BoxesAndSelectionStayInStep) {

@@ -1,0 +1,84 @@
+// The services of a host, as a person starts, stops and sees them.
+
+#include <chrono>
+#include <cstdio>
+#include <string>
+#include <thread>
+
+#include "host/commands.h"
+#include "platform/services/serviceManager.h"
+
+namespace qlnhost {
+
+namespace {
+
+using platform::ServiceState;
+
+const char* stateText(ServiceState state) {
+    switch (state) {
+        case ServiceState::startPending:
+            return "start pending";
+        case ServiceState::stopPending:
+            return "stop pending";
+        case ServiceState::running:
+            return "running";
+        case ServiceState::stopped:
+            break;
+    }
+    return "stopped";
+}
+
+// The manager answers as soon as a service has heard of the request; whoever asked goes on with a service
+// that runs, or is gone. Waits half a minute at most; false says on standard error what the service does
+// instead.
+bool reaches(const std::string& name, ServiceState wanted) {
+    using std::chrono::steady_clock;
+    const auto end = steady_clock::now() + std::chrono::seconds(30);
+    ServiceState state = platform::queryServiceStatus(name).state;
+    while (state != wanted && state != ServiceState::stopped && steady_clock::now() < end) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        state = platform::queryServiceStatus(name).state;
+    }
+    if (state != wanted)
+        std::fprintf(stderr, "qlnhost: %s is %s\n", name.c_str(), stateText(state));
+    return state == wanted;
+}
+
+bool accepted(std::uint32_t error) {
+    if (error != platform::noError)
+        std::fprintf(stderr, "qlnhost: the service manager refuses with error %u\n", error);
+    return error == platform::noError;
+}
+
+platform::Service openService(const std::string& name) {
+    return {platform::ServiceManager(platform::managerExecute), name,
+            platform::serviceStart | platform::serviceStop};
+}
+
+}  // namespace
+
+bool startService(const std::string& name) {
+    return accepted(openService(name).start()) && reaches(name, ServiceState::running);
+}
+
+int servicesCommand(Arguments& arguments) {
+    const std::string verb = arguments.takeOr("list");
+    if (verb == "list") {
+        arguments.finish();
+        for (const std::string& name : platform::serviceNames())
+            std::printf("%-16s %s\n", name.c_str(), stateText(platform::queryServiceStatus(name).state));
+        return 0;
+    }
+    if (verb != "start" && verb != "stop")
+        throw UsageError("services knows list, start and stop, not '" + verb + "'");
+    const std::string name = arguments.take("NAME");
+    arguments.finish();
+    if (verb == "start")
+        return startService(name) ? 0 : 1;
+    return accepted(openService(name).control(platform::ServiceControl::stop)) &&
+                   reaches(name, ServiceState::stopped)
+               ? 0
+               : 1;
+}
+
+}  // namespace qlnhost
