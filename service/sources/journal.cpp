@@ -151,13 +151,13 @@ void Journal::noteChanges() {
         journal_.reset();
 }
 
-std::string Journal::end() const {
+std::string Journal::end() {
     int error = 0;
     return endOf(openJournal(folder_, error).get());
 }
 
 // Stands before the first record behind the batch's position. False when there is none.
-bool Journal::seek(JournalBatch& batch) {
+bool Journal::seek(Batch& batch) {
     sd_journal* const journal = journal_.get();
     const std::string& position = batch.position;
     const bool isMoment = isMomentOnly(position);
@@ -193,7 +193,7 @@ void Journal::noteClock(std::uint64_t moment, std::vector<std::string>& notices)
 }
 
 // Goes to the next record and takes it. Gives 0 at the end, a negative error, or 1.
-int Journal::step(JournalBatch& batch) {
+int Journal::step(Batch& batch) {
     sd_journal* const journal = journal_.get();
     if (!std::exchange(isAtRecord_, false))
         if (const int result = sd_journal_next(journal); result <= 0)
@@ -212,8 +212,8 @@ int Journal::step(JournalBatch& batch) {
     return 1;
 }
 
-JournalBatch Journal::read(const std::string& position, std::size_t most) {
-    JournalBatch batch;
+Batch Journal::read(const std::string& position, std::size_t most) {
+    Batch batch;
     batch.position = position;
     noteChanges();
     if (!open(batch.notices))

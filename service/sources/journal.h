@@ -9,41 +9,34 @@
 #include <string>
 #include <vector>
 
-#include "platform/machine/eventLog.h"
+#include "service/sources/source.h"
 
 struct sd_journal;
 
 namespace service {
-
-// What one look at the journal gives.
-struct JournalBatch {
-    std::vector<platform::EventRecord> records;  // oldest first
-    std::vector<std::string> notices;            // lines for the service's log: gaps, what was skipped
-    std::string position;                        // behind the last of the records; to be kept and given again
-    bool isWhole = true;                         // false when more can be read at once
-};
 
 struct CloseJournal {
     void operator()(sd_journal* journal) const noexcept;
 };
 using JournalHandle = std::unique_ptr<sd_journal, CloseJournal>;
 
-// Used by one thread. Nothing here raises: a journal that cannot be read gives an empty batch and a notice,
+// Nothing here raises: a journal that cannot be read gives an empty batch and a notice,
 // once for each reason, and is tried again at the next look.
-class Journal {
+class Journal : public Source {
   public:
     // The system's journal, or the journal files of a folder.
     explicit Journal(std::filesystem::path folder = {});
-    ~Journal();
+    ~Journal() override;
     Journal(const Journal&) = delete;
     Journal& operator=(const Journal&) = delete;
 
     // The position behind the newest record: where a first start begins. In a journal without records, or
     // one that cannot be read, the present moment.
-    std::string end() const;
+    std::string name() const override { return "Journal"; }
+    std::string end() override;
     // Up to `most` records behind `position`. Records that are gone by now are told as a gap with the moments
     // on both sides, one that cannot be read is skipped and told, and the batch begins with what is there.
-    JournalBatch read(const std::string& position, std::size_t most);
+    Batch read(const std::string& position, std::size_t most) override;
 
     // A descriptor that becomes readable when there may be news; -1 while the journal cannot be opened. It
     // may change with each read().
@@ -54,8 +47,8 @@ class Journal {
   private:
     bool open(std::vector<std::string>& notices);
     void noteChanges();
-    bool seek(JournalBatch& batch);
-    int step(JournalBatch& batch);
+    bool seek(Batch& batch);
+    int step(Batch& batch);
     void noteClock(std::uint64_t moment, std::vector<std::string>& notices);
 
     std::filesystem::path folder_;

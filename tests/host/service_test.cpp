@@ -1,59 +1,37 @@
-// The service's real program: which records of the event logs it finds, and whom it would notify of them.
+// The service's real program: from a record in a log to a mail in the host's mailboxes.
 #include <gtest/gtest.h>
 
 #include "platform/files/files.h"
 #include "platform/machine/eventLog.h"
+#include "platform/machine/host.h"
 #include "support/serviceHost.h"
 
 namespace {
 
-using Lines = std::vector<std::string>;
+namespace fs = std::filesystem;
 using platform::ServiceState;
+using std::chrono::steady_clock;
 
-class WatchingService : public ::testing::Test {
+class ServiceProgram : public ::testing::Test {
   protected:
-    WatchingService() {
+    ServiceProgram() {
         host.installService();
-        host.setRegistry("SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service",
-                         "ServicePollingPause", 5u);
         host.openConfiguration();
-        set("OutputFilePath", logFile().string());
-        run("INSERT INTO Recipients VALUES (1, 'Night shift', -1), (2, 'On leave', 0);"
-            "INSERT INTO Device VALUES (1, 1, 'DIR-7', -1), (2, 4, 'night@example.org', -1), (3, 6, "
-            "'loghost', 0),"
-            "(4, 4, 'away@example.org', -1), (5, 5, 'SNMP TRAP', -1), (6, 7, 'Failover', -1), (7, 2, '555', "
-            "-1);"
-            "INSERT INTO DeviceRecipient VALUES (1, 1), (2, 1), (3, 1), (4, 2), (5, 1), (6, 1), (7, 1);");
+        support::run(
+            host.databaseFile(),
+            "UPDATE Configuration SET Value = '" + logFile().string() +
+                "' WHERE Setting = 'OutputFilePath';"
+                "INSERT INTO Recipients VALUES (1, 'Night shift', -1);"
+                "INSERT INTO Device VALUES (1, 4, 'night@example.org', -1);"
+                "INSERT INTO DeviceRecipient VALUES (1, 1);"
+                "INSERT INTO Events VALUES (10, 'Disk', -1, 'Title', 4, -1, 0, NULL);"
+                "INSERT INTO Contents VALUES (10, 3, NULL, 0, '<Type> <Source>[<Event>]', '<Description>');"
+                "INSERT INTO EventDevice VALUES (10, 1, -1);");
     }
 
-    std::filesystem::path logFile() const { return host.root() / "Service" / "watch.log"; }
-    void run(const std::string& statements) { support::run(host.databaseFile(), statements); }
-    void set(const std::string& setting, const std::string& value) {
-        run("UPDATE Configuration SET Value = '" + value + "' WHERE Setting = '" + setting + "'");
-    }
-    // A monitored event with a content of its own and all devices.
-    void monitor(int key, const std::string& source, int id, int severity, bool active = true) {
-        const std::string number = std::to_string(key);
-        run("INSERT INTO Events VALUES (" + number + ", '" + source + "', " + std::to_string(id) +
-            ", 'Title " + number + "', " + std::to_string(severity) + ", " + (active ? "-1" : "0") +
-            ", 0, NULL);" + "INSERT INTO Contents VALUES (" + number + ", 1, 'call.wav', 2, NULL, NULL), (" +
-            number +
-            ", 3, NULL, 0, '<Type> <Source>[<Event>] <Notes>', 'On <Date> at <Time>' || char(13, 10) || "
-            "'<Description>');");
-    }
-    void assignAll(int key) {
-        run("INSERT INTO EventDevice SELECT " + std::to_string(key) + ", DeviceKey, -1 FROM Device");
-    }
-    void write(const char* log, const std::string& source, unsigned id, unsigned short type,
-               const std::string& description = {}) {
-        platform::EventRecord record;
-        record.log = log;
-        record.time = "2026-11-24 14:05:09";
-        record.source = source;
-        record.id = id;
-        record.type = type;
-        record.description = description;
-        platform::appendEvent(record);
+    fs::path logFile() const { return host.root() / "Service" / "watch.log"; }
+    static void write(unsigned id) {
+        platform::appendEvent({"System", "", "Disk", id, 2, 0, "", "", "1. line\r\n2. line with <Type>"});
     }
     platform::Service service() {
         return {platform::ServiceManager(platform::managerExecute), "HbQlnSvc",
@@ -63,84 +41,53 @@ class WatchingService : public ::testing::Test {
         EXPECT_EQ(service().start(), 0u);
         EXPECT_TRUE(host.reaches(ServiceState::running));
     }
-    // The lines of the log without their moments, once the service has stopped.
-    Lines stop() {
-        // A look that began before the last record was written does not see it, the one after it does.
-        platform::wait(std::chrono::milliseconds(100));
+    void stop() {
         EXPECT_EQ(service().control(platform::ServiceControl::stop), 0u);
         EXPECT_TRUE(host.reaches(ServiceState::stopped));
-        Lines lines;
-        const std::string text = platform::files::readFile(logFile());
-        for (std::size_t at = 0; at < text.size(); at = text.find('\n', at) + 1) {
-            EXPECT_EQ(text.substr(at + 19, 2), "  ");
-            lines.push_back(text.substr(at + 21, text.find('\n', at) - at - 21));
+    }
+    // The mails that have come, once there are so many of them.
+    std::vector<std::string> mails(std::size_t count) {
+        const fs::path folder = platform::host::folder() / "mail" / "night@example.org" / "new";
+        std::vector<std::string> texts;
+        for (const auto end = steady_clock::now() + std::chrono::seconds(10);
+             texts.size() < count && steady_clock::now() < end;
+             platform::wait(std::chrono::milliseconds(5))) {
+            texts.clear();
+            if (fs::exists(folder))
+                for (const auto& file : fs::directory_iterator(folder))
+                    texts.push_back(platform::files::readFile(file.path()));
         }
-        return lines;
+        return texts;
     }
 
     support::ServiceHost host;
 };
 
-TEST_F(WatchingService, TellsWhomItWouldNotifyAndWithWhat) {
-    write("Application", "Disk", 51, 1, "from before the start");
-    monitor(10, "disk", 51, 2);
-    assignAll(10);
+TEST_F(ServiceProgram, ARecordLiesAsAMailInTheHostsMailboxAtOnce) {
+    write(50);
     start();
-    write("System", "Disk", 51, 2, "1. line\r\n2. line with <Type>");
-    EXPECT_EQ(
-        stop(),
-        (Lines{"HbQlnSvc started",
-               "Found in the System log: Disk 51, Warning; monitored and active as event 10, \"Title 10\"",
-               "    would send to Night shift: voice message call.wav (Urgent) to DIR-7",
-               "    would send to Night shift: page to 555: Warning Disk[51] Title 10",
-               "    would send to Night shift: e-mail (Low) to night@example.org: Warning Disk[51] Title 10",
-               "        On 11/24/2026 at 2:05:09 PM", "        1. line", "        2. line with <Type>",
-               "    would send to Night shift: SNMP trap: Warning Disk[51] Title 10",
-               "    would send to Night shift: forced failover", "HbQlnSvc stopped"}))
-        << "neither the inactive device nor the inactive recipient, and nothing of before the start";
-}
+    const auto begin = steady_clock::now();
+    write(51);
+    const auto found = mails(1);
+    EXPECT_LT(steady_clock::now() - begin, std::chrono::seconds(2)) << "the polling interval is ten seconds";
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_NE(found[0].find("\nSubject: Warning Disk[51]\n"), std::string::npos) << found[0];
+    EXPECT_NE(found[0].find("\n1. line\n2. line with <Type>\n"), std::string::npos) << found[0];
+    stop();
+    const std::string log = platform::files::readFile(logFile());
+    for (const char* line :
+         {"  HbQlnSvc started\n",
+          "  Found in the System log: Disk 51, Warning; monitored and active as event 10, \"Title\"\n",
+          "  Told: message 1 to Night shift, night@example.org: ", "  HbQlnSvc stopped\n"})
+        EXPECT_NE(log.find(line), std::string::npos) << line << "\n" << log;
+    EXPECT_EQ(log.find("Disk 50"), std::string::npos) << "what was there before the first start is no news";
 
-TEST_F(WatchingService, FindsWhatTheEventsStandFor) {
-    monitor(10, "Disk", -1, 1);
-    monitor(11, "Disk", 51, 4);
-    monitor(12, "Disk", 52, 4, false);
-    run("UPDATE Events SET EventActive = -1 WHERE EventCollection <> 0;"
-        "INSERT INTO Exclusions(EventSource, EventId) VALUES ('MeridaneCorvane_License', -1), "
-        "('MeridaneCorvane_Doh', 7)");
-    const std::string catchAll =
-        support::query(host.databaseFile(), "SELECT EventKey FROM Events WHERE EventCollection <> 0").at(0);
+    // What comes while it does not run is told when it runs again.
+    support::run(host.databaseFile(), "UPDATE Events SET EventLastNotification = NULL");
+    write(52);
     start();
-    write("Application", "Disk", 51, 4);
-    write("Application", "Disk", 52, 1);
-    write("Application", "Tape", 51, 1);
-    for (const unsigned id : {7u, 8u})
-        for (const char* source : {"MeridaneCorvane_License", "MERIDANECORVANE_DOH", "Meridane"})
-            write("Application", source, id, 1);
-    write("Application", "MeridaneCorvane_Doh", 8, 2);
-    Lines found;
-    for (const std::string& line : stop())
-        if (line.starts_with("Found"))
-            found.push_back(line.substr(line.find(": ") + 2, line.find(", \"") - line.find(": ") - 2));
-    EXPECT_EQ(found, (Lines{"Disk 51, Information; monitored and active as event 11",
-                            "Disk 52, Error; monitored and active as event 10",
-                            "MERIDANECORVANE_DOH 8, Error; monitored and active as event " + catchAll}));
-}
-
-TEST_F(WatchingService, WaitsForADatabaseThatIsNotThereAndKeepsWhatItHasNotReadYet) {
-    monitor(10, "Disk", 51, 4);
-    set("MaxDiag", "-1");
-    std::filesystem::rename(host.databaseFile(), host.root() / "away");
-    start();
-    write("Application", "Disk", 51, 4);
-    platform::wait(std::chrono::milliseconds(50));
-    std::filesystem::rename(host.root() / "away", host.databaseFile());
-    const Lines lines = stop();
-    ASSERT_GE(lines.size(), 5u);
-    EXPECT_EQ(lines[0], "HbQlnSvc started");
-    EXPECT_EQ(lines[1], "Looking for 1 active events; new in the event logs: 1");
-    EXPECT_TRUE(lines[2].starts_with("Found in the Application log: Disk 51, Information"));
-    EXPECT_EQ(lines[3], "    no active device to notify");
-    EXPECT_EQ(lines[4], "Looking for 1 active events; new in the event logs: 0");
+    EXPECT_EQ(mails(2).size(), 2u);
+    stop();
 }
 
 }  // namespace

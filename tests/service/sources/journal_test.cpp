@@ -13,8 +13,8 @@
 
 namespace {
 
+using service::Batch;
 using service::Journal;
-using service::JournalBatch;
 using support::JournalEntry;
 using Texts = std::vector<std::string>;
 
@@ -38,7 +38,7 @@ class JournalSourceTest : public ::testing::Test {
     Texts news(std::size_t most = 100) {
         Texts texts;
         notices.clear();
-        JournalBatch batch;
+        Batch batch;
         do {
             batch = journal->read(position, most);
             position = batch.position;

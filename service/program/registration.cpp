@@ -1,4 +1,4 @@
-#include "host/service/registration.h"
+#include "service/program/registration.h"
 
 #include <cstdint>
 

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <exception>
 
-#include "host/service/legacy/legacyWatch.h"
-#include "host/service/run.h"
+#include "host/legacyService/legacyWatch.h"
+#include "service/program/run.h"
 
 int main() {
     try {

@@ -1,5 +1,6 @@
-#include "host/service/run.h"
+#include "service/program/run.h"
 
+#include <poll.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -38,11 +39,12 @@ void catchStop() {
     sigprocmask(SIG_BLOCK, &stopSignal, &signalsWhileWaiting);
 }
 
-// Ends early when the signal to stop comes.
-void pause(milliseconds duration) {
+// Ends early when the signal to stop comes, and when the descriptor, if there is one, becomes readable: true.
+bool pause(milliseconds duration, int descriptor = -1) {
     const timespec wait{static_cast<time_t>(duration.count() / 1000),
                         static_cast<long>(duration.count() % 1000) * 1000000};
-    pselect(0, nullptr, nullptr, nullptr, &wait, &signalsWhileWaiting);
+    pollfd news{descriptor, POLLIN, 0};
+    return ::ppoll(&news, descriptor >= 0 ? 1 : 0, &wait, &signalsWhileWaiting) > 0;
 }
 
 // A pending state lasts, whatever signals come.
@@ -95,7 +97,9 @@ void doWork(const std::string& keyName, const Settings& settings, Work& work) {
             nextLook = now + untilNext;
         }
         const auto untilNext = std::chrono::ceil<milliseconds>(nextLook - now);
-        pause(std::clamp(untilNext, milliseconds(0), crashes ? crashAfter : longestPause));
+        if (pause(std::clamp(untilNext, milliseconds(0), crashes ? crashAfter : longestPause),
+                  work.descriptor()))
+            nextLook = std::chrono::steady_clock::now();
     }
 }
 

@@ -1,4 +1,4 @@
-#include "host/service/behaviour.h"
+#include "service/program/behaviour.h"
 
 #include <algorithm>
 #include <array>

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "host/service/behaviour.h"
-#include "host/service/work.h"
+#include "service/program/behaviour.h"
+#include "service/program/work.h"
 
 namespace service {
 

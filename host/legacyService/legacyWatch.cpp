@@ -1,4 +1,4 @@
-#include "host/service/legacy/legacyWatch.h"
+#include "host/legacyService/legacyWatch.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "host/service/serviceLog.h"
+#include "service/program/serviceLog.h"
 
 #include <utility>
 

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "host/service/serviceLog.h"
-#include "host/service/work.h"
+#include "service/program/serviceLog.h"
+#include "service/program/work.h"
 
 namespace service {
 

@@ -1,0 +1,406 @@
+#include "service/notifier.h"
+
+#include <sys/epoll.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <exception>
+#include <utility>
+
+#include "platform/failure.h"
+#include "platform/machine/clock.h"
+#include "platform/machine/host.h"
+#include "service/decision/render.h"
+#include "service/history/history.h"
+#include "service/outbox/directory.h"
+#include "service/outbox/schedule.h"
+
+namespace service {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr std::size_t recordsOfABatch = 1000;
+
+Moment now() {
+    return platform::clock().now();
+}
+
+std::string nameOf(const platform::EventRecord& record) {
+    return record.source + " " + std::to_string(record.id) + ", " + typeName(record.type);
+}
+
+std::string nameOf(const MonitoredEvent& event) {
+    return "event " + std::to_string(event.key) + ", \"" + event.title + "\"";
+}
+
+std::string nameOf(const Outgoing& message) {
+    return "message " + std::to_string(message.key) + " to " + message.recipient + ", " + message.address;
+}
+
+std::string momentText(const std::string& stored) {
+    platform::LocalTime time{};
+    return platform::parseMoment(stored, time) ? platform::defaultForm(time) : stored;
+}
+
+std::string closingLine(const HeldBack& held) {
+    return std::to_string(held.count) + (held.count == 1 ? " record" : " records") +
+           " of this event had been held back, from " + momentText(held.first) + " to " +
+           momentText(held.last) + ".";
+}
+
+bool isOlder(const platform::EventRecord& record, std::chrono::minutes age) {
+    const auto moment = momentOfStored(record.time);
+    return moment && *moment < now() - age;
+}
+
+platform::Descriptor watchAll(std::initializer_list<int> descriptors) {
+    platform::Descriptor all(::epoll_create1(EPOLL_CLOEXEC));
+    if (!all)
+        throw platform::failureFromErrno(errno, "epoll");
+    for (const int each : descriptors) {
+        epoll_event event{};
+        event.events = EPOLLIN;
+        if (each >= 0)
+            ::epoll_ctl(all.get(), EPOLL_CTL_ADD, each, &event);
+    }
+    return all;
+}
+
+}  // namespace
+
+Notifier::Notifier(NotifierOptions options, std::vector<std::unique_ptr<Source>> sources)
+    : options_(std::move(options)),
+      sources_(std::move(sources)),
+      configuration_(options_.databaseFile),
+      dispatcher_(options_.threads, options_.makeTransport),
+      logsWatch_(platform::host::eventLogsFolder()),
+      wake_(watchAll({dispatcher_.descriptor(), logsWatch_.descriptor()})) {}
+
+template <class Step>
+void Notifier::attempt(const char* what, Step&& step) {
+    std::string trouble;
+    try {
+        step();
+    } catch (const platform::Failure& failure) {
+        trouble = failure.description();
+        // Opened anew, a damaged outbox is set aside.
+        if (failure.number() == storeDamaged && failure.source() == storeName)
+            outbox_.reset();
+    } catch (const std::exception& error) {
+        trouble = error.what();
+    }
+    std::string& known = troubles_[what];
+    if (trouble != known)
+        log_.add(trouble.empty() ? std::string(what) + ": works again" : std::string(what) + ": " + trouble);
+    known = std::move(trouble);
+}
+
+// What the logs hold already is no news to a first start.
+void Notifier::begin() {
+    log_.add("HbQlnSvc started");
+    for (const auto& source : sources_)
+        attempt("Reading", [&] { beginnings_[source->name()] = source->end(); });
+}
+
+// The first message gets a key that no row of the history has yet, so the database has to be readable before
+// an outbox is made.
+void Notifier::openOutbox() {
+    if (outbox_)
+        return;
+    const bool isFirst = !std::filesystem::exists(options_.outboxFile);
+    const std::int64_t firstKey = newestLogKey(configuration_.connection()) + 1;
+    outbox_ = std::make_unique<Outbox>(options_.outboxFile, firstKey);
+    if (outbox_->setAside())
+        log_.add("The outbox was damaged and is kept as " + outbox_->setAside()->string() +
+                 ". A new one begins at the end of the event logs; what waited in the old one is not told.");
+    if (!isFirst && !outbox_->setAside())
+        return;
+    Outbox::Batch batch(*outbox_);
+    for (const auto& [source, position] : beginnings_)
+        batch.setPosition(source, position);
+    batch.commit();
+}
+
+Circumstances Notifier::circumstances() {
+    return {now(), options_.isSetUp, [this](long eventKey) { return outbox_->pendingSince(eventKey); }};
+}
+
+// One batch of a source; true when there may be more.
+bool Notifier::takeIn(Source& source) {
+    const std::string position = outbox_->position(source.name()).value_or(beginnings_[source.name()]);
+    const Batch read = source.read(position, recordsOfABatch);
+    for (const std::string& notice : read.notices)
+        log_.add(notice);
+    if (read.records.empty() && read.position == position)
+        return false;
+    // The records come first: whoever writes one has written before it what it is about.
+    const Monitoring& monitoring = configuration_.current();
+    Outbox::Batch batch(*outbox_);
+    for (const platform::EventRecord& record : read.records)
+        deal(batch, record, monitoring);
+    batch.setPosition(source.name(), read.position);
+    batch.commit();
+    beginnings_[source.name()] = read.position;
+    options_.passes("rows committed");
+    return !read.isWhole;
+}
+
+void Notifier::deal(Outbox::Batch& batch, const platform::EventRecord& record, const Monitoring& monitoring) {
+    for (const EventVerdict& verdict : decide(record, monitoring, circumstances())) {
+        if (everything_.value_or(false)) {
+            log_.add("Record " + nameOf(record) + ", " + nameOf(*verdict.event) + ": " +
+                     std::string(textOf(verdict.reason)));
+            for (const DeviceVerdict& each : verdict.devices)
+                log_.add("    " + each.device->recipient + ", " + each.device->address + ": " +
+                         std::string(textOf(each.reason)));
+        }
+        const bool tells = verdict.has(Reason::send);
+        if (verdict.has(Reason::withinInterval))
+            holdBack(batch, verdict, record, "within the notification interval");
+        else if (tells && !verdict.event->isTest && isOlder(record, options_.oldestNotice))
+            holdBack(batch, verdict, record, "it is old");
+        else if (tells)
+            tell(batch, verdict, record);
+    }
+}
+
+void Notifier::holdBack(Outbox::Batch& batch, const EventVerdict& verdict,
+                        const platform::EventRecord& record, const char* why) {
+    batch.holdBack(verdict.event->key, record);
+    log_.add("Held back: " + nameOf(record) + ", " + nameOf(*verdict.event) + ": " + why);
+    heldUntil_ = now();
+}
+
+// The first message after others were held back ends with how many there were.
+void Notifier::tell(Outbox::Batch& batch, const EventVerdict& verdict, const platform::EventRecord& record) {
+    const MonitoredEvent& event = *verdict.event;
+    const auto held = outbox_->heldBack(event.key);
+    log_.add("Found in the " + record.log + " log: " + nameOf(record) + "; monitored and active as " +
+             nameOf(event));
+    for (const DeviceVerdict& each : verdict.devices) {
+        if (each.reason != Reason::send)
+            continue;
+        Rendered words = render(event, record, each.device->kind, held ? closingLine(*held) : std::string());
+        Outgoing message;
+        message.eventKey = event.key;
+        message.eventSource = record.source;
+        message.eventId = record.id;
+        message.eventType = record.type;
+        message.computer = record.computer;
+        message.isTest = event.isTest;
+        message.deviceKey = each.device->key;
+        message.kind = each.device->kind;
+        message.recipient = each.device->recipient;
+        message.address = each.device->address;
+        message.subject = std::move(words.subject);
+        message.body = std::move(words.body);
+        message.priority = words.priority;
+        message.voiceFile = std::move(words.voiceFile);
+        message.created = now();
+        batch.add(message);
+    }
+    if (held)
+        batch.forgetHeldBack(event.key);
+}
+
+// At the end of an interval the newest of the records that were held back is told, with how many there were.
+void Notifier::tellHeldBack() {
+    if (heldUntil_ && *heldUntil_ > now())
+        return;
+    heldUntil_.reset();
+    const std::vector<HeldBack> all = outbox_->heldBack();
+    if (all.empty())
+        return;
+    const Monitoring& monitoring = configuration_.current();
+    Outbox::Batch batch(*outbox_);
+    for (const HeldBack& held : all) {
+        const MonitoredEvent* const event = monitoring.find(held.eventKey);
+        const auto until =
+            event ? heldBackUntil(*event, monitoring, circumstances()) : std::optional<Moment>();
+        if (until) {
+            heldUntil_ = heldUntil_ ? std::min(*heldUntil_, *until) : *until;
+            continue;
+        }
+        const EventVerdict verdict =
+            event ? decideFor(*event, held.record, monitoring, circumstances()) : EventVerdict();
+        if (verdict.has(Reason::send)) {
+            tell(batch, verdict, held.record);
+            continue;
+        }
+        log_.add(std::to_string(held.count) + " records of event " + std::to_string(held.eventKey) +
+                 " that were held back are not told: " +
+                 (!event                           ? "it was deleted"
+                  : verdict.reason != Reason::send ? std::string(textOf(verdict.reason))
+                                                   : "it has no device that can be told"));
+        batch.forgetHeldBack(held.eventKey);
+    }
+    batch.commit();
+    options_.passes("rows committed");
+}
+
+// What the attempt comes to, where it cannot even be made: nothing otherwise.
+std::optional<Dispatcher::Job> Notifier::jobOf(const Outgoing& message) {
+    Dispatcher::Job job;
+    job.stored = message;
+    job.message.key = outbox_->id() + '-' + std::to_string(message.key);
+    job.message.address = message.address;
+    job.message.subject = message.subject;
+    job.message.body = message.body;
+    job.message.priority = message.priority == 2 ? Priority::urgent : Priority::normal;
+    job.message.created = message.created;
+    if (!message.voiceFile.empty())
+        job.message.voiceFile = options_.databaseFile.parent_path() / message.voiceFile;
+    if (message.kind == DeviceKind::voiceMail || message.kind == DeviceKind::email) {
+        try {
+            const auto alias = directoryAlias(message.address);
+            if (!alias) {
+                settle(message, {Result::refused, "The directory has no such entry"});
+                return std::nullopt;
+            }
+            job.message.address = *alias + '@' + options_.mailDomain;
+        } catch (const platform::Failure& failure) {
+            settle(message, {Result::tryAgain, "The directory cannot be read: " + failure.description()});
+            return std::nullopt;
+        }
+    }
+    return job;
+}
+
+void Notifier::sendDue() {
+    while (dispatcher_.idle() > 0) {
+        const auto due = outbox_->due(now(), dispatcher_.idle(), dispatcher_.busy());
+        if (due.empty())
+            return;
+        for (const Outgoing& message : due)
+            if (auto job = jobOf(message)) {
+                options_.passes("before send");
+                dispatcher_.start(std::move(*job));
+            }
+    }
+}
+
+// An outcome that cannot be kept stays here, and nothing more is sent until it can: its message would look as
+// if it had never been sent.
+void Notifier::settle() {
+    for (auto& ended : dispatcher_.take())
+        ended_.push_back(std::move(ended));
+    for (; !ended_.empty(); ended_.pop_front())
+        settle(ended_.front().first, ended_.front().second);
+}
+
+void Notifier::settle(Outgoing message, const Outcome& outcome) {
+    options_.passes("sent but unmarked");
+    ++message.attempts;
+    message.answer = outcome.answer;
+    message.settled = now();
+    const bool taken = outcome.result == Result::delivered || outcome.result == Result::handedOver;
+    if (taken) {
+        message.state = State::told;
+    } else if (outcome.result == Result::refused) {
+        message.state = State::refused;
+    } else if (const auto next = nextAttempt(message.attempts, message.created, message.settled)) {
+        message.nextAttempt = *next;
+    } else {
+        message.state = State::givenUp;
+    }
+    outbox_->update(message);
+    const bool waits = message.state == State::waiting;
+    log_.add((taken   ? "Told: "
+              : waits ? "Waits: "
+                      : "Not told: ") +
+             nameOf(message) + ": " + outcomeText(message) +
+             (waits ? "; next attempt at " + platform::defaultForm(platform::localTime(message.nextAttempt))
+                    : std::string()));
+}
+
+// First the outcome, then the history, then done: whatever is interrupted is finished after a restart.
+void Notifier::record() {
+    std::vector<Outgoing> messages = outbox_->unrecorded();
+    if (messages.empty())
+        return;
+    options_.passes("before the history");
+    writeHistory(configuration_.connection(), messages);
+    configuration_.forget();
+    for (Outgoing& message : messages) {
+        message.outcome = std::exchange(message.state, State::done);
+        outbox_->update(message);
+    }
+}
+
+void Notifier::age() {
+    constexpr std::chrono::hours often(1);
+    if (now() - lastAging_ < often && lastAging_ <= now())
+        return;
+    const Moment oldest = platform::daysBefore(now(), configuration_.current().settings.reportAging);
+    dropHistoryBefore(configuration_.connection(), oldest);
+    outbox_->dropDoneBefore(oldest);
+    lastAging_ = now();
+}
+
+milliseconds Notifier::look() {
+    logsWatch_.drain();
+    bool more = false;
+    attempt("Configuration", [&] {
+        const NotificationSettings& settings = configuration_.current().settings;
+        logFile_ = settings.logFile;
+        pollingInterval_ = settings.pollingInterval;
+        // A change of the diagnostic level takes effect on a restart.
+        if (!everything_)
+            everything_ = settings.everything;
+    });
+    if (everything_)
+        attempt("Outbox", [&] { openOutbox(); });
+    if (outbox_) {
+        for (const auto& source : sources_)
+            attempt("Reading", [&] { more = takeIn(*source) || more; });
+        // Old records are counted to their end before they are told.
+        if (!more)
+            attempt("Records that were held back", [&] { tellHeldBack(); });
+        attempt("Sending", [&] {
+            settle();
+            sendDue();
+        });
+        attempt("History", [&] { record(); });
+        attempt("Aging", [&] { age(); });
+    }
+    flushLog();
+    return more ? milliseconds(0) : untilNextLook();
+}
+
+milliseconds Notifier::untilNextLook() {
+    constexpr milliseconds afterTrouble(1000);
+    milliseconds wait = options_.pause.count() > 0 ? options_.pause : milliseconds(pollingInterval_);
+    const Moment present = now();
+    const auto atMost = [&](const std::optional<Moment>& moment) {
+        if (moment)
+            wait =
+                std::min(wait, std::max(std::chrono::ceil<milliseconds>(*moment - present), milliseconds(1)));
+    };
+    atMost(heldUntil_);
+    // What is due already waits for a thread, whose end wakes this one.
+    if (outbox_)
+        attempt("Sending", [&] { atMost(outbox_->nextAttemptAfter(present)); });
+    const bool isTroubled =
+        std::ranges::any_of(troubles_, [](const auto& each) { return !each.second.empty(); });
+    return isTroubled ? std::min(wait, afterTrouble) : wait;
+}
+
+void Notifier::end() {
+    dispatcher_.stop();
+    if (outbox_) {
+        attempt("Sending", [&] { settle(); });
+        attempt("History", [&] { record(); });
+    }
+    log_.add("HbQlnSvc stopped");
+    flushLog();
+}
+
+// Where the log lies is not known before the database has been read.
+void Notifier::flushLog() {
+    if (everything_)
+        log_.flush(logFile_);
+}
+
+}  // namespace service

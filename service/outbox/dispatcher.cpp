@@ -1,0 +1,123 @@
+#include "service/outbox/dispatcher.h"
+
+#include <signal.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <exception>
+
+#include "platform/failure.h"
+
+namespace service {
+
+namespace {
+
+constexpr std::chrono::seconds longestAttempt(60);
+
+platform::Descriptor makeWake() {
+    platform::Descriptor wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    if (!wake)
+        throw platform::failureFromErrno(errno, "eventfd");
+    return wake;
+}
+
+}  // namespace
+
+Dispatcher::Dispatcher(std::size_t threads, MakeTransport make) : make_(std::move(make)), wake_(makeWake()) {
+    // Signals are for the owner's thread, which waits for them.
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    try {
+        while (threads_.size() < threads)
+            threads_.emplace_back([this] { work(); });
+    } catch (...) {
+        pthread_sigmask(SIG_SETMASK, &before, nullptr);
+        stop();
+        throw;
+    }
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+Dispatcher::~Dispatcher() {
+    stop();
+}
+
+void Dispatcher::start(Job job) {
+    busy_.emplace(job.stored.key, addressKey(job.stored));
+    {
+        const std::lock_guard lock(mutex_);
+        jobs_.push_back(std::move(job));
+    }
+    news_.notify_one();
+}
+
+std::vector<std::string> Dispatcher::busy() const {
+    std::vector<std::string> addresses;
+    for (const auto& [key, address] : busy_)
+        addresses.push_back(address);
+    return addresses;
+}
+
+std::vector<std::pair<Outgoing, Outcome>> Dispatcher::take() {
+    std::uint64_t count = 0;
+    [[maybe_unused]] const ssize_t drained = ::read(wake_.get(), &count, sizeof count);
+    std::vector<std::pair<Outgoing, Outcome>> finished;
+    {
+        const std::lock_guard lock(mutex_);
+        finished.swap(finished_);
+    }
+    for (const auto& [message, outcome] : finished)
+        busy_.erase(message.key);
+    return finished;
+}
+
+void Dispatcher::stop() {
+    isStopping_ = true;
+    {
+        // A thread that is about to wait has seen it, or is woken.
+        const std::lock_guard lock(mutex_);
+    }
+    news_.notify_all();
+    for (std::thread& thread : threads_)
+        if (thread.joinable())
+            thread.join();
+}
+
+void Dispatcher::work() {
+    std::map<DeviceKind, std::unique_ptr<Transport>> transports;
+    for (;;) {
+        Job job;
+        {
+            std::unique_lock lock(mutex_);
+            news_.wait(lock, [this] { return isStopping_ || !jobs_.empty(); });
+            if (isStopping_)
+                return;
+            job = std::move(jobs_.front());
+            jobs_.pop_front();
+        }
+        Outcome outcome{Result::refused, "This host is not set up for such devices"};
+        try {
+            auto& transport = transports[job.stored.kind];
+            if (!transport)
+                transport = make_(job.stored.kind);
+            if (transport)
+                outcome = transport->send(job.message,
+                                          {std::chrono::steady_clock::now() + longestAttempt, &isStopping_});
+        } catch (const std::exception& error) {
+            outcome = {Result::tryAgain, error.what()};
+        }
+        {
+            const std::lock_guard lock(mutex_);
+            finished_.emplace_back(std::move(job.stored), std::move(outcome));
+        }
+        const std::uint64_t one = 1;
+        [[maybe_unused]] const ssize_t written = ::write(wake_.get(), &one, sizeof one);
+    }
+}
+
+}  // namespace service

@@ -1,0 +1,66 @@
+// The attempts that are on their way: a few threads, each with ways out of its own.
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "platform/files/descriptor.h"
+#include "service/outbox/outbox.h"
+#include "service/transports/transport.h"
+
+namespace service {
+
+// Makes the way out to a kind of device; nothing for one that is not set up. Called by several threads.
+using MakeTransport = std::function<std::unique_ptr<Transport>(DeviceKind)>;
+
+class Dispatcher {
+  public:
+    struct Job {
+        Outgoing stored;
+        Message message;
+    };
+
+    // Raises platform::Failure or std::system_error when the machine has no thread or descriptor left.
+    Dispatcher(std::size_t threads, MakeTransport make);
+    // Ends the attempts that are on their way, early.
+    ~Dispatcher();
+    Dispatcher(const Dispatcher&) = delete;
+    Dispatcher& operator=(const Dispatcher&) = delete;
+
+    // The following are for the owner's thread. Starts an attempt; there must be an idle() thread for it.
+    void start(Job job);
+    std::size_t idle() const { return threads_.size() - busy_.size(); }
+    // The addresses that attempts are on their way to, as addressKey() has them.
+    std::vector<std::string> busy() const;
+    // What has come to an end since the last call.
+    std::vector<std::pair<Outgoing, Outcome>> take();
+    // Ends all attempts early and waits for them; take() then gives the last ones.
+    void stop();
+    // Readable when take() has something.
+    int descriptor() const noexcept { return wake_.get(); }
+
+  private:
+    void work();
+
+    MakeTransport make_;
+    platform::Descriptor wake_;
+    std::atomic<bool> isStopping_ = false;
+    std::map<std::int64_t, std::string> busy_;  // of the owner
+    std::mutex mutex_;                          // guards the two below
+    std::deque<Job> jobs_;
+    std::vector<std::pair<Outgoing, Outcome>> finished_;
+    std::condition_variable news_;
+    std::vector<std::thread> threads_;
+};
+
+}  // namespace service

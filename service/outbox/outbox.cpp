@@ -1,0 +1,312 @@
+#include "service/outbox/outbox.h"
+
+#include <sys/random.h>
+
+#include <algorithm>
+#include <array>
+#include <system_error>
+
+#include "platform/failure.h"
+#include "platform/machine/caseFold.h"
+
+namespace service {
+
+namespace {
+
+// 1 is the layout's version. Moments are milliseconds since 1970.
+constexpr char layout[] =
+    "BEGIN IMMEDIATE;"
+    "CREATE TABLE IF NOT EXISTS Identity(Id TEXT NOT NULL);"
+    "CREATE TABLE IF NOT EXISTS Position(Source TEXT PRIMARY KEY, Position TEXT NOT NULL);"
+    "CREATE TABLE IF NOT EXISTS HeldBack(EventKey INTEGER PRIMARY KEY, Count INTEGER NOT NULL, First TEXT,"
+    " Last TEXT, Log TEXT, Time TEXT, Source TEXT, Id INTEGER, Type INTEGER, Category INTEGER, User TEXT,"
+    " Computer TEXT, Description TEXT);"
+    "CREATE TABLE IF NOT EXISTS Message(Key INTEGER PRIMARY KEY AUTOINCREMENT, EventKey INTEGER NOT NULL,"
+    " EventSource TEXT, EventId INTEGER, EventType INTEGER, Computer TEXT, IsTest INTEGER, DeviceKey INTEGER,"
+    " Kind INTEGER, Recipient TEXT, Address TEXT, Subject TEXT, Body TEXT, Priority INTEGER, VoiceFile TEXT,"
+    " Created INTEGER, Attempts INTEGER, NextAttempt INTEGER, Settled INTEGER, Answer TEXT, State INTEGER,"
+    " Outcome INTEGER);"
+    "CREATE INDEX IF NOT EXISTS MessageState ON Message(State, NextAttempt);"
+    "CREATE INDEX IF NOT EXISTS MessageEvent ON Message(EventKey, Created);"
+    "PRAGMA user_version = 1;"
+    "COMMIT;";
+
+constexpr char messageColumns[] =
+    "SELECT Key, EventKey, EventSource, EventId, EventType, Computer, IsTest, DeviceKey, Kind, Recipient,"
+    " Address, Subject, Body, Priority, VoiceFile, Created, Attempts, NextAttempt, Settled, Answer, State,"
+    " Outcome FROM Message ";
+
+std::int64_t numberOf(Moment moment) {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(moment.time_since_epoch()).count();
+}
+
+Moment momentOf(std::int64_t number) {
+    return Moment(std::chrono::milliseconds(number));
+}
+
+Outgoing messageOf(const Query& row) {
+    Outgoing message;
+    message.key = row.number(0);
+    message.eventKey = static_cast<long>(row.number(1));
+    message.eventSource = row.text(2);
+    message.eventId = static_cast<std::uint32_t>(row.number(3));
+    message.eventType = static_cast<std::uint16_t>(row.number(4));
+    message.computer = row.text(5);
+    message.isTest = row.number(6) != 0;
+    message.deviceKey = static_cast<long>(row.number(7));
+    message.kind = static_cast<DeviceKind>(row.number(8));
+    message.recipient = row.text(9);
+    message.address = row.text(10);
+    message.subject = row.text(11);
+    message.body = row.text(12);
+    message.priority = static_cast<long>(row.number(13));
+    message.voiceFile = row.text(14);
+    message.created = momentOf(row.number(15));
+    message.attempts = static_cast<int>(row.number(16));
+    message.nextAttempt = momentOf(row.number(17));
+    message.settled = momentOf(row.number(18));
+    message.answer = row.text(19);
+    message.state = static_cast<State>(row.number(20));
+    message.outcome = static_cast<State>(row.number(21));
+    return message;
+}
+
+HeldBack heldBackOf(const Query& row) {
+    HeldBack held;
+    held.eventKey = static_cast<long>(row.number(0));
+    held.count = row.number(1);
+    held.first = row.text(2);
+    held.last = row.text(3);
+    held.record = {row.text(4),
+                   row.text(5),
+                   row.text(6),
+                   static_cast<std::uint32_t>(row.number(7)),
+                   static_cast<std::uint16_t>(row.number(8)),
+                   static_cast<std::uint16_t>(row.number(9)),
+                   row.text(10),
+                   row.text(11),
+                   row.text(12)};
+    return held;
+}
+
+std::vector<Outgoing> allOf(Query&& rows) {
+    std::vector<Outgoing> messages;
+    while (rows.next())
+        messages.push_back(messageOf(rows));
+    return messages;
+}
+
+std::string newId() {
+    std::array<unsigned char, 8> bytes{};
+    if (::getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size()))
+        throw platform::makeFailure(platform::pathFileAccessError, "no random numbers");
+    constexpr char digits[] = "0123456789abcdef";
+    std::string text;
+    for (const unsigned byte : bytes)
+        text.append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+    return text;
+}
+
+bool isWhole(Store& store) {
+    Query check = store.query("PRAGMA quick_check(1)");
+    return check.next() && check.text(0) == "ok";
+}
+
+// With the engine's own files, which belong to it.
+void setAsideDamaged(const std::filesystem::path& file, const std::filesystem::path& aside) {
+    std::filesystem::rename(file, aside);
+    std::error_code ignored;
+    for (const char* ending : {"-wal", "-shm"})
+        std::filesystem::remove(file.string() + ending, ignored);
+}
+
+}  // namespace
+
+std::string addressKey(const Outgoing& message) {
+    return std::to_string(static_cast<long>(message.kind)) + ':' + platform::foldCase(message.address);
+}
+
+Outbox::Outbox(const std::filesystem::path& file, std::int64_t firstKey) {
+    try {
+        open(file, firstKey);
+    } catch (const platform::Failure& failure) {
+        if (failure.number() != storeDamaged)
+            throw;
+        store_.reset();
+        setAside_ = file.string() + ".damaged";
+        setAsideDamaged(file, *setAside_);
+        open(file, firstKey);
+    }
+}
+
+void Outbox::open(const std::filesystem::path& file, std::int64_t firstKey) {
+    store_ = std::make_unique<Store>(file);
+    if (!isWhole(*store_))
+        throw platform::Failure(storeDamaged, "damaged: " + file.string(), storeName);
+    store_->run(layout);
+    if (Query row = store_->query("SELECT Id FROM Identity"); row.next()) {
+        id_ = row.text(0);
+        return;
+    }
+    id_ = newId();
+    Store::Transaction transaction(*store_);
+    store_->query("INSERT INTO Identity VALUES (?)").with(id_).run();
+    store_->query("INSERT INTO sqlite_sequence(name, seq) VALUES ('Message', ?)").with(firstKey - 1).run();
+    transaction.commit();
+}
+
+void Outbox::Batch::setPosition(const std::string& source, const std::string& position) {
+    outbox_.store_->query("INSERT OR REPLACE INTO Position VALUES (?, ?)").with(source).with(position).run();
+}
+
+std::int64_t Outbox::Batch::add(const Outgoing& message) {
+    outbox_.store_
+        ->query(
+            "INSERT INTO Message(EventKey, EventSource, EventId, EventType, Computer, IsTest, DeviceKey, "
+            "Kind,"
+            " Recipient, Address, Subject, Body, Priority, VoiceFile, Created, Attempts, NextAttempt,"
+            " Settled, Answer, State, Outcome)"
+            " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, 0, ?, 0, '', 0, 0)")
+        .with(message.eventKey)
+        .with(message.eventSource)
+        .with(std::int64_t{message.eventId})
+        .with(std::int64_t{message.eventType})
+        .with(message.computer)
+        .with(std::int64_t{message.isTest})
+        .with(message.deviceKey)
+        .with(static_cast<std::int64_t>(message.kind))
+        .with(message.recipient)
+        .with(message.address)
+        .with(message.subject)
+        .with(message.body)
+        .with(message.priority)
+        .with(message.voiceFile)
+        .with(numberOf(message.created))
+        .with(numberOf(message.created))
+        .run();
+    return outbox_.store_->lastKey();
+}
+
+void Outbox::Batch::holdBack(long eventKey, const platform::EventRecord& record) {
+    outbox_.store_
+        ->query(
+            "INSERT INTO HeldBack VALUES (?1, 1, ?2, ?2, ?3, ?2, ?4, ?5, ?6, ?7, ?8, ?9, ?10)"
+            " ON CONFLICT(EventKey) DO UPDATE SET Count = Count + 1, Last = ?2, Log = ?3, Time = ?2,"
+            " Source = ?4, Id = ?5, Type = ?6, Category = ?7, User = ?8, Computer = ?9, Description = ?10")
+        .with(eventKey)
+        .with(record.time)
+        .with(record.log)
+        .with(record.source)
+        .with(std::int64_t{record.id})
+        .with(std::int64_t{record.type})
+        .with(std::int64_t{record.category})
+        .with(record.user)
+        .with(record.computer)
+        .with(record.description)
+        .run();
+}
+
+void Outbox::Batch::forgetHeldBack(long eventKey) {
+    outbox_.store_->query("DELETE FROM HeldBack WHERE EventKey = ?").with(eventKey).run();
+}
+
+std::optional<std::string> Outbox::position(const std::string& source) {
+    Query row = store_->query("SELECT Position FROM Position WHERE Source = ?");
+    return row.with(source).next() ? std::optional(row.text(0)) : std::nullopt;
+}
+
+std::vector<HeldBack> Outbox::heldBack() {
+    std::vector<HeldBack> held;
+    Query row = store_->query("SELECT * FROM HeldBack ORDER BY EventKey");
+    while (row.next())
+        held.push_back(heldBackOf(row));
+    return held;
+}
+
+std::optional<HeldBack> Outbox::heldBack(long eventKey) {
+    Query row = store_->query("SELECT * FROM HeldBack WHERE EventKey = ?");
+    return row.with(eventKey).next() ? std::optional(heldBackOf(row)) : std::nullopt;
+}
+
+std::optional<Moment> Outbox::pendingSince(long eventKey) {
+    Query row =
+        store_->query("SELECT max(Created) FROM Message WHERE EventKey = ? AND (State <> 4 OR Outcome <> 1)");
+    return row.with(eventKey).next() && row.number(0) != 0 ? std::optional(momentOf(row.number(0)))
+                                                           : std::nullopt;
+}
+
+std::vector<Outgoing> Outbox::due(Moment now, std::size_t most, const std::vector<std::string>& busy) {
+    std::vector<std::string> taken = busy;
+    std::vector<Outgoing> found;
+    Query row = store_->query(
+        "SELECT Key, Kind, Address FROM Message WHERE State = 0 AND NextAttempt <= ? ORDER BY NextAttempt, "
+        "Key");
+    row.with(numberOf(now));
+    std::vector<std::int64_t> keys;
+    while (keys.size() < most && row.next()) {
+        Outgoing head;
+        head.kind = static_cast<DeviceKind>(row.number(1));
+        head.address = row.text(2);
+        std::string address = addressKey(head);
+        if (std::ranges::find(taken, address) != taken.end())
+            continue;
+        taken.push_back(std::move(address));
+        keys.push_back(row.number(0));
+    }
+    for (const std::int64_t key : keys) {
+        static const std::string byKey = std::string(messageColumns) + "WHERE Key = ?";
+        Query message = store_->query(byKey.c_str());
+        if (message.with(key).next())
+            found.push_back(messageOf(message));
+    }
+    return found;
+}
+
+std::optional<Moment> Outbox::nextAttemptAfter(Moment moment) {
+    Query row = store_->query(
+        "SELECT NextAttempt FROM Message WHERE State = 0 AND NextAttempt > ? ORDER BY NextAttempt LIMIT 1");
+    return row.with(numberOf(moment)).next() ? std::optional(momentOf(row.number(0))) : std::nullopt;
+}
+
+void Outbox::update(const Outgoing& message) {
+    store_
+        ->query(
+            "UPDATE Message SET Attempts = ?, NextAttempt = ?, Settled = ?, Answer = ?, State = ?, Outcome = "
+            "?"
+            " WHERE Key = ?")
+        .with(std::int64_t{message.attempts})
+        .with(numberOf(message.nextAttempt))
+        .with(numberOf(message.settled))
+        .with(message.answer)
+        .with(static_cast<std::int64_t>(message.state))
+        .with(static_cast<std::int64_t>(message.outcome))
+        .with(message.key)
+        .run();
+}
+
+std::vector<Outgoing> Outbox::unrecorded() {
+    static const std::string text = std::string(messageColumns) + "WHERE State IN (1, 2, 3) ORDER BY Key";
+    return allOf(store_->query(text.c_str()));
+}
+
+Outbox::Waiting Outbox::waiting() {
+    Query row = store_->query("SELECT count(*), min(Created) FROM Message WHERE State = 0");
+    row.next();
+    return {row.number(0), row.number(0) ? std::optional(momentOf(row.number(1))) : std::nullopt};
+}
+
+std::vector<Outgoing> Outbox::newest(std::size_t most) {
+    static const std::string text = std::string(messageColumns) + "ORDER BY Key DESC LIMIT ?";
+    Query rows = store_->query(text.c_str());
+    rows.with(static_cast<std::int64_t>(most));
+    std::vector<Outgoing> messages;
+    while (rows.next())
+        messages.push_back(messageOf(rows));
+    return messages;
+}
+
+void Outbox::dropDoneBefore(Moment moment) {
+    store_->query("DELETE FROM Message WHERE State = 4 AND Settled < ?").with(numberOf(moment)).run();
+}
+
+}  // namespace service
