@@ -1,5 +1,8 @@
 // The service's program: it registers itself, or watches the event logs and notifies.
 
+#include <sys/resource.h>
+
+#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <memory>
@@ -8,40 +11,54 @@
 #include <vector>
 
 #include "platform/machine/host.h"
+#include "platform/registry/registry.h"
 #include "service/notifier.h"
 #include "service/program/registration.h"
 #include "service/program/run.h"
 #include "service/sources/hostLog.h"
-#include "service/transports/mailbox.h"
+#include "service/transports/waysOut.h"
 
 namespace {
 
 constexpr char serviceKey[] =
     "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service";
 
-service::NotifierOptions options(const service::Settings& settings) {
+// Minutes; the value is set for those whose service is down for long.
+std::chrono::minutes oldestNotice() {
+    constexpr std::uint32_t usual = 60;
+    const auto value = platform::registry().value(serviceKey, "OldestNotice");
+    const auto* minutes = value ? std::get_if<std::uint32_t>(&*value) : nullptr;
+    return std::chrono::minutes(minutes ? *minutes : usual);
+}
+
+service::NotifierOptions options(const service::Settings& settings, service::WaysOut& waysOut) {
     const std::filesystem::path root = platform::program::installationRoot();
     service::NotifierOptions result;
     result.databaseFile = root / "Database" / "QLNDB.MDB";
     result.outboxFile = platform::program::folder() / "HbQlnSvc.db";
     result.pause = settings.pollingPause;
-    result.mailDomain = "localhost";
-    result.isSetUp = [](service::DeviceKind kind) {
-        return kind == service::DeviceKind::voiceMail || kind == service::DeviceKind::email ||
-               kind == service::DeviceKind::smtpAddress;
-    };
-    result.makeTransport = [](service::DeviceKind) {
-        return std::make_unique<service::Mailbox>(platform::host::folder() / "mail", "quillon@localhost");
-    };
+    result.oldestNotice = oldestNotice();
+    result.isSetUp = [&](service::DeviceKind kind) { return waysOut.isSetUp(kind); };
+    result.makeTransport = [&](service::DeviceKind kind) { return waysOut.make(kind); };
+    result.mailDomain = [&] { return waysOut.settings().mailDomain; };
+    result.refreshWaysOut = [&] { return waysOut.refresh(); };
     return result;
 }
 
+// A password of the relay must not lie in a core file.
+void forbidCoreFiles() {
+    const rlimit none{0, 0};
+    ::setrlimit(RLIMIT_CORE, &none);
+}
+
 int runService() {
+    forbidCoreFiles();
     const service::Settings settings = service::readSettings(serviceKey);
+    service::WaysOut waysOut;
     std::vector<std::unique_ptr<service::Source>> sources;
     for (const char* log : {"Application", "System"})
         sources.push_back(std::make_unique<service::HostLog>(log));
-    service::Notifier notifier(options(settings), std::move(sources));
+    service::Notifier notifier(options(settings, waysOut), std::move(sources));
     return service::run("HbQlnSvc", settings, notifier);
 }
 

@@ -259,7 +259,7 @@ std::optional<Dispatcher::Job> Notifier::jobOf(const Outgoing& message) {
                 settle(message, {Result::refused, "The directory has no such entry"});
                 return std::nullopt;
             }
-            job.message.address = *alias + '@' + options_.mailDomain;
+            job.message.address = *alias + '@' + options_.mailDomain();
         } catch (const platform::Failure& failure) {
             settle(message, {Result::tryAgain, "The directory cannot be read: " + failure.description()});
             return std::nullopt;
@@ -349,6 +349,10 @@ milliseconds Notifier::look() {
         // A change of the diagnostic level takes effect on a restart.
         if (!everything_)
             everything_ = settings.everything;
+    });
+    attempt("Ways out", [&] {
+        if (options_.refreshWaysOut())
+            dispatcher_.renewTransports();
     });
     if (everything_)
         attempt("Outbox", [&] { openOutbox(); });

@@ -34,7 +34,9 @@ struct NotifierOptions {
     std::chrono::minutes oldestNotice{60};  // older records are told together, one message for each event
     MakeTransport makeTransport;
     std::function<bool(DeviceKind)> isSetUp;
-    std::string mailDomain;  // of the people and lists in the directory
+    std::function<std::string()> mailDomain;  // of the people and lists in the directory
+    // Looks whether the ways out have changed: true when transports have to be made anew.
+    std::function<bool()> refreshWaysOut = [] { return false; };
     std::size_t threads = 4;
     // Called with the name of each point that a crash has to be survived at.
     std::function<void(std::string_view)> passes = [](std::string_view) {};

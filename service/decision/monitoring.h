@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/ado/ado.h"
+#include "service/transports/deviceKind.h"
 
 namespace service {
 
@@ -16,9 +17,6 @@ using Moment = std::chrono::system_clock::time_point;
 
 // A moment in stored form, "2026-11-24 14:05:09", local time; nothing for another text.
 std::optional<Moment> momentOfStored(const std::string& stored);
-
-// The numbers are shared with the console.
-enum class DeviceKind : long { voiceMail = 1, pager, email, smtpAddress, snmpTrap, syslog, failover };
 
 // Of an event, by the kind of content.
 struct Content {

@@ -90,6 +90,7 @@ void Dispatcher::stop() {
 
 void Dispatcher::work() {
     std::map<DeviceKind, std::unique_ptr<Transport>> transports;
+    unsigned generation = generation_;
     for (;;) {
         Job job;
         {
@@ -99,6 +100,10 @@ void Dispatcher::work() {
                 return;
             job = std::move(jobs_.front());
             jobs_.pop_front();
+        }
+        if (generation != generation_) {
+            generation = generation_;
+            transports.clear();
         }
         Outcome outcome{Result::refused, "This host is not set up for such devices"};
         try {

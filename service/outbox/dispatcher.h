@@ -42,6 +42,8 @@ class Dispatcher {
     std::size_t idle() const { return threads_.size() - busy_.size(); }
     // The addresses that attempts are on their way to, as addressKey() has them.
     std::vector<std::string> busy() const;
+    // Transports are made anew, each before its next attempt: what they were made of has changed.
+    void renewTransports() { ++generation_; }
     // What has come to an end since the last call.
     std::vector<std::pair<Outgoing, Outcome>> take();
     // Ends all attempts early and waits for them; take() then gives the last ones.
@@ -55,6 +57,7 @@ class Dispatcher {
     MakeTransport make_;
     platform::Descriptor wake_;
     std::atomic<bool> isStopping_ = false;
+    std::atomic<unsigned> generation_ = 0;
     std::map<std::int64_t, std::string> busy_;  // of the owner
     std::mutex mutex_;                          // guards the two below
     std::deque<Job> jobs_;

@@ -91,7 +91,7 @@ class NotifierTest : public testing::Test {
         options.pause = std::chrono::hours(1);
         options.isSetUp = [](DeviceKind) { return true; };
         options.makeTransport = [this](DeviceKind) { return std::make_unique<PostTransport>(post); };
-        options.mailDomain = "mail.example";
+        options.mailDomain = [] { return std::string("mail.example"); };
         std::vector<std::unique_ptr<Source>> sources;
         sources.push_back(std::make_unique<HostLog>("Application"));
         sources.push_back(std::make_unique<HostLog>("System"));

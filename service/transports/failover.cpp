@@ -1,0 +1,41 @@
+#include "service/transports/failover.h"
+
+#include <exception>
+
+#include "platform/machine/eventLog.h"
+#include "platform/machine/host.h"
+#include "platform/registry/registry.h"
+
+namespace service {
+
+namespace {
+
+constexpr char managerKey[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessaly\\TsHubNodeMgr\\1.0";
+
+void tellSystemLog(const Message& message) {
+    constexpr std::uint16_t warning = 2;
+    platform::EventRecord record;
+    record.log = "System";
+    record.source = "QuillonService";
+    record.id = 7;
+    record.type = warning;
+    record.description = "A failover was forced: " + message.subject;
+    platform::appendEvent(record);
+}
+
+}  // namespace
+
+Outcome Failover::send(const Message& message, const Deadline&) {
+    try {
+        // An object of this thread: the program's shared one belongs to another.
+        platform::Registry registry(platform::host::registryFile());
+        if (!registry.setValue(managerKey, "ForcedFailover", std::uint32_t{1}))
+            return {Result::refused, "This host has no node manager"};
+        tellSystemLog(message);
+        return {Result::handedOver, "Handed over to the node manager"};
+    } catch (const std::exception& failure) {
+        return {Result::tryAgain, failure.what()};
+    }
+}
+
+}  // namespace service

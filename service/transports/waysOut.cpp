@@ -1,0 +1,182 @@
+#include "service/transports/waysOut.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <utility>
+
+#include "platform/failure.h"
+#include "platform/files/descriptor.h"
+#include "platform/machine/host.h"
+#include "platform/registry/registry.h"
+#include "service/transports/failover.h"
+#include "service/transports/mailMessage.h"
+#include "service/transports/mailbox.h"
+#include "service/transports/pager.h"
+
+namespace service {
+
+namespace {
+
+const std::string productKey =
+    "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service\\";
+
+std::string textValue(const char* key, const char* name) {
+    const auto value = platform::registry().value(productKey + key, name);
+    const auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
+    return text ? *text : std::string();
+}
+
+// The first line of a file that nobody else can read. Raises platform::Failure, also for one that others can.
+std::string secretFrom(const std::string& file) {
+    constexpr std::size_t longest = 4096;
+    const platform::Descriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    struct stat status {};
+    if (!opened || ::fstat(opened.get(), &status) != 0)
+        throw platform::failureFromErrno(errno, file);
+    const bool isOwners = status.st_uid == ::geteuid() || status.st_uid == 0;
+    if (!S_ISREG(status.st_mode) || !isOwners || (status.st_mode & 077) != 0)
+        throw platform::makeFailure(platform::permissionDenied,
+                                    file + " has to be an ordinary file that only its owner can read");
+    std::array<char, longest> text{};
+    const ssize_t size = ::read(opened.get(), text.data(), text.size());
+    if (size < 0)
+        throw platform::failureFromErrno(errno, file);
+    const std::string all(text.data(), static_cast<std::size_t>(size));
+    return all.substr(0, all.find_first_of("\r\n"));
+}
+
+bool isLoopback(const std::string& relay) {
+    const std::size_t begin = relay.find("://");
+    const std::string host = begin == std::string::npos ? relay : relay.substr(begin + 3);
+    for (const char* name : {"localhost", "127.", "[::1]"})
+        if (host.starts_with(name))
+            return true;
+    return false;
+}
+
+std::string machineName() {
+    std::array<char, 256> name{};
+    return ::gethostname(name.data(), name.size() - 1) == 0 && name[0] ? name.data() : "localhost";
+}
+
+std::string problemOfMail(const SmtpSettings& mail) {
+    if (!isMailAddress(mail.from))
+        return "the value Mail\\From is no mail address: " + mail.from;
+    if (mail.relay.empty())
+        return {};
+    const std::string problem = problemOfRelay(mail.relay);
+    return problem.empty() ? problem
+                           : "the value Mail\\Relay, " + mail.relay + ", cannot be used: " + problem;
+}
+
+bool isMail(DeviceKind kind) {
+    return kind == DeviceKind::voiceMail || kind == DeviceKind::email || kind == DeviceKind::smtpAddress;
+}
+
+std::unique_ptr<Transport> makeMail(const WaysOutSettings& settings) {
+    if (settings.mail.relay.empty())
+        return std::make_unique<Mailbox>(settings.mailFolder, settings.mail.from);
+    return std::make_unique<Smtp>(settings.mail);
+}
+
+}  // namespace
+
+WaysOutSettings readWaysOut() {
+    WaysOutSettings settings;
+    SmtpSettings& mail = settings.mail;
+    settings.mailDomain = textValue("Mail", "Domain");
+    if (settings.mailDomain.empty())
+        settings.mailDomain = machineName();
+    mail.relay = textValue("Mail", "Relay");
+    mail.user = textValue("Mail", "User");
+    mail.caFile = textValue("Mail", "CaFile");
+    mail.from = textValue("Mail", "From");
+    if (mail.from.empty())
+        mail.from = "quillon@" + settings.mailDomain;
+    // A connection without TLS has to be asked for, but for one that does not leave the machine.
+    const std::string tls = textValue("Mail", "Tls");
+    mail.requiresTls = tls.empty() ? !isLoopback(mail.relay) : tls != "none";
+    settings.mailProblem = problemOfMail(mail);
+    if (!tls.empty() && tls != "none" && tls != "required")
+        settings.mailProblem = "the value Mail\\Tls is \"required\" or \"none\", not \"" + tls + "\"";
+    if (const std::string file = textValue("Mail", "PasswordFile"); !file.empty()) {
+        try {
+            mail.password = secretFrom(file);
+        } catch (const platform::Failure& failure) {
+            settings.mailProblem = "the password cannot be used: " + failure.description();
+        }
+    }
+    settings.pagerGateway = textValue("Pager", "Gateway");
+    settings.mailFolder = platform::host::folder() / "mail";
+    return settings;
+}
+
+std::string problemOf(const WaysOutSettings& settings, DeviceKind kind) {
+    switch (kind) {
+        case DeviceKind::voiceMail:
+        case DeviceKind::email:
+        case DeviceKind::smtpAddress:
+            return settings.mailProblem;
+        case DeviceKind::pager:
+            if (settings.pagerGateway.empty())
+                return std::string("the value Pager\\Gateway is missing: a mail address with ") +
+                       numberPlace + " in it";
+            if (settings.pagerGateway.find(numberPlace) == std::string::npos)
+                return std::string("the value Pager\\Gateway has no ") + numberPlace + " in it";
+            return settings.mailProblem;
+        case DeviceKind::failover:
+            return {};
+        case DeviceKind::snmpTrap:
+        case DeviceKind::syslog:
+            break;
+    }
+    return "the service has no way out to devices of type " + std::to_string(static_cast<long>(kind));
+}
+
+std::string describe(const WaysOutSettings& settings, DeviceKind kind) {
+    const std::string mail =
+        settings.mail.relay.empty()
+            ? "the host's own mailboxes in " + settings.mailFolder.string()
+            : settings.mail.relay + (settings.mail.requiresTls ? ", TLS required" : ", without TLS");
+    switch (kind) {
+        case DeviceKind::pager:
+            return "mail to " + settings.pagerGateway + " by " + mail;
+        case DeviceKind::failover:
+            return "the node manager of this host";
+        case DeviceKind::voiceMail:
+        case DeviceKind::email:
+            return mail + "; addresses at " + settings.mailDomain;
+        default:
+            return mail;
+    }
+}
+
+std::unique_ptr<Transport> makeTransport(const WaysOutSettings& settings, DeviceKind kind) {
+    if (!problemOf(settings, kind).empty())
+        return nullptr;
+    if (isMail(kind))
+        return makeMail(settings);
+    if (kind == DeviceKind::pager)
+        return std::make_unique<Pager>(makeMail(settings), settings.pagerGateway);
+    return kind == DeviceKind::failover ? std::make_unique<Failover>() : nullptr;
+}
+
+bool WaysOut::refresh() {
+    WaysOutSettings present = readWaysOut();
+    const std::lock_guard lock(mutex_);
+    if (present == settings_)
+        return false;
+    settings_ = std::move(present);
+    return true;
+}
+
+WaysOutSettings WaysOut::settings() const {
+    const std::lock_guard lock(mutex_);
+    return settings_;
+}
+
+}  // namespace service

@@ -1,0 +1,50 @@
+// Which ways out this host has, as its registry says, and the transports that are made of them.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "service/transports/deviceKind.h"
+#include "service/transports/smtp.h"
+#include "service/transports/transport.h"
+
+namespace service {
+
+struct WaysOutSettings {
+    SmtpSettings mail;
+    std::string mailProblem = "the registry has not been read";  // empty when mail can be sent
+    std::string mailDomain;   // of the people and lists in the directory
+    std::string pagerGateway;
+    std::filesystem::path mailFolder;  // the host's own mailboxes, for mail without a relay
+
+    bool operator==(const WaysOutSettings&) const = default;
+};
+
+// Reads the values below the product's key: Mail (Relay, Tls, User, PasswordFile, From, CaFile, Domain) and
+// Pager (Gateway). Raises platform::Failure for a registry that cannot be read.
+WaysOutSettings readWaysOut();
+
+// Why devices of a kind cannot be reached, and what to set up; empty when they can.
+std::string problemOf(const WaysOutSettings& settings, DeviceKind kind);
+// How they are reached, in a few words: "mail by smtp://relay:25".
+std::string describe(const WaysOutSettings& settings, DeviceKind kind);
+// Nothing for a kind with a problem.
+std::unique_ptr<Transport> makeTransport(const WaysOutSettings& settings, DeviceKind kind);
+
+// The settings of now, for the thread that refreshes them and for those that send.
+class WaysOut {
+  public:
+    // Reads the settings again; true when they have changed. Raises platform::Failure.
+    bool refresh();
+    WaysOutSettings settings() const;
+    bool isSetUp(DeviceKind kind) const { return problemOf(settings(), kind).empty(); }
+    std::unique_ptr<Transport> make(DeviceKind kind) const { return makeTransport(settings(), kind); }
+
+  private:
+    mutable std::mutex mutex_;
+    WaysOutSettings settings_;
+};
+
+}  // namespace service
