@@ -3,6 +3,7 @@
 // UsageError.
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 #include "host/arguments.h"
@@ -14,8 +15,16 @@ int updateCommand(Arguments& arguments);
 int registryCommand(Arguments& arguments);
 int directoryCommand(Arguments& arguments);
 int eventsCommand(Arguments& arguments);
+int explainCommand(Arguments& arguments);
+int notificationsCommand(Arguments& arguments);
+int mailCommand(Arguments& arguments);
+int transportsCommand(Arguments& arguments);
 int servicesCommand(Arguments& arguments);
 int accountsCommand(Arguments& arguments);
+
+// Files of the host's installation: the configuration, and what the service keeps.
+std::filesystem::path databaseFile();
+std::filesystem::path outboxFile();
 
 // Starts a service of the host and waits, half a minute at most, until it runs; false says on standard error
 // why it does not. Raises platform::Failure.

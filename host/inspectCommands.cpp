@@ -1,4 +1,4 @@
-// What a host holds besides its registry and its services: directory, event logs, accounts.
+// What a host holds besides its registry and its services: directory and accounts.
 
 #include <cstdio>
 #include <iostream>
@@ -7,16 +7,11 @@
 #include "host/commands.h"
 #include "host/provision.h"
 #include "platform/files/files.h"
-#include "platform/machine/eventLog.h"
 #include "platform/services/accounts.h"
 
 namespace qlnhost {
 
 namespace {
-
-const char* typeText(unsigned type) {
-    return type == 1 ? "Error" : type == 2 ? "Warning" : "Information";
-}
 
 // A password is read from the standard input: in an argument every user of the machine could see it.
 std::string readPassword() {
@@ -36,25 +31,6 @@ int directoryCommand(Arguments& arguments) {
     const std::string file = arguments.take("FILE");
     arguments.finish();
     std::printf("%ld rows\n", host::importDirectory(platform::files::readFile(file), file));
-    return 0;
-}
-
-int eventsCommand(Arguments& arguments) {
-    const std::string chosen = arguments.takeOr("");
-    arguments.finish();
-    if (!chosen.empty() && chosen != "Application" && chosen != "System")
-        throw UsageError("the logs are Application and System, not '" + chosen + "'");
-    for (const char* log : {"Application", "System"}) {
-        if (!chosen.empty() && chosen != log)
-            continue;
-        for (const platform::EventRecord& event : platform::readEvents(log)) {
-            std::string text = event.description;
-            for (char& c : text)
-                c = c == '\r' || c == '\n' || c == '\t' ? ' ' : c;
-            std::printf("%-11s %s %-11s %-32s %6u  %s\n", log, event.time.c_str(), typeText(event.type),
-                        event.source.c_str(), event.id, text.c_str());
-        }
-    }
     return 0;
 }
 

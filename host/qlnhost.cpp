@@ -44,6 +44,14 @@ constexpr char help[] =
     "                         file whose first line names the columns\n"
     "  events [Application|System]\n"
     "                         the records of the event logs\n"
+    "  events add LOG SOURCE ID TYPE [--category N] [--user NAME] TEXT\n"
+    "                         write a record; TYPE is error, warning or information\n"
+    "  explain LOG SOURCE ID TYPE\n"
+    "                         who would be told of such a record, and who not and why\n"
+    "  notifications [--last N]\n"
+    "                         what was told and what waits; the last 50\n"
+    "  transports             how the kinds of devices are reached; asks the mail relay\n"
+    "  mail [ADDRESS]         the host's own mailboxes; the mails of one\n"
     "  services [list]        services and their states\n"
     "  services start NAME    start a service of the host\n"
     "  services stop NAME     stop it\n"
@@ -68,7 +76,7 @@ struct Command {
     bool needsHost;
 };
 
-constexpr std::array<Command, 7> commands{{
+constexpr std::array<Command, 11> commands{{
     {"create", qlnhost::createCommand, false},
     {"update", qlnhost::updateCommand, false},
     {"registry", qlnhost::registryCommand, true},
@@ -76,6 +84,10 @@ constexpr std::array<Command, 7> commands{{
     {"events", qlnhost::eventsCommand, true},
     {"services", qlnhost::servicesCommand, true},
     {"accounts", qlnhost::accountsCommand, true},
+    {"explain", qlnhost::explainCommand, true},
+    {"notifications", qlnhost::notificationsCommand, true},
+    {"mail", qlnhost::mailCommand, true},
+    {"transports", qlnhost::transportsCommand, true},
 }};
 
 void chooseHost(std::string named) {

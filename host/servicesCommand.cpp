@@ -6,7 +6,10 @@
 #include <thread>
 
 #include "host/commands.h"
+#include "platform/machine/clock.h"
+#include "platform/machine/host.h"
 #include "platform/services/serviceManager.h"
+#include "service/outbox/inspection.h"
 
 namespace qlnhost {
 
@@ -50,12 +53,33 @@ bool accepted(std::uint32_t error) {
     return error == platform::noError;
 }
 
+// What the service's outbox tells of it.
+std::string ofItself() {
+    const auto outbox = service::viewOutbox(outboxFile());
+    if (!outbox)
+        return {};
+    const auto moment = [](service::Moment when) { return platform::storedForm(platform::localTime(when)); };
+    std::string text = ", last look " + moment(outbox->lastLook) + ", ";
+    if (outbox->waiting.empty())
+        return text + "nothing waits";
+    return text + std::to_string(outbox->waiting.size()) + " waiting, the oldest since " +
+           moment(outbox->waiting.front().created);
+}
+
 platform::Service openService(const std::string& name) {
     return {platform::ServiceManager(platform::managerExecute), name,
             platform::serviceStart | platform::serviceStop};
 }
 
 }  // namespace
+
+std::filesystem::path databaseFile() {
+    return platform::host::folder().parent_path() / "Database" / "QLNDB.MDB";
+}
+
+std::filesystem::path outboxFile() {
+    return platform::host::folder().parent_path() / "Service" / "HbQlnSvc.db";
+}
 
 bool startService(const std::string& name) {
     return accepted(openService(name).start()) && reaches(name, ServiceState::running);
@@ -66,7 +90,8 @@ int servicesCommand(Arguments& arguments) {
     if (verb == "list") {
         arguments.finish();
         for (const std::string& name : platform::serviceNames())
-            std::printf("%-16s %s\n", name.c_str(), stateText(platform::queryServiceStatus(name).state));
+            std::printf("%-16s %s%s\n", name.c_str(), stateText(platform::queryServiceStatus(name).state),
+                        name == "HbQlnSvc" ? ofItself().c_str() : "");
         return 0;
     }
     if (verb != "start" && verb != "stop")

@@ -35,12 +35,13 @@ service::NotifierOptions options(const service::Settings& settings, service::Way
     const std::filesystem::path root = platform::program::installationRoot();
     service::NotifierOptions result;
     result.databaseFile = root / "Database" / "QLNDB.MDB";
+    result.delivery.voiceFolder = result.databaseFile.parent_path();
     result.outboxFile = platform::program::folder() / "HbQlnSvc.db";
     result.pause = settings.pollingPause;
     result.oldestNotice = oldestNotice();
     result.isSetUp = [&](service::DeviceKind kind) { return waysOut.isSetUp(kind); };
-    result.makeTransport = [&](service::DeviceKind kind) { return waysOut.make(kind); };
-    result.mailDomain = [&] { return waysOut.settings().mailDomain; };
+    result.delivery.makeTransport = [&](service::DeviceKind kind) { return waysOut.make(kind); };
+    result.delivery.mailDomain = [&] { return waysOut.settings().mailDomain; };
     result.refreshWaysOut = [&] { return waysOut.refresh(); };
     return result;
 }

@@ -1,6 +1,8 @@
 #include "service/notifier.h"
 
+#include <fcntl.h>
 #include <sys/epoll.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -12,8 +14,6 @@
 #include "platform/machine/host.h"
 #include "service/decision/render.h"
 #include "service/history/history.h"
-#include "service/outbox/directory.h"
-#include "service/outbox/schedule.h"
 
 namespace service {
 
@@ -33,10 +33,6 @@ std::string nameOf(const platform::EventRecord& record) {
 
 std::string nameOf(const MonitoredEvent& event) {
     return "event " + std::to_string(event.key) + ", \"" + event.title + "\"";
-}
-
-std::string nameOf(const Outgoing& message) {
-    return "message " + std::to_string(message.key) + " to " + message.recipient + ", " + message.address;
 }
 
 std::string momentText(const std::string& stored) {
@@ -72,11 +68,11 @@ platform::Descriptor watchAll(std::initializer_list<int> descriptors) {
 
 Notifier::Notifier(NotifierOptions options, std::vector<std::unique_ptr<Source>> sources)
     : options_(std::move(options)),
+      delivery_(options_.delivery, log_),
       sources_(std::move(sources)),
       configuration_(options_.databaseFile),
-      dispatcher_(options_.threads, options_.makeTransport),
       logsWatch_(platform::host::eventLogsFolder()),
-      wake_(watchAll({dispatcher_.descriptor(), logsWatch_.descriptor()})) {}
+      wake_(watchAll({delivery_.descriptor(), logsWatch_.descriptor()})) {}
 
 template <class Step>
 void Notifier::attempt(const char* what, Step&& step) {
@@ -143,7 +139,7 @@ bool Notifier::takeIn(Source& source) {
     batch.setPosition(source.name(), read.position);
     batch.commit();
     beginnings_[source.name()] = read.position;
-    options_.passes("rows committed");
+    options_.delivery.passes("rows committed");
     return !read.isWhole;
 }
 
@@ -161,7 +157,7 @@ void Notifier::deal(Outbox::Batch& batch, const platform::EventRecord& record, c
             holdBack(batch, verdict, record, "within the notification interval");
         else if (tells && !verdict.event->isTest && isOlder(record, options_.oldestNotice))
             holdBack(batch, verdict, record, "it is old");
-        else if (tells)
+        else if (tells || verdict.reason == Reason::send)
             tell(batch, verdict, record);
     }
 }
@@ -179,7 +175,13 @@ void Notifier::tell(Outbox::Batch& batch, const EventVerdict& verdict, const pla
     const auto held = outbox_->heldBack(event.key);
     log_.add("Found in the " + record.log + " log: " + nameOf(record) + "; monitored and active as " +
              nameOf(event));
+    if (!verdict.has(Reason::send))
+        log_.add("    no device of it is told");
     for (const DeviceVerdict& each : verdict.devices) {
+        // What the administrator has switched off needs no word; what this host cannot do does.
+        if (each.reason == Reason::notSetUp)
+            log_.add("    " + each.device->recipient + ", " + each.device->address +
+                     " is not told: " + std::string(textOf(each.reason)));
         if (each.reason != Reason::send)
             continue;
         Rendered words = render(event, record, each.device->kind, held ? closingLine(*held) : std::string());
@@ -237,96 +239,7 @@ void Notifier::tellHeldBack() {
         batch.forgetHeldBack(held.eventKey);
     }
     batch.commit();
-    options_.passes("rows committed");
-}
-
-// What the attempt comes to, where it cannot even be made: nothing otherwise.
-std::optional<Dispatcher::Job> Notifier::jobOf(const Outgoing& message) {
-    Dispatcher::Job job;
-    job.stored = message;
-    job.message.key = outbox_->id() + '-' + std::to_string(message.key);
-    job.message.address = message.address;
-    job.message.subject = message.subject;
-    job.message.body = message.body;
-    job.message.priority = message.priority == 2 ? Priority::urgent : Priority::normal;
-    job.message.created = message.created;
-    if (!message.voiceFile.empty())
-        job.message.voiceFile = options_.databaseFile.parent_path() / message.voiceFile;
-    if (message.kind == DeviceKind::voiceMail || message.kind == DeviceKind::email) {
-        try {
-            const auto alias = directoryAlias(message.address);
-            if (!alias) {
-                settle(message, {Result::refused, "The directory has no such entry"});
-                return std::nullopt;
-            }
-            job.message.address = *alias + '@' + options_.mailDomain();
-        } catch (const platform::Failure& failure) {
-            settle(message, {Result::tryAgain, "The directory cannot be read: " + failure.description()});
-            return std::nullopt;
-        }
-    }
-    return job;
-}
-
-void Notifier::sendDue() {
-    while (dispatcher_.idle() > 0) {
-        const auto due = outbox_->due(now(), dispatcher_.idle(), dispatcher_.busy());
-        if (due.empty())
-            return;
-        for (const Outgoing& message : due)
-            if (auto job = jobOf(message)) {
-                options_.passes("before send");
-                dispatcher_.start(std::move(*job));
-            }
-    }
-}
-
-// An outcome that cannot be kept stays here, and nothing more is sent until it can: its message would look as
-// if it had never been sent.
-void Notifier::settle() {
-    for (auto& ended : dispatcher_.take())
-        ended_.push_back(std::move(ended));
-    for (; !ended_.empty(); ended_.pop_front())
-        settle(ended_.front().first, ended_.front().second);
-}
-
-void Notifier::settle(Outgoing message, const Outcome& outcome) {
-    options_.passes("sent but unmarked");
-    ++message.attempts;
-    message.answer = outcome.answer;
-    message.settled = now();
-    const bool taken = outcome.result == Result::delivered || outcome.result == Result::handedOver;
-    if (taken) {
-        message.state = State::told;
-    } else if (outcome.result == Result::refused) {
-        message.state = State::refused;
-    } else if (const auto next = nextAttempt(message.attempts, message.created, message.settled)) {
-        message.nextAttempt = *next;
-    } else {
-        message.state = State::givenUp;
-    }
-    outbox_->update(message);
-    const bool waits = message.state == State::waiting;
-    log_.add((taken   ? "Told: "
-              : waits ? "Waits: "
-                      : "Not told: ") +
-             nameOf(message) + ": " + outcomeText(message) +
-             (waits ? "; next attempt at " + platform::defaultForm(platform::localTime(message.nextAttempt))
-                    : std::string()));
-}
-
-// First the outcome, then the history, then done: whatever is interrupted is finished after a restart.
-void Notifier::record() {
-    std::vector<Outgoing> messages = outbox_->unrecorded();
-    if (messages.empty())
-        return;
-    options_.passes("before the history");
-    writeHistory(configuration_.connection(), messages);
-    configuration_.forget();
-    for (Outgoing& message : messages) {
-        message.outcome = std::exchange(message.state, State::done);
-        outbox_->update(message);
-    }
+    options_.delivery.passes("rows committed");
 }
 
 void Notifier::age() {
@@ -352,7 +265,7 @@ milliseconds Notifier::look() {
     });
     attempt("Ways out", [&] {
         if (options_.refreshWaysOut())
-            dispatcher_.renewTransports();
+            delivery_.renewTransports();
     });
     if (everything_)
         attempt("Outbox", [&] { openOutbox(); });
@@ -363,11 +276,13 @@ milliseconds Notifier::look() {
         if (!more)
             attempt("Records that were held back", [&] { tellHeldBack(); });
         attempt("Sending", [&] {
-            settle();
-            sendDue();
+            delivery_.settle(*outbox_);
+            delivery_.sendDue(*outbox_);
         });
-        attempt("History", [&] { record(); });
+        attempt("History", [&] { delivery_.record(*outbox_, configuration_); });
         attempt("Aging", [&] { age(); });
+        // Those who look at the outbox see by its time when this was. That it cannot be touched hurts nobody.
+        ::utimensat(AT_FDCWD, options_.outboxFile.c_str(), nullptr, 0);
     }
     flushLog();
     return more ? milliseconds(0) : untilNextLook();
@@ -392,10 +307,10 @@ milliseconds Notifier::untilNextLook() {
 }
 
 void Notifier::end() {
-    dispatcher_.stop();
+    delivery_.stop();
     if (outbox_) {
-        attempt("Sending", [&] { settle(); });
-        attempt("History", [&] { record(); });
+        attempt("Sending", [&] { delivery_.settle(*outbox_); });
+        attempt("History", [&] { delivery_.record(*outbox_, configuration_); });
     }
     log_.add("HbQlnSvc stopped");
     flushLog();

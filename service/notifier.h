@@ -3,22 +3,18 @@
 #pragma once
 
 #include <chrono>
-#include <cstddef>
-#include <deque>
 #include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <utility>
 #include <vector>
 
 #include "platform/files/descriptor.h"
 #include "service/decision/configuration.h"
 #include "service/decision/decide.h"
-#include "service/outbox/dispatcher.h"
+#include "service/delivery.h"
 #include "service/outbox/outbox.h"
 #include "service/program/serviceLog.h"
 #include "service/program/work.h"
@@ -28,18 +24,14 @@
 namespace service {
 
 struct NotifierOptions {
-    std::filesystem::path databaseFile;  // the configuration; voice files lie beside it
+    std::filesystem::path databaseFile;  // the configuration
     std::filesystem::path outboxFile;
     std::chrono::milliseconds pause{0};     // between two looks; 0 leaves it to the setting "PollingInterval"
     std::chrono::minutes oldestNotice{60};  // older records are told together, one message for each event
-    MakeTransport makeTransport;
     std::function<bool(DeviceKind)> isSetUp;
-    std::function<std::string()> mailDomain;  // of the people and lists in the directory
     // Looks whether the ways out have changed: true when transports have to be made anew.
     std::function<bool()> refreshWaysOut = [] { return false; };
-    std::size_t threads = 4;
-    // Called with the name of each point that a crash has to be survived at.
-    std::function<void(std::string_view)> passes = [](std::string_view) {};
+    DeliveryOptions delivery;
 };
 
 class Notifier : public Work {
@@ -63,26 +55,20 @@ class Notifier : public Work {
     void holdBack(Outbox::Batch& batch, const EventVerdict& verdict, const platform::EventRecord& record,
                   const char* why);
     void tellHeldBack();
-    void settle();
-    void settle(Outgoing message, const Outcome& outcome);
-    void sendDue();
-    std::optional<Dispatcher::Job> jobOf(const Outgoing& message);
-    void record();
     void age();
     void flushLog();
     Circumstances circumstances();
     std::chrono::milliseconds untilNextLook();
 
     NotifierOptions options_;
+    ServiceLog log_;
+    Delivery delivery_;
     std::vector<std::unique_ptr<Source>> sources_;
     std::map<std::string, std::string> beginnings_;  // of the sources, should an outbox have to be made
     Configuration configuration_;
     std::unique_ptr<Outbox> outbox_;
-    Dispatcher dispatcher_;
-    std::deque<std::pair<Outgoing, Outcome>> ended_;  // attempts whose outcome is not in the outbox yet
     FolderWatch logsWatch_;
     platform::Descriptor wake_;
-    ServiceLog log_;
     std::string logFile_;
     std::chrono::seconds pollingInterval_{10};
     std::optional<bool> everything_;               // as it was when the database was first read

@@ -89,7 +89,7 @@ std::vector<std::size_t> candidates(const Monitoring& monitoring, const std::str
 std::string_view textOf(Reason reason) {
     switch (reason) {
         case Reason::send:
-            return "is told";
+            return "told";
         case Reason::eventInactive:
             return "the event is inactive";
         case Reason::excluded:

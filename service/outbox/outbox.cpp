@@ -8,12 +8,13 @@
 
 #include "platform/failure.h"
 #include "platform/machine/caseFold.h"
+#include "service/outbox/rows.h"
 
 namespace service {
 
 namespace {
 
-// 1 is the layout's version. Moments are milliseconds since 1970.
+// 1 is the layout's version.
 constexpr char layout[] =
     "BEGIN IMMEDIATE;"
     "CREATE TABLE IF NOT EXISTS Identity(Id TEXT NOT NULL);"
@@ -30,71 +31,6 @@ constexpr char layout[] =
     "CREATE INDEX IF NOT EXISTS MessageEvent ON Message(EventKey, Created);"
     "PRAGMA user_version = 1;"
     "COMMIT;";
-
-constexpr char messageColumns[] =
-    "SELECT Key, EventKey, EventSource, EventId, EventType, Computer, IsTest, DeviceKey, Kind, Recipient,"
-    " Address, Subject, Body, Priority, VoiceFile, Created, Attempts, NextAttempt, Settled, Answer, State,"
-    " Outcome FROM Message ";
-
-std::int64_t numberOf(Moment moment) {
-    return std::chrono::duration_cast<std::chrono::milliseconds>(moment.time_since_epoch()).count();
-}
-
-Moment momentOf(std::int64_t number) {
-    return Moment(std::chrono::milliseconds(number));
-}
-
-Outgoing messageOf(const Query& row) {
-    Outgoing message;
-    message.key = row.number(0);
-    message.eventKey = static_cast<long>(row.number(1));
-    message.eventSource = row.text(2);
-    message.eventId = static_cast<std::uint32_t>(row.number(3));
-    message.eventType = static_cast<std::uint16_t>(row.number(4));
-    message.computer = row.text(5);
-    message.isTest = row.number(6) != 0;
-    message.deviceKey = static_cast<long>(row.number(7));
-    message.kind = static_cast<DeviceKind>(row.number(8));
-    message.recipient = row.text(9);
-    message.address = row.text(10);
-    message.subject = row.text(11);
-    message.body = row.text(12);
-    message.priority = static_cast<long>(row.number(13));
-    message.voiceFile = row.text(14);
-    message.created = momentOf(row.number(15));
-    message.attempts = static_cast<int>(row.number(16));
-    message.nextAttempt = momentOf(row.number(17));
-    message.settled = momentOf(row.number(18));
-    message.answer = row.text(19);
-    message.state = static_cast<State>(row.number(20));
-    message.outcome = static_cast<State>(row.number(21));
-    return message;
-}
-
-HeldBack heldBackOf(const Query& row) {
-    HeldBack held;
-    held.eventKey = static_cast<long>(row.number(0));
-    held.count = row.number(1);
-    held.first = row.text(2);
-    held.last = row.text(3);
-    held.record = {row.text(4),
-                   row.text(5),
-                   row.text(6),
-                   static_cast<std::uint32_t>(row.number(7)),
-                   static_cast<std::uint16_t>(row.number(8)),
-                   static_cast<std::uint16_t>(row.number(9)),
-                   row.text(10),
-                   row.text(11),
-                   row.text(12)};
-    return held;
-}
-
-std::vector<Outgoing> allOf(Query&& rows) {
-    std::vector<Outgoing> messages;
-    while (rows.next())
-        messages.push_back(messageOf(rows));
-    return messages;
-}
 
 std::string newId() {
     std::array<unsigned char, 8> bytes{};
@@ -216,11 +152,8 @@ std::optional<std::string> Outbox::position(const std::string& source) {
 }
 
 std::vector<HeldBack> Outbox::heldBack() {
-    std::vector<HeldBack> held;
-    Query row = store_->query("SELECT * FROM HeldBack ORDER BY EventKey");
-    while (row.next())
-        held.push_back(heldBackOf(row));
-    return held;
+    Query rows = store_->query("SELECT * FROM HeldBack ORDER BY EventKey");
+    return allHeldBackOf(rows);
 }
 
 std::optional<HeldBack> Outbox::heldBack(long eventKey) {
@@ -286,23 +219,8 @@ void Outbox::update(const Outgoing& message) {
 
 std::vector<Outgoing> Outbox::unrecorded() {
     static const std::string text = std::string(messageColumns) + "WHERE State IN (1, 2, 3) ORDER BY Key";
-    return allOf(store_->query(text.c_str()));
-}
-
-Outbox::Waiting Outbox::waiting() {
-    Query row = store_->query("SELECT count(*), min(Created) FROM Message WHERE State = 0");
-    row.next();
-    return {row.number(0), row.number(0) ? std::optional(momentOf(row.number(1))) : std::nullopt};
-}
-
-std::vector<Outgoing> Outbox::newest(std::size_t most) {
-    static const std::string text = std::string(messageColumns) + "ORDER BY Key DESC LIMIT ?";
     Query rows = store_->query(text.c_str());
-    rows.with(static_cast<std::int64_t>(most));
-    std::vector<Outgoing> messages;
-    while (rows.next())
-        messages.push_back(messageOf(rows));
-    return messages;
+    return messagesOf(rows);
 }
 
 void Outbox::dropDoneBefore(Moment moment) {

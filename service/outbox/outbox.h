@@ -101,14 +101,6 @@ class Outbox {
     void update(const Outgoing& message);
     // Those whose outcome is to be written into the history, the oldest first.
     std::vector<Outgoing> unrecorded();
-    // Messages that wait, and the moment of the oldest.
-    struct Waiting {
-        std::int64_t count = 0;
-        std::optional<Moment> oldest;
-    };
-    Waiting waiting();
-    // The newest ones in any state, the newest first.
-    std::vector<Outgoing> newest(std::size_t most);
     // Drops what has been done since before `moment`.
     void dropDoneBefore(Moment moment);
 

@@ -12,6 +12,8 @@ namespace service {
 
 namespace {
 
+constexpr int longestWait = 500;  // milliseconds, for a lock
+
 [[noreturn]] void fail(sqlite3* engine, const std::string& name = {}) {
     std::string text = engine ? sqlite3_errmsg(engine) : "out of memory";
     if (!name.empty())
@@ -65,20 +67,24 @@ void Store::Finalize::operator()(sqlite3_stmt* statement) const noexcept {
     sqlite3_finalize(statement);
 }
 
-Store::Store(const std::filesystem::path& file) : name_(file.string()) {
+Store::Store(const std::filesystem::path& file, Access access) : name_(file.string()) {
+    const bool isOwner = access == Access::owner;
     // The engine would create it with the rights of the process's mask, and follow a link.
-    const platform::Descriptor made(::open(name_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    const platform::Descriptor made(
+        ::open(name_.c_str(), (isOwner ? O_RDWR | O_CREAT : O_RDONLY) | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!made)
         throw platform::failureFromErrno(errno, name_);
     sqlite3* engine = nullptr;
-    const int code =
-        sqlite3_open_v2(name_.c_str(), &engine, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW, nullptr);
+    const int code = sqlite3_open_v2(
+        name_.c_str(), &engine,
+        (isOwner ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY) | SQLITE_OPEN_NOFOLLOW, nullptr);
     engine_.reset(engine);
     if (code != SQLITE_OK)
         fail(engine, name_);
-    sqlite3_busy_timeout(engine, 500);
+    sqlite3_busy_timeout(engine, longestWait);
     // Full: what was promised to be told survives a loss of power.
-    run("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA journal_size_limit = 4194304;");
+    if (isOwner)
+        run("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA journal_size_limit = 4194304;");
 }
 
 Store::~Store() = default;

@@ -48,8 +48,9 @@ class Query {
 
 class Store {
   public:
-    // Opens the file, creating it for its owner alone. Raises platform::Failure.
-    explicit Store(const std::filesystem::path& file);
+    enum class Access { owner, reader };
+    // Opens the file; its owner creates it when it is missing, for the owner alone. Raises platform::Failure.
+    explicit Store(const std::filesystem::path& file, Access access = Access::owner);
     ~Store();
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;

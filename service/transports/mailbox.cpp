@@ -91,7 +91,7 @@ Outcome Mailbox::send(const Message& message, const Deadline& deadline) {
             fail(mailFolder_.parent_path());
         const Descriptor root = folderIn(host.get(), mailFolder_.filename());
         putInto(folderIn(root.get(), message.address).get(), fileName(message), mail);
-        return {Result::delivered, "In the host's mailbox."};
+        return {Result::delivered, "In the host's mailbox"};
     } catch (const std::system_error& failure) {
         const int error = failure.code().value();
         const bool isForGood = error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;

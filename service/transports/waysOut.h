@@ -15,7 +15,7 @@ namespace service {
 struct WaysOutSettings {
     SmtpSettings mail;
     std::string mailProblem = "the registry has not been read";  // empty when mail can be sent
-    std::string mailDomain;   // of the people and lists in the directory
+    std::string mailDomain;                                      // of the people and lists in the directory
     std::string pagerGateway;
     std::filesystem::path mailFolder;  // the host's own mailboxes, for mail without a relay
 

@@ -1,6 +1,9 @@
 // The service's real program: from a record in a log to a mail in the host's mailboxes.
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdio>
+
 #include "platform/files/files.h"
 #include "platform/machine/eventLog.h"
 #include "platform/machine/host.h"
@@ -45,6 +48,18 @@ class ServiceProgram : public ::testing::Test {
         EXPECT_EQ(service().control(platform::ServiceControl::stop), 0u);
         EXPECT_TRUE(host.reaches(ServiceState::stopped));
     }
+    // What the tool prints.
+    std::string qlnhost(const std::string& arguments) const {
+        const std::string command =
+            std::string(QLNHOST_PROGRAM) + " --host " + host.root().string() + " " + arguments + " 2>&1";
+        FILE* const pipe = popen(command.c_str(), "r");
+        std::string text;
+        std::array<char, 4096> piece{};
+        while (const std::size_t size = fread(piece.data(), 1, piece.size(), pipe))
+            text.append(piece.data(), size);
+        pclose(pipe);
+        return text;
+    }
     // The mails that have come, once there are so many of them.
     std::vector<std::string> mails(std::size_t count) {
         const fs::path folder = platform::host::folder() / "mail" / "night@example.org" / "new";
@@ -82,9 +97,22 @@ TEST_F(ServiceProgram, ARecordLiesAsAMailInTheHostsMailboxAtOnce) {
         EXPECT_NE(log.find(line), std::string::npos) << line << "\n" << log;
     EXPECT_EQ(log.find("Disk 50"), std::string::npos) << "what was there before the first start is no news";
 
+    // What a person sees of it.
+    EXPECT_EQ(qlnhost("mail"), "night@example.org                        1 new, 0 read\n");
+    EXPECT_NE(qlnhost("mail night@example.org").find("  Warning Disk[51]\n"), std::string::npos);
+    EXPECT_NE(qlnhost("notifications").find("  Disk 51  night@example.org: In the host's mailbox\n"),
+              std::string::npos);
+    EXPECT_NE(qlnhost("services").find("stopped, last look 20"), std::string::npos);
+    EXPECT_EQ(
+        qlnhost("explain System DISK 9 information"),
+        "Event 10, \"Title\": told\n  Night shift, night@example.org: within the notification interval\n");
+    EXPECT_EQ(qlnhost("explain System Other 9 error"), "No monitored event has this source and id.\n");
+    EXPECT_NE(qlnhost("transports").find("syslog        not set up: "), std::string::npos);
+
     // What comes while it does not run is told when it runs again.
     support::run(host.databaseFile(), "UPDATE Events SET EventLastNotification = NULL");
-    write(52);
+    EXPECT_EQ(qlnhost("events add System Disk 52 warning --category=3 'more text'"), "");
+    EXPECT_NE(qlnhost("events add System Disk 52 bad x"), "");
     start();
     EXPECT_EQ(mails(2).size(), 2u);
     stop();

@@ -90,8 +90,8 @@ class NotifierTest : public testing::Test {
         options.outboxFile = outboxFile();
         options.pause = std::chrono::hours(1);
         options.isSetUp = [](DeviceKind) { return true; };
-        options.makeTransport = [this](DeviceKind) { return std::make_unique<PostTransport>(post); };
-        options.mailDomain = [] { return std::string("mail.example"); };
+        options.delivery.makeTransport = [this](DeviceKind) { return std::make_unique<PostTransport>(post); };
+        options.delivery.mailDomain = [] { return std::string("mail.example"); };
         std::vector<std::unique_ptr<Source>> sources;
         sources.push_back(std::make_unique<HostLog>("Application"));
         sources.push_back(std::make_unique<HostLog>("System"));

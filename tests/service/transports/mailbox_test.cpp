@@ -73,7 +73,7 @@ TEST_F(MailboxTest, AnotherReaderFindsTheHeadersAndTheTextAsTheyWere) {
                              "\nA\xE2\x80\xA8"
                              "B \xF0\x9F\x94\x94 = \t\n";
     sent.body = text + "one\r\ntwo\rthree";
-    ASSERT_EQ(send(sent).answer, "In the host's mailbox.");
+    ASSERT_EQ(send(sent).answer, "In the host's mailbox");
     EXPECT_EQ(read("m['Subject']"), "Zoë – at once  Bcc: all@example.com");
     EXPECT_EQ(read("'|'.join([m['From'], m['To'], m['X-Priority'], m['Importance'], m['Message-ID']])"),
               "quillon@example.com|zoe@example.com|1|high|<=7B4=2F7=7D@example.com>");
@@ -92,7 +92,7 @@ TEST_F(MailboxTest, AVoiceFileGoesAlongAndAMissingOneIsTold) {
     service::Message sent = message();
     sent.body = "Listen";
     sent.voiceFile = voice;
-    ASSERT_EQ(send(sent).answer, "In the host's mailbox.");
+    ASSERT_EQ(send(sent).answer, "In the host's mailbox");
     const std::string part = "list(m.iter_attachments())[0]";
     EXPECT_EQ(read(part + ".get_content()"), content);
     EXPECT_EQ(read(part + ".get_content_type() + ' ' + " + part + ".get_filename()"),
@@ -100,7 +100,7 @@ TEST_F(MailboxTest, AVoiceFileGoesAlongAndAMissingOneIsTold) {
 
     // The same key again: still one mail.
     fs::remove(voice);
-    ASSERT_EQ(send(sent).answer, "In the host's mailbox.");
+    ASSERT_EQ(send(sent).answer, "In the host's mailbox");
     const std::string text = read("m.get_content()");
     EXPECT_TRUE(text.starts_with("Listen\nThe voice file " + voice.string() + " is not attached: ")) << text;
 }

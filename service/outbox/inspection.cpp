@@ -1,0 +1,34 @@
+#include "service/outbox/inspection.h"
+
+#include <sys/stat.h>
+
+#include "service/outbox/rows.h"
+
+namespace service {
+
+std::optional<Moment> OutboxView::pendingSince(long eventKey) const {
+    const auto found = pending.find(eventKey);
+    return found == pending.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<OutboxView> viewOutbox(const std::filesystem::path& file) {
+    struct stat status {};
+    if (::stat(file.c_str(), &status) != 0)
+        return std::nullopt;
+    Store store(file, Store::Access::reader);
+    static const std::string waiting = std::string(messageColumns) + "WHERE State = 0 ORDER BY Key";
+    OutboxView view;
+    Query messages = store.query(waiting.c_str());
+    view.waiting = messagesOf(messages);
+    Query held = store.query("SELECT * FROM HeldBack ORDER BY EventKey");
+    view.heldBack = allHeldBackOf(held);
+    Query pending = store.query(
+        "SELECT EventKey, max(Created) FROM Message WHERE State <> 4 OR Outcome <> 1 GROUP BY EventKey");
+    while (pending.next())
+        view.pending.emplace(static_cast<long>(pending.number(0)), momentOf(pending.number(1)));
+    // The service touches its outbox at each look.
+    view.lastLook = std::chrono::system_clock::from_time_t(status.st_mtim.tv_sec);
+    return view;
+}
+
+}  // namespace service
