@@ -35,6 +35,10 @@ std::optional<Dispatcher::Job> Delivery::jobOf(Outbox& outbox, const Outgoing& m
     job.message.body = message.body;
     job.message.priority = message.priority == 2 ? Priority::urgent : Priority::normal;
     job.message.created = message.created;
+    job.message.eventSource = message.eventSource;
+    job.message.eventId = message.eventId;
+    job.message.eventType = message.eventType;
+    job.message.computer = message.computer;
     if (!message.voiceFile.empty())
         job.message.voiceFile = options_.voiceFolder / message.voiceFile;
     if (message.kind == DeviceKind::voiceMail || message.kind == DeviceKind::email) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -17,6 +18,11 @@ struct Message {
     Priority priority = Priority::normal;
     std::chrono::system_clock::time_point created;
     std::filesystem::path voiceFile;  // goes along with a mail; empty for none
+    // Of the record that it tells of.
+    std::string eventSource;
+    std::uint32_t eventId = 0;
+    std::uint16_t eventType = 4;  // 1 error, 2 warning, 4 information
+    std::string computer;
 };
 
 }  // namespace service

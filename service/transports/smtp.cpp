@@ -1,29 +1,19 @@
 #include "service/transports/smtp.h"
 
-#include <curl/curl.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <mutex>
 #include <string_view>
 #include <utility>
-#include <vector>
 
+#include "service/transports/curlSession.h"
 #include "service/transports/mailMessage.h"
 
 namespace service {
 
 namespace {
-
-constexpr int pollMilliseconds = 100;
-
-void initializeOnce() {
-    static std::once_flag once;
-    std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
-}
 
 std::string partOf(CURLU* url, CURLUPart part) {
     char* text = nullptr;
@@ -80,19 +70,6 @@ std::size_t keepAnswer(char* line, std::size_t size, std::size_t count, void* se
     return size * count;
 }
 
-bool isUnsafe(CURLcode code) {
-    switch (code) {
-        case CURLE_USE_SSL_FAILED:
-        case CURLE_PEER_FAILED_VERIFICATION:
-        case CURLE_SSL_CACERT_BADFILE:
-        case CURLE_SSL_CERTPROBLEM:
-        case CURLE_SSL_ISSUER_ERROR:
-            return true;
-        default:
-            return false;
-    }
-}
-
 Outcome outcomeOf(CURLcode code, const std::string& answer, const char* details) {
     if (code == CURLE_OK)
         return {Result::delivered, answer.empty() ? "Delivered" : "Delivered: " + answer};
@@ -111,7 +88,7 @@ Outcome outcomeOf(CURLcode code, const std::string& answer, const char* details)
 }  // namespace
 
 std::string problemOfRelay(const std::string& relay) {
-    initializeOnce();
+    initializeCurl();
     const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> url(curl_url(), &curl_url_cleanup);
     if (curl_url_set(url.get(), CURLUPART_URL, relay.c_str(), CURLU_NON_SUPPORT_SCHEME) != CURLUE_OK)
         return "it is no address of a relay";
@@ -124,23 +101,19 @@ std::string problemOfRelay(const std::string& relay) {
     return path.empty() || path == "/" ? "" : "there is more behind the host";
 }
 
-// The library's handles. The relay's connection lives in the group.
+// The connection to the relay, which is kept between mails.
 class Smtp::Session {
   public:
-    Session() : group_(curl_multi_init(), &curl_multi_cleanup), easy_(curl_easy_init(), &curl_easy_cleanup) {}
-
-    ~Session() { hangUp(); }
-
+    // Without a message the relay is asked for nothing, after the sign-in.
     Outcome perform(const SmtpSettings& settings, const Message* message, const Deadline& deadline) {
-        if (!group_ || !easy_)
+        CURL* const easy = connection_.fresh();
+        if (!easy)
             return {Result::tryAgain, "out of memory"};
         std::string answer;
         std::array<char, CURL_ERROR_SIZE> details{};
         const std::string text = message ? withCrLf(mailMessage(*message, settings.from)) : std::string();
         Upload upload{text};
-        CURL* const easy = easy_.get();
-        curl_easy_reset(easy);
-        setUp(settings);
+        setUp(easy, settings);
         curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, details.data());
         curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &keepAnswer);
         curl_easy_setopt(easy, CURLOPT_HEADERDATA, &answer);
@@ -154,29 +127,19 @@ class Smtp::Session {
             curl_easy_setopt(easy, CURLOPT_READFUNCTION, &Upload::read);
             curl_easy_setopt(easy, CURLOPT_READDATA, &upload);
         } else {
-            // Asks for nothing; the answer comes after the sign-in.
             curl_easy_setopt(easy, CURLOPT_CUSTOMREQUEST, "NOOP");
         }
-        const CURLcode code = run(deadline);
+        const CURLcode code = connection_.run(deadline);
         if (code == CURLE_ABORTED_BY_CALLBACK)
             return {Result::tryAgain, "The relay did not answer in time"};
         return outcomeOf(code, answer, details.data());
     }
 
   private:
-    void setUp(const SmtpSettings& settings) {
-        CURL* const easy = easy_.get();
-        curl_easy_setopt(easy, CURLOPT_URL,
-                         (settings.relay + (settings.relay.ends_with('/') ? "" : "/") + ownName()).c_str());
+    static void setUp(CURL* easy, const SmtpSettings& settings) {
+        const std::string url = settings.relay + (settings.relay.ends_with('/') ? "" : "/") + ownName();
+        curl_easy_setopt(easy, CURLOPT_URL, url.c_str());
         curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "smtp,smtps");
-        curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
-        curl_easy_setopt(easy, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
-        curl_easy_setopt(easy, CURLOPT_SOCKOPTFUNCTION, &opened);
-        curl_easy_setopt(easy, CURLOPT_SOCKOPTDATA, this);
-        curl_easy_setopt(easy, CURLOPT_CLOSESOCKETFUNCTION, &closed);
-        curl_easy_setopt(easy, CURLOPT_CLOSESOCKETDATA, this);
-        // No proxy of the environment: mail goes where the settings say.
-        curl_easy_setopt(easy, CURLOPT_PROXY, "");
         curl_easy_setopt(easy, CURLOPT_USE_SSL,
                          static_cast<long>(settings.requiresTls ? CURLUSESSL_ALL : CURLUSESSL_NONE));
         if (!settings.caFile.empty())
@@ -187,53 +150,10 @@ class Smtp::Session {
         }
     }
 
-    // The handle leaves the group in any case; what it was doing ends there.
-    CURLcode run(const Deadline& deadline) {
-        curl_multi_add_handle(group_.get(), easy_.get());
-        CURLcode result = CURLE_ABORTED_BY_CALLBACK;
-        int running = 1;
-        while (running > 0 && !deadline.isOver()) {
-            if (curl_multi_perform(group_.get(), &running) != CURLM_OK) {
-                result = CURLE_OUT_OF_MEMORY;
-                break;
-            }
-            int left = 0;
-            while (const CURLMsg* const ended = curl_multi_info_read(group_.get(), &left))
-                if (ended->msg == CURLMSG_DONE)
-                    result = ended->data.result;
-            if (running > 0)
-                curl_multi_poll(group_.get(), nullptr, 0, pollMilliseconds, nullptr);
-        }
-        if (running > 0)
-            hangUp();
-        curl_multi_remove_handle(group_.get(), easy_.get());
-        return result;
-    }
-
-    // The library would say goodbye and wait two minutes for the answer of a relay that gives none.
-    void hangUp() {
-        for (const curl_socket_t each : sockets_)
-            ::shutdown(each, SHUT_RDWR);
-    }
-    static int opened(void* self, curl_socket_t socket, curlsocktype) {
-        static_cast<Session*>(self)->sockets_.push_back(socket);
-        return CURL_SOCKOPT_OK;
-    }
-    static int closed(void* self, curl_socket_t socket) {
-        std::erase(static_cast<Session*>(self)->sockets_, socket);
-        return ::close(socket);
-    }
-
-    std::vector<curl_socket_t> sockets_;
-
-    std::unique_ptr<CURLM, decltype(&curl_multi_cleanup)> group_;
-    std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> easy_;
+    CurlSession connection_;
 };
 
-Smtp::Smtp(SmtpSettings settings) : settings_(std::move(settings)) {
-    initializeOnce();
-    session_ = std::make_unique<Session>();
-}
+Smtp::Smtp(SmtpSettings settings) : settings_(std::move(settings)), session_(std::make_unique<Session>()) {}
 
 Smtp::~Smtp() = default;
 

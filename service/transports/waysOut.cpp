@@ -111,6 +111,12 @@ WaysOutSettings readWaysOut() {
         }
     }
     settings.pagerGateway = textValue("Pager", "Gateway");
+    settings.syslog.caFile = textValue("Syslog", "CaFile");
+    if (const std::string facility = textValue("Syslog", "Facility"); !facility.empty()) {
+        settings.syslog.facility = syslogFacility(facility);
+        if (settings.syslog.facility < 0)
+            settings.syslogProblem = "the value Syslog\\Facility, " + facility + ", is no facility";
+    }
     settings.mailFolder = platform::host::folder() / "mail";
     return settings;
 }
@@ -130,8 +136,9 @@ std::string problemOf(const WaysOutSettings& settings, DeviceKind kind) {
             return settings.mailProblem;
         case DeviceKind::failover:
             return {};
-        case DeviceKind::snmpTrap:
         case DeviceKind::syslog:
+            return settings.syslogProblem;
+        case DeviceKind::snmpTrap:
             break;
     }
     return "the service has no way out to devices of type " + std::to_string(static_cast<long>(kind));
@@ -145,6 +152,9 @@ std::string describe(const WaysOutSettings& settings, DeviceKind kind) {
     switch (kind) {
         case DeviceKind::pager:
             return "mail to " + settings.pagerGateway + " by " + mail;
+        case DeviceKind::syslog:
+            return "RFC 5424 to the address of the device, facility " +
+                   std::to_string(settings.syslog.facility);
         case DeviceKind::failover:
             return "the node manager of this host";
         case DeviceKind::voiceMail:
@@ -162,6 +172,8 @@ std::unique_ptr<Transport> makeTransport(const WaysOutSettings& settings, Device
         return makeMail(settings);
     if (kind == DeviceKind::pager)
         return std::make_unique<Pager>(makeMail(settings), settings.pagerGateway);
+    if (kind == DeviceKind::syslog)
+        return std::make_unique<Syslog>(settings.syslog);
     return kind == DeviceKind::failover ? std::make_unique<Failover>() : nullptr;
 }
 

@@ -8,6 +8,7 @@
 
 #include "service/transports/deviceKind.h"
 #include "service/transports/smtp.h"
+#include "service/transports/syslog.h"
 #include "service/transports/transport.h"
 
 namespace service {
@@ -17,13 +18,15 @@ struct WaysOutSettings {
     std::string mailProblem = "the registry has not been read";  // empty when mail can be sent
     std::string mailDomain;                                      // of the people and lists in the directory
     std::string pagerGateway;
+    SyslogSettings syslog;
+    std::string syslogProblem;
     std::filesystem::path mailFolder;  // the host's own mailboxes, for mail without a relay
 
     bool operator==(const WaysOutSettings&) const = default;
 };
 
-// Reads the values below the product's key: Mail (Relay, Tls, User, PasswordFile, From, CaFile, Domain) and
-// Pager (Gateway). Raises platform::Failure for a registry that cannot be read.
+// Reads the values below the product's key: Mail (Relay, Tls, User, PasswordFile, From, CaFile, Domain),
+// Pager (Gateway) and Syslog (Facility, CaFile). Raises platform::Failure for a registry that cannot be read.
 WaysOutSettings readWaysOut();
 
 // Why devices of a kind cannot be reached, and what to set up; empty when they can.

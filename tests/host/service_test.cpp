@@ -107,7 +107,7 @@ TEST_F(ServiceProgram, ARecordLiesAsAMailInTheHostsMailboxAtOnce) {
         qlnhost("explain System DISK 9 information"),
         "Event 10, \"Title\": told\n  Night shift, night@example.org: within the notification interval\n");
     EXPECT_EQ(qlnhost("explain System Other 9 error"), "No monitored event has this source and id.\n");
-    EXPECT_NE(qlnhost("transports").find("syslog        not set up: "), std::string::npos);
+    EXPECT_NE(qlnhost("transports").find("pager         not set up: "), std::string::npos);
 
     // What comes while it does not run is told when it runs again.
     support::run(host.databaseFile(), "UPDATE Events SET EventLastNotification = NULL");
