@@ -1,24 +1,21 @@
 #include "service/transports/syslog.h"
 
-#include <netdb.h>
 #include <poll.h>
 #include <sys/socket.h>
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cerrno>
 #include <charconv>
-#include <condition_variable>
 #include <cstring>
 #include <ctime>
-#include <memory>
-#include <mutex>
 #include <string_view>
-#include <thread>
 #include <utility>
 
 #include "platform/files/descriptor.h"
 #include "service/transports/curlSession.h"
+#include "service/transports/nameSearch.h"
 
 namespace service {
 
@@ -26,41 +23,6 @@ namespace {
 
 constexpr std::size_t longestDatagram = 2048;
 constexpr std::size_t longestFrame = 16384;
-
-struct FreeAddresses {
-    void operator()(addrinfo* addresses) const noexcept { ::freeaddrinfo(addresses); }
-};
-using Addresses = std::unique_ptr<addrinfo, FreeAddresses>;
-
-// The system's search for a name cannot be ended early: it goes on alone, and what it finds is dropped.
-struct Search {
-    std::mutex mutex;
-    std::condition_variable end;
-    bool hasEnded = false;
-    int error = 0;
-    Addresses addresses;
-};
-
-Addresses findHost(const SyslogTarget& target, const Deadline& deadline, std::string& reason) {
-    auto search = std::make_shared<Search>();
-    std::thread([search, host = target.host, port = target.port] {
-        addrinfo hints{};
-        hints.ai_socktype = SOCK_DGRAM;
-        hints.ai_flags = AI_ADDRCONFIG;
-        addrinfo* found = nullptr;
-        const int error = ::getaddrinfo(host.c_str(), port.c_str(), &hints, &found);
-        const std::lock_guard lock(search->mutex);
-        search->addresses.reset(error == 0 ? found : nullptr);
-        search->error = error;
-        search->hasEnded = true;
-        search->end.notify_all();
-    }).detach();
-    std::unique_lock lock(search->mutex);
-    while (!search->hasEnded && !deadline.isOver())
-        search->end.wait_for(lock, std::chrono::milliseconds(100));
-    reason = !search->hasEnded ? "the name server does not answer" : ::gai_strerror(search->error);
-    return std::move(search->addresses);
-}
 
 // 0, or the error. A machine on which nobody listens says so soon, one further away perhaps never.
 int sendTo(const addrinfo& address, const std::string& line) {
@@ -79,7 +41,7 @@ int sendTo(const addrinfo& address, const std::string& line) {
 
 Outcome sendDatagram(const SyslogTarget& target, const std::string& line, const Deadline& deadline) {
     std::string reason;
-    const Addresses addresses = findHost(target, deadline, reason);
+    const Addresses addresses = findHost(target.host, target.port, deadline, reason);
     for (const addrinfo* each = addresses.get(); each; each = each->ai_next) {
         const int error = sendTo(*each, line);
         if (error == 0)

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <utility>
 
 #include "platform/failure.h"
@@ -73,6 +74,66 @@ std::string problemOfMail(const SmtpSettings& mail) {
                            : "the value Mail\\Relay, " + mail.relay + ", cannot be used: " + problem;
 }
 
+// "host", "host:port" or "[v6]:port".
+SnmpSink sinkOf(const std::string& community, const std::string& address) {
+    const SyslogTarget target = syslogTarget(address);
+    const bool namesPort = address.ends_with(':' + target.port);
+    return {community, target.problem.empty() ? target.host : address,
+            namesPort ? target.port : SnmpSink().port};
+}
+
+std::vector<SnmpSink> readSinks() {
+    constexpr char key[] =
+        "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\SNMP\\Parameters\\TrapConfiguration";
+    std::vector<SnmpSink> sinks;
+    for (const std::string& community : platform::registry().subkeys(key))
+        if (const auto values = platform::registry().key(std::string(key) + '\\' + community))
+            for (const auto& [name, value] : values->values)
+                if (const auto* address = std::get_if<std::string>(&value); address && !address->empty())
+                    sinks.push_back(sinkOf(community, *address));
+    return sinks;
+}
+
+// Gives what is wrong; empty when nothing is.
+std::string readEnterprise(SnmpSettings& snmp) {
+    const std::string number = textValue("Snmp", "Enterprise");
+    const char* const end = number.data() + number.size();
+    const auto read = std::from_chars(number.data(), end, snmp.enterprise);
+    const bool isNumber = read.ec == std::errc{} && read.ptr == end && snmp.enterprise > 0;
+    return number.empty() || isNumber ? "" : "the value Snmp\\Enterprise is no number: " + number;
+}
+
+std::string readPhrases(SnmpSettings& snmp) {
+    constexpr std::size_t shortest = 8;
+    snmp.user = textValue("Snmp", "User");
+    try {
+        snmp.authPhrase = secretFrom(textValue("Snmp", "AuthFile"));
+        snmp.privPhrase = secretFrom(textValue("Snmp", "PrivFile"));
+    } catch (const platform::Failure& failure) {
+        return "a pass phrase cannot be used: " + failure.description();
+    }
+    if (snmp.authPhrase.size() < shortest || snmp.privPhrase.size() < shortest)
+        return "the pass phrases of version 3 have eight characters at least";
+    return snmp.user.empty() ? "the value Snmp\\User is missing" : "";
+}
+
+std::string readSnmp(SnmpSettings& snmp) {
+    snmp.sinks = readSinks();
+    const std::string version = textValue("Snmp", "Version");
+    const std::string inform = textValue("Snmp", "Inform");
+    snmp.isVersion3 = version == "3";
+    snmp.informs = inform == "1";
+    if (snmp.sinks.empty())
+        return "the host's SNMP service has no trap destination";
+    if (!version.empty() && version != "3" && version != "2c")
+        return "the value Snmp\\Version is \"2c\" or \"3\", not \"" + version + "\"";
+    if (!inform.empty() && inform != "1" && inform != "0")
+        return "the value Snmp\\Inform is \"0\" or \"1\", not \"" + inform + "\"";
+    if (std::string problem = readEnterprise(snmp); !problem.empty())
+        return problem;
+    return snmp.isVersion3 ? readPhrases(snmp) : std::string();
+}
+
 bool isMail(DeviceKind kind) {
     return kind == DeviceKind::voiceMail || kind == DeviceKind::email || kind == DeviceKind::smtpAddress;
 }
@@ -111,6 +172,7 @@ WaysOutSettings readWaysOut() {
         }
     }
     settings.pagerGateway = textValue("Pager", "Gateway");
+    settings.snmpProblem = readSnmp(settings.snmp);
     settings.syslog.caFile = textValue("Syslog", "CaFile");
     if (const std::string facility = textValue("Syslog", "Facility"); !facility.empty()) {
         settings.syslog.facility = syslogFacility(facility);
@@ -139,7 +201,7 @@ std::string problemOf(const WaysOutSettings& settings, DeviceKind kind) {
         case DeviceKind::syslog:
             return settings.syslogProblem;
         case DeviceKind::snmpTrap:
-            break;
+            return settings.snmpProblem;
     }
     return "the service has no way out to devices of type " + std::to_string(static_cast<long>(kind));
 }
@@ -152,6 +214,10 @@ std::string describe(const WaysOutSettings& settings, DeviceKind kind) {
     switch (kind) {
         case DeviceKind::pager:
             return "mail to " + settings.pagerGateway + " by " + mail;
+        case DeviceKind::snmpTrap:
+            return std::to_string(settings.snmp.sinks.size()) +
+                   (settings.snmp.informs ? " sinks, informs" : " sinks, traps") +
+                   (settings.snmp.isVersion3 ? " of version 3" : " of version 2c");
         case DeviceKind::syslog:
             return "RFC 5424 to the address of the device, facility " +
                    std::to_string(settings.syslog.facility);
@@ -174,6 +240,8 @@ std::unique_ptr<Transport> makeTransport(const WaysOutSettings& settings, Device
         return std::make_unique<Pager>(makeMail(settings), settings.pagerGateway);
     if (kind == DeviceKind::syslog)
         return std::make_unique<Syslog>(settings.syslog);
+    if (kind == DeviceKind::snmpTrap)
+        return std::make_unique<SnmpTrap>(settings.snmp);
     return kind == DeviceKind::failover ? std::make_unique<Failover>() : nullptr;
 }
 

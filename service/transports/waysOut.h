@@ -8,6 +8,7 @@
 
 #include "service/transports/deviceKind.h"
 #include "service/transports/smtp.h"
+#include "service/transports/snmpTrap.h"
 #include "service/transports/syslog.h"
 #include "service/transports/transport.h"
 
@@ -18,6 +19,8 @@ struct WaysOutSettings {
     std::string mailProblem = "the registry has not been read";  // empty when mail can be sent
     std::string mailDomain;                                      // of the people and lists in the directory
     std::string pagerGateway;
+    SnmpSettings snmp;
+    std::string snmpProblem = "the registry has not been read";
     SyslogSettings syslog;
     std::string syslogProblem;
     std::filesystem::path mailFolder;  // the host's own mailboxes, for mail without a relay
@@ -26,7 +29,9 @@ struct WaysOutSettings {
 };
 
 // Reads the values below the product's key: Mail (Relay, Tls, User, PasswordFile, From, CaFile, Domain),
-// Pager (Gateway) and Syslog (Facility, CaFile). Raises platform::Failure for a registry that cannot be read.
+// Pager (Gateway), Snmp (Version, Inform, User, AuthFile, PrivFile, Enterprise) and Syslog (Facility,
+// CaFile); and the sinks where the host keeps them. Raises platform::Failure for a registry that cannot be
+// read.
 WaysOutSettings readWaysOut();
 
 // Why devices of a kind cannot be reached, and what to set up; empty when they can.

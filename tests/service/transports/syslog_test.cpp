@@ -11,6 +11,7 @@
 
 #include "platform/files/descriptor.h"
 #include "platform/files/files.h"
+#include "support/freePort.h"
 #include "support/receiver.h"
 #include "support/temporaryHost.h"
 
@@ -20,18 +21,6 @@ using service::Outcome;
 using service::Result;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
-
-// A port that nobody has at this moment.
-std::string freePort(int type) {
-    const platform::Descriptor socket(::socket(AF_INET, type, 0));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    EXPECT_EQ(::bind(socket.get(), reinterpret_cast<sockaddr*>(&address), size), 0);
-    ::getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &size);
-    return std::to_string(ntohs(address.sin_port));
-}
 
 class SyslogTest : public testing::Test {
   protected:
@@ -89,22 +78,22 @@ class SyslogTest : public testing::Test {
 };
 
 TEST_F(SyslogTest, TheServersOwnParserFindsEveryField) {
-    std::string port = freePort(SOCK_DGRAM);
+    std::string port = support::freePort(SOCK_DGRAM);
     serve("module(load=\"imudp\")\ninput(type=\"imudp\" address=\"127.0.0.1\" port=\"" + port + "\")");
     EXPECT_EQ(taken("127.0.0.1:" + port), line);
     EXPECT_EQ(taken("udp://localhost:" + port), line) << "also where the name's first address is another";
-    port = freePort(SOCK_STREAM);
+    port = support::freePort(SOCK_STREAM);
     serve("module(load=\"imtcp\")\ninput(type=\"imtcp\" address=\"127.0.0.1\" port=\"" + port + "\")");
     EXPECT_EQ(taken("tcp://localhost:" + port), line);
     server.reset();
     EXPECT_EQ(send("tcp://localhost:" + port).result, Result::tryAgain);
-    EXPECT_EQ(send("localhost:" + freePort(SOCK_DGRAM)).result, Result::tryAgain);
+    EXPECT_EQ(send("localhost:" + support::freePort(SOCK_DGRAM)).result, Result::tryAgain);
 }
 
 TEST_F(SyslogTest, OverTlsTheServerHasToProveWhoItIs) {
     const auto right = support::makeCertificate(host.root(), "right", "DNS:localhost");
     const auto other = support::makeCertificate(host.root(), "other", "DNS:elsewhere.example");
-    const std::string port = freePort(SOCK_STREAM);
+    const std::string port = support::freePort(SOCK_STREAM);
     serve("global(defaultNetstreamDriver=\"ossl\" defaultNetstreamDriverCAFile=\"" +
           right.certificate.string() + "\" defaultNetstreamDriverCertFile=\"" + right.certificate.string() +
           "\" defaultNetstreamDriverKeyFile=\"" + right.key.string() +
