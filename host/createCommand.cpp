@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <filesystem>
+#include <vector>
 
 #include "host/commands.h"
 #include "host/provision.h"
@@ -14,20 +15,7 @@ std::filesystem::path kitFolder(Arguments& arguments) {
     return arguments.option("--kit", (platform::program::folder() / "kit").string());
 }
 
-// The legacy notifier is at work when the console comes to a server: that is what its import has to deal
-// with.
-int startLegacyService(const std::filesystem::path& root) {
-    constexpr char name[] = "TsKesnSvr";
-    if (!startService(name))
-        return 1;
-    std::printf("The legacy service %s runs; it ends with: qlnhost --host %s services stop %s\n", name,
-                root.c_str(), name);
-    return 0;
-}
-
-}  // namespace
-
-int createCommand(Arguments& arguments) {
+host::HostOptions takeOptions(Arguments& arguments) {
     constexpr unsigned long mostRows = 1'000'000;
     host::HostOptions options;
     const std::string version = arguments.option("--version", "4");
@@ -39,6 +27,8 @@ int createCommand(Arguments& arguments) {
         throw UsageError("--layout is tables or views, not '" + layout + "'");
     options.layout = layout == "views" ? host::DirectoryLayout::views : host::DirectoryLayout::tables;
     options.serviceInstalled = !arguments.flag("--fresh");
+    // Before the console's first run nobody can have told the service anything.
+    options.inUse = !arguments.flag("--empty") && options.serviceInstalled;
     options.legacyNotifier = !arguments.flag("--no-legacy");
     options.snmpAgent = arguments.flag("--snmp");
     options.failoverPrimary = arguments.flag("--failover");
@@ -47,6 +37,30 @@ int createCommand(Arguments& arguments) {
     options.distributionLists =
         static_cast<unsigned>(parseNumber(arguments.option("--lists", "24"), mostRows, "--lists"));
     options.kit = kitFolder(arguments);
+    return options;
+}
+
+// What is at work when the console comes to the server. The legacy notifier is what the console's import has
+// to deal with.
+bool startServices(const host::HostOptions& options, const std::filesystem::path& root) {
+    std::vector<const char*> names;
+    if (options.inUse)
+        names = {"TsHubMgr", "HbQlnSvc"};
+    if (options.legacyNotifier)
+        names.push_back("TsKesnSvr");
+    for (const char* name : names) {
+        if (!startService(name))
+            return false;
+        std::printf("The service %s runs; it ends with: qlnhost --host %s services stop %s\n", name,
+                    root.c_str(), name);
+    }
+    return true;
+}
+
+}  // namespace
+
+int createCommand(Arguments& arguments) {
+    const host::HostOptions options = takeOptions(arguments);
     const std::string folder = arguments.take("DIR");
     arguments.finish();
 
@@ -55,12 +69,17 @@ int createCommand(Arguments& arguments) {
         throw UsageError("a host's folder has neither quotes nor line ends in its name");
     host::createHost(folder, options);
     const std::filesystem::path root = std::filesystem::absolute(folder).lexically_normal();
-    std::printf("Made a host of version %s in %s.\n", version.c_str(), root.c_str());
+    std::printf("Made a host of version %s in %s.\n", options.corvaneMajor == 4 ? "4" : "3.1", root.c_str());
     std::printf("The console: %s\n", (root / "QLNAdmin" / "QLNAdmin").c_str());
     std::printf("Account of the host's main service: %.*s, password %.*s\n",
                 static_cast<int>(host::demonstrationAccount.size()), host::demonstrationAccount.data(),
                 static_cast<int>(host::demonstrationPassword.size()), host::demonstrationPassword.data());
-    return options.legacyNotifier ? startLegacyService(root) : 0;
+    if (!startServices(options, root))
+        return 1;
+    // What was in the logs before the service's first start is no news to it.
+    if (options.inUse)
+        host::writeDemonstrationNews();
+    return 0;
 }
 
 int updateCommand(Arguments& arguments) {

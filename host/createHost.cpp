@@ -52,7 +52,9 @@ void createHost(const fs::path& folder, const HostOptions& options) {
         fillDemonstrationDirectory(writer, options.subscribers, options.distributionLists);
     });
     platform::setAccountPassword(demonstrationAccount, demonstrationPassword);
-    fillDemonstrationEvents();
+    fillDemonstrationEvents(options.inUse);
+    if (options.inUse)
+        fillDemonstrationNotifications(root / "Database");
     platform::files::writeFile(
         platform::host::menuFolder() / "Corvane" / "Quillon Service Administration.desktop",
         consoleShortcut + (root / "QLNAdmin" / "QLNAdmin").string() + "\n");

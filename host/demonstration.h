@@ -15,8 +15,12 @@ void fillDemonstrationRegistry(const std::filesystem::path& root, const HostOpti
 // that is empty. The registry is fillDemonstrationRegistry's.
 void fillLegacyNotifier(const std::filesystem::path& root, const std::filesystem::path& kit);
 
-// A day of records in both event logs of the present host.
-void fillDemonstrationEvents();
+// A day of records in both event logs of the present host, with `earlierDays` some days before it too.
+void fillDemonstrationEvents(bool earlierDays);
+
+// Makes the configuration database beside its template, with recipients, events, exclusions and a history
+// that fits fillDemonstrationEvents with its earlier days.
+void fillDemonstrationNotifications(const std::filesystem::path& databaseFolder);
 
 // Creates a folder with its parents where they are missing, not readable by others.
 void ensureFolder(const std::filesystem::path& folder);

@@ -145,7 +145,7 @@ DirectoryWriter::DirectoryWriter(SqliteFile& database, DirectoryLayout layout)
       accessIdIsGlobal_(layout == DirectoryLayout::tables) {}
 
 void DirectoryWriter::add(const Subscriber& s) {
-    const std::string directoryId = given(s.directoryId, objectId("subscriber", s.alias));
+    const std::string directoryId = given(s.directoryId, directoryIdOf("subscriber", s.alias));
     const std::string callHandler = objectId("callhandler", s.alias);
     if (accessIdIsGlobal_)
         globalSubscribers_({s.alias, s.displayName, directoryId, s.extension});
@@ -158,7 +158,11 @@ void DirectoryWriter::add(const Subscriber& s) {
 
 void DirectoryWriter::add(const DistributionList& list) {
     lists_({objectId("listobject", list.alias), list.alias, list.displayName, list.extension,
-            given(list.directoryId, objectId("list", list.alias))});
+            given(list.directoryId, directoryIdOf("list", list.alias))});
+}
+
+std::string directoryIdOf(std::string_view kind, std::string_view alias) {
+    return objectId(kind, alias);
 }
 
 void createDirectory(const std::filesystem::path& file, DirectoryLayout layout,

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "host/provision.h"
 #include "host/sqliteFile.h"
@@ -41,6 +42,9 @@ class DirectoryWriter {
     SqliteFile::Insert lists_;
     bool accessIdIsGlobal_;
 };
+
+// The id of an entry that was added without one; `kind` is "subscriber" or "list".
+std::string directoryIdOf(std::string_view kind, std::string_view alias);
 
 // Makes an empty directory of a layout and lets `fill` put its rows in.
 void createDirectory(const std::filesystem::path& file, DirectoryLayout layout,

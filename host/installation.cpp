@@ -20,7 +20,7 @@ void ensureFolder(const fs::path& folder) {
 }
 
 void installKit(const fs::path& kit, const fs::path& root) {
-    for (const char* part : {"QLNAdmin", "Service"}) {
+    for (const char* part : {"Corvane", "QLNAdmin", "Service"}) {
         if (!platform::files::folderExists(kit / part))
             throw platform::makeFailure(platform::pathNotFound, (kit / part).string());
         ensureFolder(root / part);

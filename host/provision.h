@@ -20,6 +20,7 @@ struct HostOptions {
     bool snmpAgent = false;
     bool failoverPrimary = false;
     bool serviceInstalled = true;  // and stopped; false as on a server before the console's first run
+    bool inUse = false;            // recipients, events and a history of some days; false: never configured
     bool legacyNotifier = false;   // installed and stopped, with a database of its own
     unsigned subscribers = 240;    // up to 1,000,000
     unsigned distributionLists = 24;
@@ -37,6 +38,10 @@ std::filesystem::path legacyProgram(const std::filesystem::path& root);
 // menu) and the installation tree beside it.
 // The present host becomes the new one. Raises platform::Failure, 58 for a folder that holds a host already.
 void createHost(const std::filesystem::path& folder, const HostOptions& options);
+
+// Writes two records into the present host's Application log that its service, where the host is in use,
+// tells somebody of. Raises platform::Failure.
+void writeDemonstrationNews();
 
 // Copies the kit's files over those of an installation tree; databases and host are not touched.
 void installKit(const std::filesystem::path& kit, const std::filesystem::path& root);

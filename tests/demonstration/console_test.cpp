@@ -7,76 +7,26 @@
 #include <QAction>
 #include <QPushButton>
 #include <QtTest/QTest>
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 
-#include "app/mdlMain.h"
 #include "core/state.h"
 #include "database/settings.h"
 #include "platform/files/files.h"
 #include "platform/machine/host.h"
 #include "platform/services/serviceManager.h"
 #include "server/serviceControl.h"
-#include "support/scriptedPrompts.h"
-#include "support/serviceHost.h"
-#include "ui/shell/frmMain.h"
+#include "support/demonstration.h"
 #include "ui/widgets/keyedTree.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using Lines = std::vector<std::string>;
 using platform::BoxAnswer;
 using platform::BoxButtons;
 using platform::BoxIcon;
-
-class Demonstration : public ::testing::Test {
-  protected:
-    Demonstration() {
-        qlnhost("create " + host.root().string() + " --subscribers 5");
-        host.setRegistry("SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service",
-                         "ServicePollingPause", 2u);
-        EXPECT_EQ(qlnhost("services start HbQlnSvc"), "");
-        mdlMain::Main(station);
-    }
-    // What runs is told to stop, as anybody would.
-    ~Demonstration() override {
-        delete gMainWindow;
-        for (const std::string& name : platform::serviceNames())
-            mdlUtility::myStopService(name);
-    }
-
-    std::string qlnhost(const std::string& arguments) {
-        const std::string command =
-            std::string(QLNHOST_PROGRAM) + " --host " + host.root().string() + " " + arguments + " 2>&1";
-        FILE* pipe = popen(command.c_str(), "r");
-        std::string text;
-        std::array<char, 4096> piece{};
-        while (const std::size_t size = fread(piece.data(), 1, piece.size(), pipe))
-            text.append(piece.data(), size);
-        EXPECT_EQ(pclose(pipe), 0) << text;
-        return text;
-    }
-    void choose(const char* entry) { gMainWindow->findChild<QAction*>(entry)->trigger(); }
-    void expectQuestion(const std::string& text, const std::string& title, BoxAnswer answer) {
-        prompts.expect({text, title, BoxIcon::question, BoxButtons::yesNo}, answer);
-    }
-    Lines rows(const std::string& statement) { return support::query(host.databaseFile(), statement); }
-    static Lines linesOf(const fs::path& file) {
-        Lines lines;
-        std::ifstream stream(file);
-        for (std::string line; std::getline(stream, line);)
-            lines.push_back(line.substr(line.find("  ") + 2));
-        return lines;
-    }
-
-    support::TemporaryHost host;
-    support::FastClock clock;
-    support::ScriptedPrompts prompts;
-    platform::WindowStation station{"QLNAdmin"};
-};
+using support::Demonstration;
+using support::Lines;
 
 class Import : public Demonstration {
   protected:

@@ -191,12 +191,13 @@ TEST_F(Provision, ImportsCsvIntoEitherLayoutOrRefusesItWhole) {
 
 TEST_F(Provision, TheToolMakesAndInspectsAHost) {
     const std::string dir = (root / "demo").string();
-    EXPECT_EQ(qlnhost("create " + dir + " --version 3.1 --subscribers 5 --failover").code, 0);
+    EXPECT_EQ(qlnhost("create " + dir + " --empty --version 3.1 --subscribers 5 --failover").code, 0);
     const Answer again = qlnhost("create " + dir);
     EXPECT_EQ(again.code, 1);
     EXPECT_NE(again.text.find("registry.reg"), std::string::npos) << again.text;
     EXPECT_TRUE(fs::exists(root / "demo" / "QLNAdmin" / "QLNAdmin"));
     EXPECT_TRUE(fs::exists(root / "demo" / "Service" / "HbQlnSvc.ex_"));
+    EXPECT_FALSE(fs::exists(root / "demo" / "Database" / "QLNDB.MDB"));
     const std::string on = "--host " + dir + " ";
     EXPECT_EQ(qlnhost(on + "registry get 'SOFTWARE\\Tessaly' 'Version Number'").text, "0x00030001\n");
     EXPECT_EQ(qlnhost(on + "registry set 'HKLM\\SOFTWARE\\New' flag 0x1f --type dword").code, 0);
@@ -232,7 +233,8 @@ TEST_F(Provision, TheToolMakesAndInspectsAHost) {
 TEST_F(Provision, AFreshHostAwaitsTheConsolesFirstRun) {
     const std::string dir = (root / "demo").string();
     EXPECT_EQ(qlnhost("create " + dir + " --fresh --no-legacy --subscribers 5").code, 0);
-    EXPECT_FALSE(fs::exists(root / "demo" / "HubServer"));
+    for (const char* part : {"HubServer", "Database/QLNDB.MDB"})
+        EXPECT_FALSE(fs::exists(root / "demo" / part)) << part;
     EXPECT_TRUE(fs::exists(root / "demo" / "Service" / "HbQlnSvc.ex_"));
     for (const char* file : {"HbQlnSvc.exe", "HbQlnSvcRes_ENU.dll"})
         EXPECT_FALSE(fs::exists(root / "demo" / "Service" / file)) << file;
