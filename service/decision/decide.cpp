@@ -77,10 +77,11 @@ std::vector<std::size_t> candidates(const Monitoring& monitoring, const std::str
     };
     if (const auto same = monitoring.eventsBySource.find(source); same != monitoring.eventsBySource.end())
         std::ranges::for_each(same->second, add);
+    std::ranges::sort(found);
+    // An event of its own speaks before the one that stands for many: an address is told once.
     for (const std::size_t index : monitoring.collections)
         if (standsFor(monitoring.events[index], source))
             add(index);
-    std::ranges::sort(found);
     return found;
 }
 

@@ -56,7 +56,7 @@ std::optional<Moment> heldBackUntil(const MonitoredEvent& event, const Monitorin
 // The verdict for one event whose source and id are the record's, as if no other were told.
 EventVerdict decideFor(const MonitoredEvent& event, const platform::EventRecord& record,
                        const Monitoring& monitoring, const Circumstances& circumstances);
-// A verdict for each monitored event of the record's source and id, in the order of their keys. The pointers
+// A verdict for each monitored event of the record's source and id, by key, the catch-all last. The pointers
 // are into `monitoring`.
 std::vector<EventVerdict> decide(const platform::EventRecord& record, const Monitoring& monitoring,
                                  const Circumstances& circumstances);

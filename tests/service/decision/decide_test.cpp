@@ -76,6 +76,9 @@ TEST_F(Decision, EachEventAndDeviceHasItsReason) {
     EXPECT_EQ(explain(record("maker_tape", 1)), "13-2; ");
     EXPECT_EQ(explain(record("maker_\xC3\x84", 7)), "13-2; ") << "case beyond ASCII is ignored too";
     EXPECT_EQ(explain(record("maker_\xC3\x84", 8)), "13:; ");
+    run("INSERT INTO Events VALUES (14, 'Maker_Own', 1, '', 1, -1, 0, NULL);"
+        "INSERT INTO EventDevice VALUES (13, 1, -1), (14, 1, -1)");
+    EXPECT_EQ(explain(record("maker_own", 1)), "14: 1=0; 13: 1=9; ") << "the event's own words go out";
     for (int reason = 0; reason <= static_cast<int>(Reason::sameAddress); ++reason)
         EXPECT_FALSE(textOf(static_cast<Reason>(reason)).empty());
 }
