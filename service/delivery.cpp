@@ -1,5 +1,6 @@
 #include "service/delivery.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/failure.h"
@@ -7,6 +8,7 @@
 #include "service/history/history.h"
 #include "service/outbox/directory.h"
 #include "service/outbox/schedule.h"
+#include "service/sources/readableText.h"
 
 namespace service {
 
@@ -23,12 +25,29 @@ std::string nameOf(const Outgoing& message) {
 }  // namespace
 
 Delivery::Delivery(DeliveryOptions options, ServiceLog& log)
-    : options_(std::move(options)), log_(log), dispatcher_(options_.threads, options_.makeTransport) {}
+    : options_(std::move(options)),
+      log_(log),
+      dispatcher_(options_.threads, options_.makeTransport,
+                  [this](Dispatcher::Job& job, const Deadline& deadline) { return prepare(job, deadline); }) {
+}
 
-// What the attempt comes to, where it cannot even be made: nothing otherwise.
-std::optional<Dispatcher::Job> Delivery::jobOf(Outbox& outbox, const Outgoing& message) {
+// In a thread of the dispatcher: a directory that does not answer holds nobody else.
+std::optional<Outcome> Delivery::prepare(Dispatcher::Job& job, const Deadline& deadline) const {
+    if (job.stored.kind != DeviceKind::voiceMail && job.stored.kind != DeviceKind::email)
+        return std::nullopt;
+    const DirectoryAnswer answer = directoryAlias(job.stored.address, deadline);
+    if (!answer.problem.empty())
+        return Outcome{Result::tryAgain, "The directory cannot be read: " + answer.problem};
+    if (!answer.alias)
+        return Outcome{Result::refused, "The directory has no such entry"};
+    job.message.address = *answer.alias + '@' + options_.mailDomain();
+    return std::nullopt;
+}
+
+Dispatcher::Job Delivery::jobOf(const Outbox& outbox, const Outgoing& message) const {
     Dispatcher::Job job;
     job.stored = message;
+    job.stored.outboxId = outbox.id();
     job.message.key = outbox.id() + '-' + std::to_string(message.key);
     job.message.address = message.address;
     job.message.subject = message.subject;
@@ -41,41 +60,31 @@ std::optional<Dispatcher::Job> Delivery::jobOf(Outbox& outbox, const Outgoing& m
     job.message.computer = message.computer;
     if (!message.voiceFile.empty())
         job.message.voiceFile = options_.voiceFolder / message.voiceFile;
-    if (message.kind == DeviceKind::voiceMail || message.kind == DeviceKind::email) {
-        try {
-            const auto alias = directoryAlias(message.address);
-            if (!alias) {
-                settle(outbox, message, {Result::refused, "The directory has no such entry"});
-                return std::nullopt;
-            }
-            job.message.address = *alias + '@' + options_.mailDomain();
-        } catch (const platform::Failure& failure) {
-            settle(outbox, message,
-                   {Result::tryAgain, "The directory cannot be read: " + failure.description()});
-            return std::nullopt;
-        }
-    }
     return job;
 }
 
+// A server that is silent may hold all the threads of its lane, and the other lane goes on.
 void Delivery::sendDue(Outbox& outbox) {
-    while (dispatcher_.idle() > 0) {
-        const auto due = outbox.due(now(), dispatcher_.idle(), dispatcher_.busy());
-        if (due.empty())
-            return;
-        for (const Outgoing& message : due)
-            if (auto job = jobOf(outbox, message)) {
-                options_.passes("before send");
-                dispatcher_.start(std::move(*job));
-            }
-    }
+    const std::size_t most = std::max<std::size_t>(options_.threads / 2, 1);
+    for (const Lane lane : {Lane::mail, Lane::other})
+        while (dispatcher_.idle() > 0 && dispatcher_.busyIn(lane) < most) {
+            const auto message = outbox.due(now(), lane, dispatcher_.busy());
+            if (!message)
+                break;
+            options_.passes("before send");
+            dispatcher_.start(jobOf(outbox, *message));
+        }
+}
+
+void Delivery::collect() {
+    for (auto& ended : dispatcher_.take())
+        ended_.push_back(std::move(ended));
 }
 
 // An outcome that cannot be kept stays here, and nothing more is sent until it can: its message would look as
 // if it had never been sent.
 void Delivery::settle(Outbox& outbox) {
-    for (auto& ended : dispatcher_.take())
-        ended_.push_back(std::move(ended));
+    collect();
     for (; !ended_.empty(); ended_.pop_front())
         settle(outbox, ended_.front().first, ended_.front().second);
 }
@@ -83,7 +92,7 @@ void Delivery::settle(Outbox& outbox) {
 void Delivery::settle(Outbox& outbox, Outgoing message, const Outcome& outcome) {
     options_.passes("sent but unmarked");
     ++message.attempts;
-    message.answer = outcome.answer;
+    message.answer = readableText(outcome.answer);
     message.settled = now();
     const bool taken = outcome.result == Result::delivered || outcome.result == Result::handedOver;
     if (taken) {
@@ -95,8 +104,10 @@ void Delivery::settle(Outbox& outbox, Outgoing message, const Outcome& outcome) 
     } else {
         message.state = State::givenUp;
     }
-    outbox.update(message);
     const bool waits = message.state == State::waiting;
+    // In an outbox that was made anew its key belongs to another message.
+    if (message.outboxId == outbox.id())
+        outbox.update({message});
     log_.add((taken   ? "Told: "
               : waits ? "Waits: "
                       : "Not told: ") +
@@ -113,10 +124,9 @@ void Delivery::record(Outbox& outbox, Configuration& configuration) {
     options_.passes("before the history");
     writeHistory(configuration.connection(), messages);
     configuration.forget();
-    for (Outgoing& message : messages) {
+    for (Outgoing& message : messages)
         message.outcome = std::exchange(message.state, State::done);
-        outbox.update(message);
-    }
+    outbox.update(messages);
 }
 
 }  // namespace service

@@ -33,11 +33,13 @@ class Delivery {
     // Raises platform::Failure when the machine has no descriptor or thread left.
     Delivery(DeliveryOptions options, ServiceLog& log);
 
+    // Takes what has ended, to be settled when there is an outbox to settle it in.
+    void collect();
     // Keeps the outcomes of attempts that have ended.
     void settle(Outbox& outbox);
     // Starts attempts for the messages that are due, as many as there are threads for.
     void sendDue(Outbox& outbox);
-    // Writes what is settled into the history. Raises platform::Failure.
+    // Writes some hundred of what is settled into the history. Raises platform::Failure.
     void record(Outbox& outbox, Configuration& configuration);
     // What the transports were made of has changed.
     void renewTransports() { dispatcher_.renewTransports(); }
@@ -48,7 +50,8 @@ class Delivery {
 
   private:
     void settle(Outbox& outbox, Outgoing message, const Outcome& outcome);
-    std::optional<Dispatcher::Job> jobOf(Outbox& outbox, const Outgoing& message);
+    Dispatcher::Job jobOf(const Outbox& outbox, const Outgoing& message) const;
+    std::optional<Outcome> prepare(Dispatcher::Job& job, const Deadline& deadline) const;
 
     DeliveryOptions options_;
     ServiceLog& log_;

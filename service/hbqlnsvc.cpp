@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <memory>
 #include <string_view>
@@ -72,8 +73,10 @@ int main(int argc, char** argv) {
             std::puts("HbQlnSvc registered");
             return 0;
         }
+        // A search for a name or in the directory that nobody waits for any more may still be at work: it must
+        // not meet what the end of a program takes down.
         if (argc == 1)
-            return runService();
+            std::_Exit(runService());
         std::fputs("usage: HbQlnSvc.exe [-service]\n", stderr);
         return 2;
     } catch (const std::exception& error) {

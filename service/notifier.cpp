@@ -75,7 +75,7 @@ Notifier::Notifier(NotifierOptions options, std::vector<std::unique_ptr<Source>>
       wake_(watchAll({delivery_.descriptor(), logsWatch_.descriptor()})) {}
 
 template <class Step>
-void Notifier::attempt(const char* what, Step&& step) {
+void Notifier::attempt(const std::string& what, Step&& step) {
     std::string trouble;
     try {
         step();
@@ -89,7 +89,7 @@ void Notifier::attempt(const char* what, Step&& step) {
     }
     std::string& known = troubles_[what];
     if (trouble != known)
-        log_.add(trouble.empty() ? std::string(what) + ": works again" : std::string(what) + ": " + trouble);
+        log_.add(what + (trouble.empty() ? ": works again" : ": " + trouble));
     known = std::move(trouble);
 }
 
@@ -97,7 +97,7 @@ void Notifier::attempt(const char* what, Step&& step) {
 void Notifier::begin() {
     log_.add("HbQlnSvc started");
     for (const auto& source : sources_)
-        attempt("Reading", [&] { beginnings_[source->name()] = source->end(); });
+        attempt("Reading " + source->name(), [&] { beginnings_[source->name()] = source->end(); });
 }
 
 // The first message gets a key that no row of the history has yet, so the database has to be readable before
@@ -166,7 +166,6 @@ void Notifier::holdBack(Outbox::Batch& batch, const EventVerdict& verdict,
                         const platform::EventRecord& record, const char* why) {
     batch.holdBack(verdict.event->key, record);
     log_.add("Held back: " + nameOf(record) + ", " + nameOf(*verdict.event) + ": " + why);
-    heldUntil_ = now();
 }
 
 // The first message after others were held back ends with how many there were.
@@ -203,14 +202,21 @@ void Notifier::tell(Outbox::Batch& batch, const EventVerdict& verdict, const pla
         message.created = now();
         batch.add(message);
     }
-    if (held)
+    if (held && verdict.has(Reason::send))
         batch.forgetHeldBack(event.key);
+}
+
+// As if its newest record came now, beside the other events that it is of; no reason to tell when it is of
+// this event no more.
+EventVerdict Notifier::verdictOf(const HeldBack& held, const Monitoring& monitoring) {
+    for (EventVerdict& verdict : decide(held.record, monitoring, circumstances()))
+        if (verdict.event->key == held.eventKey)
+            return std::move(verdict);
+    return {};
 }
 
 // At the end of an interval the newest of the records that were held back is told, with how many there were.
 void Notifier::tellHeldBack() {
-    if (heldUntil_ && *heldUntil_ > now())
-        return;
     heldUntil_.reset();
     const std::vector<HeldBack> all = outbox_->heldBack();
     if (all.empty())
@@ -225,12 +231,14 @@ void Notifier::tellHeldBack() {
             heldUntil_ = heldUntil_ ? std::min(*heldUntil_, *until) : *until;
             continue;
         }
-        const EventVerdict verdict =
-            event ? decideFor(*event, held.record, monitoring, circumstances()) : EventVerdict();
+        const EventVerdict verdict = verdictOf(held, monitoring);
         if (verdict.has(Reason::send)) {
             tell(batch, verdict, held.record);
             continue;
         }
+        // What this host cannot do for the moment it may be able to do later.
+        if (verdict.has(Reason::notSetUp))
+            continue;
         log_.add(std::to_string(held.count) + " records of event " + std::to_string(held.eventKey) +
                  " that were held back are not told: " +
                  (!event                           ? "it was deleted"
@@ -254,6 +262,8 @@ void Notifier::age() {
 
 milliseconds Notifier::look() {
     logsWatch_.drain();
+    delivery_.collect();
+    lookedAt_ = now();
     bool more = false;
     attempt("Configuration", [&] {
         const NotificationSettings& settings = configuration_.current().settings;
@@ -266,12 +276,13 @@ milliseconds Notifier::look() {
     attempt("Ways out", [&] {
         if (options_.refreshWaysOut())
             delivery_.renewTransports();
+        knowsWaysOut_ = true;
     });
-    if (everything_)
+    if (everything_ && knowsWaysOut_)
         attempt("Outbox", [&] { openOutbox(); });
     if (outbox_) {
         for (const auto& source : sources_)
-            attempt("Reading", [&] { more = takeIn(*source) || more; });
+            attempt("Reading " + source->name(), [&] { more = takeIn(*source) || more; });
         // Old records are counted to their end before they are told.
         if (!more)
             attempt("Records that were held back", [&] { tellHeldBack(); });
@@ -300,7 +311,7 @@ milliseconds Notifier::untilNextLook() {
     atMost(heldUntil_);
     // What is due already waits for a thread, whose end wakes this one.
     if (outbox_)
-        attempt("Sending", [&] { atMost(outbox_->nextAttemptAfter(present)); });
+        attempt("Waiting", [&] { atMost(outbox_->nextAttemptAfter(lookedAt_)); });
     const bool isTroubled =
         std::ranges::any_of(troubles_, [](const auto& each) { return !each.second.empty(); });
     return isTroubled ? std::min(wait, afterTrouble) : wait;
@@ -310,6 +321,7 @@ void Notifier::end() {
     delivery_.stop();
     if (outbox_) {
         attempt("Sending", [&] { delivery_.settle(*outbox_); });
+        // The rest is for the next start.
         attempt("History", [&] { delivery_.record(*outbox_, configuration_); });
     }
     log_.add("HbQlnSvc stopped");
@@ -319,7 +331,7 @@ void Notifier::end() {
 // Where the log lies is not known before the database has been read.
 void Notifier::flushLog() {
     if (everything_)
-        log_.flush(logFile_);
+        attempt("Log", [&] { log_.flush(logFile_); });
 }
 
 }  // namespace service

@@ -47,13 +47,14 @@ class Notifier : public Work {
   private:
     // Its failures go into the log, each once as long as it lasts.
     template <class Step>
-    void attempt(const char* what, Step&& step);
+    void attempt(const std::string& what, Step&& step);
     void openOutbox();
     bool takeIn(Source& source);
     void deal(Outbox::Batch& batch, const platform::EventRecord& record, const Monitoring& monitoring);
     void tell(Outbox::Batch& batch, const EventVerdict& verdict, const platform::EventRecord& record);
     void holdBack(Outbox::Batch& batch, const EventVerdict& verdict, const platform::EventRecord& record,
                   const char* why);
+    EventVerdict verdictOf(const HeldBack& held, const Monitoring& monitoring);
     void tellHeldBack();
     void age();
     void flushLog();
@@ -75,6 +76,8 @@ class Notifier : public Work {
     std::map<std::string, std::string> troubles_;  // what fails at present, by what it keeps from happening
     std::optional<Moment> heldUntil_;              // when the next held-back records may be told
     Moment lastAging_;
+    Moment lookedAt_;            // the beginning of the last look
+    bool knowsWaysOut_ = false;  // they have been read since the start
 };
 
 }  // namespace service

@@ -6,6 +6,7 @@
 // the text is a failure (-2147217900) and neither runs.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -39,6 +40,9 @@ class StatementCache;
 
 // A value as text, as people read it: nothing for Null, integers and reals in decimal.
 std::string valueText(const Value& value);
+
+// How long statements of this thread wait for a lock; five seconds until it is set.
+void setLockPatience(std::chrono::milliseconds patience);
 
 class Connection {
   public:

@@ -19,7 +19,7 @@ namespace platform {
 
 namespace {
 
-constexpr std::chrono::seconds busyTimeout{5};
+thread_local std::chrono::milliseconds lockPatience{5000};
 constexpr char engineName[] = "SQLite";
 constexpr char directoryKey[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessaly\\CorvaneDb";
 
@@ -36,7 +36,7 @@ int waitForLock(void*, int asked) {
     thread_local Clock::time_point begin;
     if (asked == 0)
         begin = Clock::now();
-    if (Clock::now() - begin >= busyTimeout)
+    if (Clock::now() - begin >= lockPatience)
         return 0;
     std::this_thread::sleep_for(std::chrono::microseconds(200));
     return 1;
@@ -227,6 +227,10 @@ Engine openDatabase(const std::string& file, bool readOnly, WhenLocked whenLocke
 }
 
 }  // namespace ado
+
+void setLockPatience(std::chrono::milliseconds patience) {
+    lockPatience = patience;
+}
 
 Connection::~Connection() {
     close();

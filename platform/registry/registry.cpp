@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <chrono>
 #include <memory>
+#include <mutex>
 #include <thread>
 
 #include "platform/failure.h"
@@ -94,10 +95,12 @@ bool Registry::change(Change&& apply) {
 }
 
 bool Registry::keyExists(std::string_view path) {
+    const std::lock_guard lock(mutex_);
     return read().contains(registryPath(path));
 }
 
 bool Registry::createKey(std::string_view path) {
+    const std::lock_guard lock(mutex_);
     const std::string key = registryPath(path);
     if (key.empty() || !isValidUtf8(key) || key.find_first_of("\r\n") != std::string::npos)
         throw makeFailure(invalidProcedureCall, "a registry key's name is one line of UTF-8 text");
@@ -114,6 +117,7 @@ bool Registry::createKey(std::string_view path) {
 }
 
 std::optional<RegistryValue> Registry::value(std::string_view path, std::string_view name) {
+    const std::lock_guard lock(mutex_);
     const RegistryTree& tree = read();
     const auto key = tree.find(registryPath(path));
     if (key == tree.end())
@@ -123,6 +127,7 @@ std::optional<RegistryValue> Registry::value(std::string_view path, std::string_
 }
 
 bool Registry::setValue(std::string_view path, std::string_view name, RegistryValue value) {
+    const std::lock_guard lock(mutex_);
     const auto* text = std::get_if<std::string>(&value);
     if (!isValidUtf8(name) || (text && !isValidUtf8(*text)))
         throw makeFailure(invalidProcedureCall, "the registry holds UTF-8 text only");
@@ -141,6 +146,7 @@ bool Registry::setValue(std::string_view path, std::string_view name, RegistryVa
 }
 
 bool Registry::deleteValue(std::string_view path, std::string_view name) {
+    const std::lock_guard lock(mutex_);
     return change([&](RegistryTree& tree) {
         const auto key = tree.find(registryPath(path));
         if (key == tree.end())
@@ -154,6 +160,7 @@ bool Registry::deleteValue(std::string_view path, std::string_view name) {
 }
 
 bool Registry::deleteKey(std::string_view path) {
+    const std::lock_guard lock(mutex_);
     const std::string key = registryPath(path);
     return change([&](RegistryTree& tree) {
         if (!tree.contains(key))
@@ -171,6 +178,7 @@ bool Registry::deleteKey(std::string_view path) {
 }
 
 std::vector<std::string> Registry::subkeys(std::string_view path) {
+    const std::lock_guard lock(mutex_);
     std::vector<std::string> names;
     const std::string parent = registryPath(path) + "\\";
     const RegistryTree& tree = read();
@@ -187,6 +195,7 @@ std::vector<std::string> Registry::subkeys(std::string_view path) {
 }
 
 std::optional<RegistryKey> Registry::key(std::string_view path) {
+    const std::lock_guard lock(mutex_);
     const RegistryTree& tree = read();
     const auto found = tree.find(registryPath(path));
     return found == tree.end() ? std::nullopt : std::optional(found->second);

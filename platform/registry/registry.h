@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -38,7 +39,8 @@ RegistryTree parseRegistry(std::string_view text, std::string_view name);
 // The text of a store; parseRegistry of it gives the same tree.
 std::string formatRegistry(const RegistryTree& tree);
 
-// Paths are full paths without regard to case; a trailing or doubled separator '\' is ignored.
+// Used by several threads. Paths are full paths without regard to case; a trailing or doubled separator '\'
+// is ignored.
 class Registry {
   public:
     explicit Registry(std::filesystem::path file);
@@ -63,6 +65,7 @@ class Registry {
     template <class Change>
     bool change(Change&& apply);
 
+    std::recursive_mutex mutex_;
     std::filesystem::path file_;
     RegistryTree tree_;
     std::string stamp_;  // identity, size and time of the file that tree_ was read from

@@ -1,6 +1,5 @@
 #include "service/decision/configuration.h"
 
-#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include <utility>
@@ -12,7 +11,7 @@ namespace service {
 namespace {
 
 // A writer who holds the file for longer is waited for at the next look: the service has to hear a stop.
-constexpr int longestWait = 500;  // milliseconds
+constexpr std::chrono::milliseconds longestWait(200);
 
 ino_t numberOf(const std::filesystem::path& file) {
     struct stat status {};
@@ -30,9 +29,9 @@ void Configuration::open() {
         return;
     isRead_ = false;
     connection_.reset();
+    platform::setLockPatience(longestWait);
     auto connection = std::make_unique<platform::Connection>();
     connection->open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file_.string());
-    sqlite3_busy_timeout(connection->handle(), longestWait);
     connection_ = std::move(connection);
     fileNumber_ = number;
 }

@@ -48,10 +48,10 @@ Reason reasonOf(const Device& device, bool isOn, bool isHeldBack, const Circumst
         return Reason::recipientInactive;
     if (!circumstances.isSetUp(device.kind))
         return Reason::notSetUp;
-    if (isHeldBack)
-        return Reason::withinInterval;
-    return told.emplace(device.kind, platform::foldCase(device.address)).second ? Reason::send
-                                                                                : Reason::sameAddress;
+    // What is held back will be told to the address too, so no other event needs to.
+    if (!told.emplace(device.kind, platform::foldCase(device.address)).second)
+        return Reason::sameAddress;
+    return isHeldBack ? Reason::withinInterval : Reason::send;
 }
 
 EventVerdict verdictOf(const MonitoredEvent& event, const platform::EventRecord& record,
@@ -131,12 +131,6 @@ std::optional<Moment> heldBackUntil(const MonitoredEvent& event, const Monitorin
         return std::nullopt;
     const Moment until = *last + monitoring.settings.notificationInterval;
     return until > circumstances.now ? std::optional(until) : std::nullopt;
-}
-
-EventVerdict decideFor(const MonitoredEvent& event, const platform::EventRecord& record,
-                       const Monitoring& monitoring, const Circumstances& circumstances) {
-    Told told;
-    return verdictOf(event, record, monitoring, circumstances, told);
 }
 
 std::vector<EventVerdict> decide(const platform::EventRecord& record, const Monitoring& monitoring,

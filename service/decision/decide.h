@@ -53,9 +53,6 @@ struct Circumstances {
 std::optional<Moment> heldBackUntil(const MonitoredEvent& event, const Monitoring& monitoring,
                                     const Circumstances& circumstances);
 
-// The verdict for one event whose source and id are the record's, as if no other were told.
-EventVerdict decideFor(const MonitoredEvent& event, const platform::EventRecord& record,
-                       const Monitoring& monitoring, const Circumstances& circumstances);
 // A verdict for each monitored event of the record's source and id, by key, the catch-all last. The pointers
 // are into `monitoring`.
 std::vector<EventVerdict> decide(const platform::EventRecord& record, const Monitoring& monitoring,

@@ -1,5 +1,14 @@
 #include "service/outbox/directory.h"
 
+#include <chrono>
+#include <condition_variable>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+#include "platform/ado/ado.h"
 #include "platform/failure.h"
 
 namespace service {
@@ -34,15 +43,43 @@ bool hasViews(platform::Connection& directory) {
     }
 }
 
-}  // namespace
-
-std::optional<std::string> directoryAlias(const std::string& directoryId) {
+std::optional<std::string> readAlias(const std::string& directoryId) {
     platform::Connection directory;
     directory.open("Provider=SQLOLEDB.1;Initial Catalog=CorvaneDb");
     const bool views = hasViews(directory);
     auto alias = aliasIn(views ? "vw_Subscriber_Global" : "GlobalSubscriber", directoryId, directory);
     return alias ? alias
                  : aliasIn(views ? "vw_DistributionList" : "DistributionList", directoryId, directory);
+}
+
+// A server of a directory may be silent for longer than anybody waits: the search goes on alone then, and
+// what it finds is dropped.
+struct Search {
+    std::mutex mutex;
+    std::condition_variable end;
+    std::optional<DirectoryAnswer> answer;
+};
+
+}  // namespace
+
+DirectoryAnswer directoryAlias(const std::string& directoryId, const Deadline& deadline) {
+    const auto search = std::make_shared<Search>();
+    std::thread([search, directoryId] {
+        DirectoryAnswer answer;
+        try {
+            answer.alias = readAlias(directoryId);
+        } catch (const std::exception& failure) {
+            const auto* known = dynamic_cast<const platform::Failure*>(&failure);
+            answer.problem = known ? known->description() : failure.what();
+        }
+        const std::lock_guard lock(search->mutex);
+        search->answer = std::move(answer);
+        search->end.notify_all();
+    }).detach();
+    std::unique_lock lock(search->mutex);
+    while (!search->answer && !deadline.isOver())
+        search->end.wait_for(lock, std::chrono::milliseconds(100));
+    return search->answer ? std::move(*search->answer) : DirectoryAnswer{{}, "it does not answer in time"};
 }
 
 }  // namespace service

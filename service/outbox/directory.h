@@ -4,12 +4,16 @@
 #include <optional>
 #include <string>
 
-#include "platform/ado/ado.h"
+#include "service/transports/transport.h"
 
 namespace service {
 
-// Reads the alias of a directory entry, a subscriber's before a list's; nothing when there is no such entry.
-// Raises platform::Failure when the directory cannot be read, which says nothing about the entry.
-std::optional<std::string> directoryAlias(const std::string& directoryId);
+struct DirectoryAnswer {
+    std::optional<std::string> alias;  // nothing when there is no such entry
+    std::string problem;               // why the directory, and so the entry, cannot be read; else empty
+};
+
+// The alias of a directory entry, a subscriber's before a list's. Raises nothing.
+DirectoryAnswer directoryAlias(const std::string& directoryId, const Deadline& deadline);
 
 }  // namespace service

@@ -4,6 +4,7 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
@@ -15,7 +16,7 @@ namespace service {
 
 namespace {
 
-constexpr std::chrono::seconds longestAttempt(60);
+constexpr std::chrono::minutes longestAttempt(10);
 
 platform::Descriptor makeWake() {
     platform::Descriptor wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
@@ -26,7 +27,8 @@ platform::Descriptor makeWake() {
 
 }  // namespace
 
-Dispatcher::Dispatcher(std::size_t threads, MakeTransport make) : make_(std::move(make)), wake_(makeWake()) {
+Dispatcher::Dispatcher(std::size_t threads, MakeTransport make, Prepare prepare)
+    : make_(std::move(make)), prepare_(std::move(prepare)), wake_(makeWake()) {
     // Signals are for the owner's thread, which waits for them.
     sigset_t all;
     sigset_t before;
@@ -48,7 +50,7 @@ Dispatcher::~Dispatcher() {
 }
 
 void Dispatcher::start(Job job) {
-    busy_.emplace(job.stored.key, addressKey(job.stored));
+    busy_.emplace(job.stored.key, Attempt{addressKey(job.stored), laneOf(job.stored.kind)});
     {
         const std::lock_guard lock(mutex_);
         jobs_.push_back(std::move(job));
@@ -56,10 +58,15 @@ void Dispatcher::start(Job job) {
     news_.notify_one();
 }
 
+std::size_t Dispatcher::busyIn(Lane lane) const {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(busy_, [&](const auto& each) { return each.second.lane == lane; }));
+}
+
 std::vector<std::string> Dispatcher::busy() const {
     std::vector<std::string> addresses;
-    for (const auto& [key, address] : busy_)
-        addresses.push_back(address);
+    for (const auto& [key, attempt] : busy_)
+        addresses.push_back(attempt.address);
     return addresses;
 }
 
@@ -105,14 +112,17 @@ void Dispatcher::work() {
             generation = generation_;
             transports.clear();
         }
-        Outcome outcome{Result::refused, "This host is not set up for such devices"};
+        // What is not set up may be again, within the day that a message is kept.
+        Outcome outcome{Result::tryAgain, "This host is not set up for such devices at present"};
         try {
             auto& transport = transports[job.stored.kind];
             if (!transport)
                 transport = make_(job.stored.kind);
-            if (transport)
-                outcome = transport->send(job.message,
-                                          {std::chrono::steady_clock::now() + longestAttempt, &isStopping_});
+            const Deadline deadline{std::chrono::steady_clock::now() + longestAttempt, &isStopping_};
+            if (transport) {
+                auto settled = prepare_(job, deadline);
+                outcome = settled ? std::move(*settled) : transport->send(job.message, deadline);
+            }
         } catch (const std::exception& error) {
             outcome = {Result::tryAgain, error.what()};
         }

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -30,8 +31,11 @@ class Dispatcher {
         Message message;
     };
 
+    // Completes a job in its thread, before it is sent; gives the outcome where it cannot even be sent.
+    using Prepare = std::function<std::optional<Outcome>(Job&, const Deadline&)>;
+
     // Raises platform::Failure or std::system_error when the machine has no thread or descriptor left.
-    Dispatcher(std::size_t threads, MakeTransport make);
+    Dispatcher(std::size_t threads, MakeTransport make, Prepare prepare);
     // Ends the attempts that are on their way, early.
     ~Dispatcher();
     Dispatcher(const Dispatcher&) = delete;
@@ -40,6 +44,7 @@ class Dispatcher {
     // The following are for the owner's thread. Starts an attempt; there must be an idle() thread for it.
     void start(Job job);
     std::size_t idle() const { return threads_.size() - busy_.size(); }
+    std::size_t busyIn(Lane lane) const;
     // The addresses that attempts are on their way to, as addressKey() has them.
     std::vector<std::string> busy() const;
     // Transports are made anew, each before its next attempt: what they were made of has changed.
@@ -54,12 +59,17 @@ class Dispatcher {
   private:
     void work();
 
+    struct Attempt {
+        std::string address;
+        Lane lane;
+    };
     MakeTransport make_;
+    Prepare prepare_;
     platform::Descriptor wake_;
     std::atomic<bool> isStopping_ = false;
     std::atomic<unsigned> generation_ = 0;
-    std::map<std::int64_t, std::string> busy_;  // of the owner
-    std::mutex mutex_;                          // guards the two below
+    std::map<std::int64_t, Attempt> busy_;  // of the owner
+    std::mutex mutex_;                      // guards the two below
     std::deque<Job> jobs_;
     std::vector<std::pair<Outgoing, Outcome>> finished_;
     std::condition_variable news_;

@@ -58,6 +58,10 @@ void setAsideDamaged(const std::filesystem::path& file, const std::filesystem::p
 
 }  // namespace
 
+Lane laneOf(DeviceKind kind) {
+    return kind >= DeviceKind::voiceMail && kind <= DeviceKind::smtpAddress ? Lane::mail : Lane::other;
+}
+
 std::string addressKey(const Outgoing& message) {
     return std::to_string(static_cast<long>(message.kind)) + ':' + platform::foldCase(message.address);
 }
@@ -168,31 +172,24 @@ std::optional<Moment> Outbox::pendingSince(long eventKey) {
                                                            : std::nullopt;
 }
 
-std::vector<Outgoing> Outbox::due(Moment now, std::size_t most, const std::vector<std::string>& busy) {
-    std::vector<std::string> taken = busy;
-    std::vector<Outgoing> found;
+std::optional<Outgoing> Outbox::due(Moment now, Lane lane, const std::vector<std::string>& busy) {
     Query row = store_->query(
-        "SELECT Key, Kind, Address FROM Message WHERE State = 0 AND NextAttempt <= ? ORDER BY NextAttempt, "
-        "Key");
-    row.with(numberOf(now));
-    std::vector<std::int64_t> keys;
-    while (keys.size() < most && row.next()) {
+        "SELECT Key, Kind, Address FROM Message WHERE State = 0 AND NextAttempt <= ? AND (Kind BETWEEN 1 AND "
+        "4) = ?"
+        " ORDER BY NextAttempt, Key");
+    row.with(numberOf(now)).with(std::int64_t{lane == Lane::mail});
+    while (row.next()) {
         Outgoing head;
         head.kind = static_cast<DeviceKind>(row.number(1));
         head.address = row.text(2);
-        std::string address = addressKey(head);
-        if (std::ranges::find(taken, address) != taken.end())
+        if (std::ranges::find(busy, addressKey(head)) != busy.end())
             continue;
-        taken.push_back(std::move(address));
-        keys.push_back(row.number(0));
-    }
-    for (const std::int64_t key : keys) {
         static const std::string byKey = std::string(messageColumns) + "WHERE Key = ?";
         Query message = store_->query(byKey.c_str());
-        if (message.with(key).next())
-            found.push_back(messageOf(message));
+        if (message.with(row.number(0)).next())
+            return messageOf(message);
     }
-    return found;
+    return std::nullopt;
 }
 
 std::optional<Moment> Outbox::nextAttemptAfter(Moment moment) {
@@ -201,24 +198,27 @@ std::optional<Moment> Outbox::nextAttemptAfter(Moment moment) {
     return row.with(numberOf(moment)).next() ? std::optional(momentOf(row.number(0))) : std::nullopt;
 }
 
-void Outbox::update(const Outgoing& message) {
-    store_
-        ->query(
-            "UPDATE Message SET Attempts = ?, NextAttempt = ?, Settled = ?, Answer = ?, State = ?, Outcome = "
-            "?"
-            " WHERE Key = ?")
-        .with(std::int64_t{message.attempts})
-        .with(numberOf(message.nextAttempt))
-        .with(numberOf(message.settled))
-        .with(message.answer)
-        .with(static_cast<std::int64_t>(message.state))
-        .with(static_cast<std::int64_t>(message.outcome))
-        .with(message.key)
-        .run();
+void Outbox::update(const std::vector<Outgoing>& messages) {
+    Store::Transaction transaction(*store_);
+    for (const Outgoing& message : messages)
+        store_
+            ->query(
+                "UPDATE Message SET Attempts = ?, NextAttempt = ?, Settled = ?, Answer = ?, State = ?,"
+                " Outcome = ? WHERE Key = ?")
+            .with(std::int64_t{message.attempts})
+            .with(numberOf(message.nextAttempt))
+            .with(numberOf(message.settled))
+            .with(message.answer)
+            .with(static_cast<std::int64_t>(message.state))
+            .with(static_cast<std::int64_t>(message.outcome))
+            .with(message.key)
+            .run();
+    transaction.commit();
 }
 
 std::vector<Outgoing> Outbox::unrecorded() {
-    static const std::string text = std::string(messageColumns) + "WHERE State IN (1, 2, 3) ORDER BY Key";
+    static const std::string text =
+        std::string(messageColumns) + "WHERE State IN (1, 2, 3) ORDER BY Key LIMIT 200";
     Query rows = store_->query(text.c_str());
     return messagesOf(rows);
 }

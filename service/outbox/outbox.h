@@ -24,6 +24,9 @@ enum class State {
     done          // and in the history
 };
 
+// Messages of a lane may all wait for one server, so each lane has threads of its own to keep.
+enum class Lane { mail, other };
+
 struct Outgoing {
     std::int64_t key = 0;  // 0 until it is stored; the history's LogKey
     long eventKey = 0;
@@ -47,6 +50,7 @@ struct Outgoing {
     std::string answer;
     State state = State::waiting;
     State outcome = State::waiting;  // of one that is done: what it was before
+    std::string outboxId;            // of one that is on its way: the outbox that it is in
 };
 
 // Records of one event that were not told one by one.
@@ -92,14 +96,14 @@ class Outbox {
     // When the newest message of an event was made whose outcome no history tells, or which reached nobody.
     std::optional<Moment> pendingSince(long eventKey);
 
-    // Messages to be sent by `now`, the oldest first, `most` of them, without those to addresses that are in
-    // `busy` (kind, a colon, address) and at most one for each address.
-    std::vector<Outgoing> due(Moment now, std::size_t most, const std::vector<std::string>& busy);
+    // The message of a lane that has been due for longest by `now`, but for those to the addresses in `busy`,
+    // as addressKey() has them; nothing when there is none.
+    std::optional<Outgoing> due(Moment now, Lane lane, const std::vector<std::string>& busy);
     // When, after a moment, the next message is to be sent; nothing when none waits so.
     std::optional<Moment> nextAttemptAfter(Moment moment);
-    // Keeps the state, attempts, moments and answer of a message.
-    void update(const Outgoing& message);
-    // Those whose outcome is to be written into the history, the oldest first.
+    // Keeps the state, attempts, moments and answer of messages, all or none.
+    void update(const std::vector<Outgoing>& messages);
+    // The oldest ones whose outcome is to be written into the history, some hundred at once.
     std::vector<Outgoing> unrecorded();
     // Drops what has been done since before `moment`.
     void dropDoneBefore(Moment moment);
@@ -112,6 +116,7 @@ class Outbox {
     std::string id_;
 };
 
+Lane laneOf(DeviceKind kind);
 // "4:night@example.org": what attempts to one address wait for.
 std::string addressKey(const Outgoing& message);
 

@@ -70,10 +70,12 @@ void Store::Finalize::operator()(sqlite3_stmt* statement) const noexcept {
 Store::Store(const std::filesystem::path& file, Access access) : name_(file.string()) {
     const bool isOwner = access == Access::owner;
     // The engine would create it with the rights of the process's mask, and follow a link.
-    const platform::Descriptor made(
+    platform::Descriptor made(
         ::open(name_.c_str(), (isOwner ? O_RDWR | O_CREAT : O_RDONLY) | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!made)
         throw platform::failureFromErrno(errno, name_);
+    // Closing any descriptor of the file would later take away the engine's lock on it.
+    made = platform::Descriptor();
     sqlite3* engine = nullptr;
     const int code = sqlite3_open_v2(
         name_.c_str(), &engine,

@@ -24,6 +24,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds crashAfter(500);
 constexpr milliseconds longestPause(1000);
 constexpr milliseconds afterFailure(10000);
+constexpr int mostMisses = 3;
 
 volatile sig_atomic_t stopping = 0;
 sigset_t signalsWhileWaiting;
@@ -44,7 +45,11 @@ bool pause(milliseconds duration, int descriptor = -1) {
     const timespec wait{static_cast<time_t>(duration.count() / 1000),
                         static_cast<long>(duration.count() % 1000) * 1000000};
     pollfd news{descriptor, POLLIN, 0};
-    return ::ppoll(&news, descriptor >= 0 ? 1 : 0, &wait, &signalsWhileWaiting) > 0;
+    const bool hasNews = ::ppoll(&news, descriptor >= 0 ? 1 : 0, &wait, &signalsWhileWaiting) > 0;
+    // With news at hand the call above lets no signal in, however long one waits.
+    constexpr timespec none{0, 0};
+    ::ppoll(nullptr, 0, &none, &signalsWhileWaiting);
+    return hasNews;
 }
 
 // A pending state lasts, whatever signals come.
@@ -85,7 +90,10 @@ void attempt(const std::string& keyName, Action&& action) {
 void doWork(const std::string& keyName, const Settings& settings, Work& work) {
     const auto start = std::chrono::steady_clock::now();
     auto nextLook = start;
-    while (!stopping && isStillOurs(keyName)) {
+    int misses = 0;
+    while (!stopping && misses < mostMisses) {
+        // A record that cannot be read for a moment is there again at the next look.
+        misses = isStillOurs(keyName) ? 0 : misses + 1;
         const bool crashes = settings.behaviour == Behaviour::crashWhileRunning;
         auto now = std::chrono::steady_clock::now();
         if (crashes && now - start >= crashAfter)
@@ -121,8 +129,10 @@ int run(std::string keyName, const Settings& settings, Work& work) {
     attempt(keyName, [&] { work.begin(); });
     platform::writeServiceState(keyName, ServiceState::running, ::getpid());
     doWork(keyName, settings, work);
-    if (!isStillOurs(keyName))
+    if (!isStillOurs(keyName)) {
+        attempt(keyName, [&] { work.end(); });
         return 0;
+    }
     platform::writeServiceState(keyName, ServiceState::stopPending, ::getpid());
     attempt(keyName, [&] { work.end(); });
     linger(settings.stopDelay);

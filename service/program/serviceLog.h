@@ -8,10 +8,11 @@ namespace service {
 
 class ServiceLog {
   public:
-    // Keeps a line, or several joined by a line feed, for the next flush.
+    // Keeps a line for the next flush.
     void add(std::string_view text);
-    // Writes what was kept to the end of `file`, creating it; an empty name means that no log is wanted. What
-    // was kept is forgotten either way. Raises platform::Failure.
+    // Writes what was kept to the end of `file`, creating it; an empty name means that no log is wanted.
+    // Beyond 10 MB the file is put aside, five generations of it. Raises platform::Failure: what was kept
+    // stays, up to a megabyte, for the next flush.
     void flush(const std::string& file);
 
   private:

@@ -8,6 +8,15 @@
 
 namespace service {
 
+namespace {
+
+// Seconds. A relay may look through a mail for long before it says that it has taken it, and would be given
+// the mail again if it were not waited for.
+constexpr long longestConnect = 30;
+constexpr long longestSilence = 300;
+
+}  // namespace
+
 void initializeCurl() {
     static std::once_flag once;
     std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
@@ -42,6 +51,10 @@ CURL* CurlSession::fresh() {
     CURL* const easy = easy_.get();
     curl_easy_reset(easy);
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+    // Giving up does not wait for a name server that is silent.
+    curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
+    curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT, longestConnect);
+    curl_easy_setopt(easy, CURLOPT_SERVER_RESPONSE_TIMEOUT, longestSilence);
     curl_easy_setopt(easy, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
     // No proxy of the environment: what is sent goes where the settings say.
     curl_easy_setopt(easy, CURLOPT_PROXY, "");

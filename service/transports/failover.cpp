@@ -1,6 +1,7 @@
 #include "service/transports/failover.h"
 
 #include <exception>
+#include <string>
 
 #include "platform/machine/eventLog.h"
 #include "platform/machine/host.h"
@@ -31,8 +32,14 @@ Outcome Failover::send(const Message& message, const Deadline&) {
         platform::Registry registry(platform::host::registryFile());
         if (!registry.setValue(managerKey, "ForcedFailover", std::uint32_t{1}))
             return {Result::refused, "This host has no node manager"};
-        tellSystemLog(message);
-        return {Result::handedOver, "Handed over to the node manager"};
+        // The request is made: a log that cannot be written must not make it once more.
+        std::string answer = "Handed over to the node manager";
+        try {
+            tellSystemLog(message);
+        } catch (const std::exception& failure) {
+            answer += std::string("; the System log does not tell of it: ") + failure.what();
+        }
+        return {Result::handedOver, answer};
     } catch (const std::exception& failure) {
         return {Result::tryAgain, failure.what()};
     }

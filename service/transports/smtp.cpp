@@ -74,12 +74,13 @@ Outcome outcomeOf(CURLcode code, const std::string& answer, const char* details)
     if (code == CURLE_OK)
         return {Result::delivered, answer.empty() ? "Delivered" : "Delivered: " + answer};
     const std::string reason = details[0] ? details : curl_easy_strerror(code);
+    // "Not at the moment", also to the wish for TLS.
+    if (answer.starts_with('4'))
+        return {Result::tryAgain, answer};
     if (isUnsafe(code))
         return {Result::refused, "The connection to the relay is not safe: " + reason};
     if (answer.starts_with('5'))
         return {Result::refused, answer};
-    if (answer.starts_with('4'))
-        return {Result::tryAgain, answer};
     if (code == CURLE_LOGIN_DENIED)
         return {Result::refused, "The relay does not accept the sign-in: " + reason};
     return {Result::tryAgain, reason};
@@ -99,6 +100,14 @@ std::string problemOfRelay(const std::string& relay) {
         return "the user stands in a value of its own";
     const std::string path = partOf(url.get(), CURLUPART_PATH);
     return path.empty() || path == "/" ? "" : "there is more behind the host";
+}
+
+std::string hostOfRelay(const std::string& relay) {
+    initializeCurl();
+    const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> url(curl_url(), &curl_url_cleanup);
+    if (curl_url_set(url.get(), CURLUPART_URL, relay.c_str(), CURLU_NON_SUPPORT_SCHEME) != CURLUE_OK)
+        return {};
+    return partOf(url.get(), CURLUPART_HOST);
 }
 
 // The connection to the relay, which is kept between mails.
@@ -163,13 +172,13 @@ Outcome Smtp::send(const Message& message, const Deadline& deadline) {
     if (!isMailAddress(settings_.from))
         return {Result::refused, "The sender is no mail address: " + settings_.from};
     if (const std::string problem = problemOfRelay(settings_.relay); !problem.empty())
-        return {Result::refused, "The relay " + settings_.relay + " cannot be used: " + problem};
+        return {Result::refused, "The relay cannot be used: " + problem};
     return session_->perform(settings_, &message, deadline);
 }
 
 Outcome Smtp::probe(const Deadline& deadline) {
     if (const std::string problem = problemOfRelay(settings_.relay); !problem.empty())
-        return {Result::refused, "The relay " + settings_.relay + " cannot be used: " + problem};
+        return {Result::refused, "The relay cannot be used: " + problem};
     return session_->perform(settings_, nullptr, deadline);
 }
 

@@ -21,6 +21,9 @@ struct SmtpSettings {
 // Why the text cannot be a relay, in a few words; empty when it can.
 std::string problemOfRelay(const std::string& relay);
 
+// The relay's host; empty for a text that is no relay.
+std::string hostOfRelay(const std::string& relay);
+
 class Smtp : public Transport {
   public:
     explicit Smtp(SmtpSettings settings);

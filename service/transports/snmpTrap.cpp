@@ -5,8 +5,11 @@
 #include <net-snmp/net-snmp-includes.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <ctime>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string_view>
@@ -135,8 +138,10 @@ std::string describeV3(netsnmp_session& session, SessionTexts& texts, const Snmp
         session.securityEngineIDLen = texts.engineLength;
         session.contextEngineID = texts.engine;
         session.contextEngineIDLen = texts.engineLength;
-        session.engineBoots = 1;
-        session.engineTime = static_cast<u_int>(get_uptime() / 100);
+        // A receiver takes only what is later than what it had: the minute of the start counts the starts.
+        static const std::time_t start = std::time(nullptr);
+        session.engineBoots = static_cast<u_int>(start / 60);
+        session.engineTime = static_cast<u_int>(std::max<std::time_t>(std::time(nullptr) - start, 0));
     }
     return {};
 }
@@ -236,14 +241,28 @@ SnmpTrap::SnmpTrap(SnmpSettings settings) : settings_(std::move(settings)) {}
 Outcome SnmpTrap::send(const Message& message, const Deadline& deadline) {
     const std::lock_guard lock(libraryMutex());
     initializeOnce();
-    Outcome all{settings_.informs ? Result::delivered : Result::handedOver, {}};
+    // Who has it already, of messages that are tried again because another sink failed.
+    static std::map<std::string, std::vector<SnmpSink>> reached;
+    std::vector<SnmpSink>& have = reached[message.key];
+    const Result taken = settings_.informs ? Result::delivered : Result::handedOver;
+    bool isRefused = false;
+    Outcome all{taken, {}};
     for (const SnmpSink& sink : settings_.sinks) {
+        if (std::ranges::find(have, sink) != have.end())
+            continue;
         const Outcome one = sendToSink(sink, message, settings_, deadline);
-        if (one.result == Result::tryAgain ||
-            (one.result == Result::refused && all.result != Result::tryAgain))
-            all.result = one.result;
+        if (one.result == taken)
+            have.push_back(sink);
+        else if (one.result == Result::tryAgain)
+            all.result = Result::tryAgain;
+        isRefused = isRefused || one.result == Result::refused;
         all.answer += (all.answer.empty() ? "" : "; ") + sink.host + ": " + one.answer;
     }
+    if (isRefused && have.empty() && all.result != Result::tryAgain)
+        all.result = Result::refused;
+    constexpr std::size_t mostKept = 1000;
+    if (all.result != Result::tryAgain || reached.size() > mostKept)
+        reached.erase(message.key);
     return all;
 }
 

@@ -34,7 +34,7 @@ class SnmpTrap : public Transport {
   public:
     explicit SnmpTrap(SnmpSettings settings);
     // Goes to every sink, whatever the address. An inform is delivered when all sinks have answered, a trap
-    // is handed over. Of several sinks the one that failed decides; the next attempt goes to all again.
+    // is handed over. The next attempt goes to those sinks alone that failed; refused when none has it.
     Outcome send(const Message& message, const Deadline& deadline) override;
 
   private:

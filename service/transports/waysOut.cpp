@@ -1,5 +1,6 @@
 #include "service/transports/waysOut.h"
 
+#include <arpa/inet.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -51,12 +52,10 @@ std::string secretFrom(const std::string& file) {
 }
 
 bool isLoopback(const std::string& relay) {
-    const std::size_t begin = relay.find("://");
-    const std::string host = begin == std::string::npos ? relay : relay.substr(begin + 3);
-    for (const char* name : {"localhost", "127.", "[::1]"})
-        if (host.starts_with(name))
-            return true;
-    return false;
+    const std::string host = hostOfRelay(relay);
+    in_addr address{};
+    return host == "localhost" || host == "::1" || host == "[::1]" ||
+           (::inet_pton(AF_INET, host.c_str(), &address) == 1 && (ntohl(address.s_addr) >> 24) == 127);
 }
 
 std::string machineName() {
@@ -70,8 +69,7 @@ std::string problemOfMail(const SmtpSettings& mail) {
     if (mail.relay.empty())
         return {};
     const std::string problem = problemOfRelay(mail.relay);
-    return problem.empty() ? problem
-                           : "the value Mail\\Relay, " + mail.relay + ", cannot be used: " + problem;
+    return problem.empty() ? problem : "the value Mail\\Relay cannot be used: " + problem;
 }
 
 // "host", "host:port" or "[v6]:port".

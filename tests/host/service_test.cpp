@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <cstdio>
+#include <thread>
 
 #include "platform/files/files.h"
 #include "platform/machine/eventLog.h"
@@ -116,6 +118,22 @@ TEST_F(ServiceProgram, ARecordLiesAsAMailInTheHostsMailboxAtOnce) {
     start();
     EXPECT_EQ(mails(2).size(), 2u);
     stop();
+}
+
+TEST_F(ServiceProgram, StopsAtOnceAlsoWhileTheLogNeverRests) {
+    start();
+    std::atomic<bool> isWriting = true;
+    std::thread writer([&] {
+        while (isWriting)
+            write(51);
+    });
+    platform::wait(std::chrono::milliseconds(300));
+    const auto begin = steady_clock::now();
+    EXPECT_EQ(service().control(platform::ServiceControl::stop), 0u);
+    EXPECT_TRUE(host.reaches(ServiceState::stopped));
+    EXPECT_LT(steady_clock::now() - begin, std::chrono::seconds(2));
+    isWriting = false;
+    writer.join();
 }
 
 }  // namespace

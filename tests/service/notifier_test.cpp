@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 
+#include <atomic>
 #include <fstream>
 #include <mutex>
 #include <set>
@@ -89,8 +90,11 @@ class NotifierTest : public testing::Test {
         options.databaseFile = host.databaseFile();
         options.outboxFile = outboxFile();
         options.pause = std::chrono::hours(1);
-        options.isSetUp = [](DeviceKind) { return true; };
-        options.delivery.makeTransport = [this](DeviceKind) { return std::make_unique<PostTransport>(post); };
+        options.isSetUp = [this](DeviceKind) { return isSetUp.load(); };
+        options.refreshWaysOut = [] { return true; };
+        options.delivery.makeTransport = [this](DeviceKind) {
+            return isSetUp ? std::make_unique<PostTransport>(post) : nullptr;
+        };
         options.delivery.mailDomain = [] { return std::string("mail.example"); };
         std::vector<std::unique_ptr<Source>> sources;
         sources.push_back(std::make_unique<HostLog>("Application"));
@@ -131,6 +135,7 @@ class NotifierTest : public testing::Test {
     support::TemporaryHost host;
     support::ManualClock clock;
     Post post;
+    std::atomic<bool> isSetUp = true;
     std::unique_ptr<Notifier> notifier;
 };
 
@@ -141,7 +146,7 @@ TEST_F(NotifierTest, TellsEachAddressOfANewRecordOnceAndSaysSo) {
     const std::vector<Message> sent = post.sent();
     ASSERT_EQ(sent.size(), 2u);
     EXPECT_EQ(
-        rows("SELECT * FROM NotificationLog WHERE LogKey > 7"),
+        rows("SELECT * FROM NotificationLog WHERE LogKey > 7 ORDER BY LogKey"),
         (Texts{"8|" + moment() + "|disk|51|DIR-1|Delivered", "9|" + moment() + "|disk|51|a@b|Delivered"}));
     EXPECT_EQ(rows("SELECT EventLastNotification FROM Events WHERE EventKey = 10"), Texts{moment()});
     for (const Message& message : sent) {
@@ -274,6 +279,28 @@ TEST_F(NotifierTest, WhatItCannotReadOrWriteIsDoneLaterAndTold) {
     look();
     EXPECT_EQ(told().size(), 2u);
     EXPECT_EQ(rows("SELECT max(LogKey) FROM NotificationLog"), Texts{"10"});
+}
+
+TEST_F(NotifierTest, APassingFaultOfTheSetUpLosesNothing) {
+    post.answer("a@b", Result::tryAgain, "451 \xFF\n2026-01-01 00:00:00  forged");
+    write("Disk", 51);
+    write("Disk", 51, "held");
+    look();
+    EXPECT_EQ(told().size(), 1u);
+    EXPECT_TRUE(isLogged("451 \xEF\xBF\xBD 2026-01-01 00:00:00  forged")) << "one line, readable";
+    isSetUp = false;
+    post.answer("a@b", Result::delivered, "Delivered");
+    pass(seconds(10));
+    EXPECT_EQ(told(), Texts{});
+    pass(minutes(20));
+    EXPECT_EQ(told(), Texts{});
+    isSetUp = true;
+    pass(minutes(6));
+    const std::string when =
+        platform::defaultForm(platform::localTime(clock.now() - minutes(26) - seconds(10)));
+    EXPECT_EQ(told(), (Texts{"a@b: S 51 / B ",
+                             "a@b: S 51 / B held\r\n1 record of this event had been held back, from " + when +
+                                 " to " + when + "."}));
 }
 
 TEST_F(NotifierTest, OldRowsOfTheHistoryGo) {

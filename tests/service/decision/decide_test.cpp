@@ -97,6 +97,14 @@ TEST_F(Decision, AnEventThatWasToldIsHeldBackForAWhile) {
     }
     circumstances.pendingSince = [&](long) { return std::optional(clock.now() - minutes(1)); };
     EXPECT_EQ(explain(record("disk", 52)), held) << "what is on its way counts too";
+    run("INSERT INTO Events VALUES (15, 'Disk', 52, '', 4, -1, 0, NULL); INSERT INTO EventDevice VALUES (15, "
+        "1, -1)");
+    circumstances.pendingSince = [&](long key) {
+        return key == 11 ? std::optional(clock.now() - minutes(1)) : std::nullopt;
+    };
+    EXPECT_EQ(explain(record("disk", 52)), "11: 6=8 1=8; 15: 1=9; ")
+        << "what is held back will be told there";
+    run("DELETE FROM Events WHERE EventKey = 15");
     run("UPDATE Events SET EventTitle = '$$IGNORE' WHERE EventKey = 11");
     EXPECT_EQ(explain(record("disk", 52)), told) << "the test is never held back";
     run("UPDATE Events SET EventTitle = '' WHERE EventKey = 11; UPDATE Configuration SET Value = 'often' "
