@@ -73,8 +73,8 @@ int main(int argc, char** argv) {
             std::puts("HbQlnSvc registered");
             return 0;
         }
-        // A search for a name or in the directory that nobody waits for any more may still be at work: it must
-        // not meet what the end of a program takes down.
+        // A search for a name or in the directory that nobody waits for any more may still be at work: it
+        // must not meet what the end of a program takes down.
         if (argc == 1)
             std::_Exit(runService());
         std::fputs("usage: HbQlnSvc.exe [-service]\n", stderr);
