@@ -52,7 +52,7 @@ Dispatcher::Job Delivery::jobOf(const Outbox& outbox, const Outgoing& message) c
     job.message.address = message.address;
     job.message.subject = message.subject;
     job.message.body = message.body;
-    job.message.priority = message.priority == 2 ? Priority::urgent : Priority::normal;
+    job.message.priority = static_cast<Priority>(std::clamp(message.priority, 0L, 2L));
     job.message.created = message.created;
     job.message.eventSource = message.eventSource;
     job.message.eventId = message.eventId;

@@ -20,6 +20,7 @@ class FolderWatch {
   private:
     std::filesystem::path folder_;
     platform::Descriptor notify_;
+    int aboveWatch_ = -1;  // of the folder above, as long as this one is not there
 };
 
 }  // namespace service

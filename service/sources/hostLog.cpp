@@ -109,7 +109,7 @@ std::uint64_t beginningIn(const LogFile& log, const std::string& name, const std
         return toldAnew("its position cannot be read");
     if (place->offset > log.size)
         return toldAnew("it is shorter than before");
-    if (place->fingerprint != fingerprintAt(log, place->offset))
+    if (place->offset > 0 && place->fingerprint != fingerprintAt(log, place->offset))
         return toldAnew("it was replaced, or cleared and filled again");
     return place->offset;
 }

@@ -111,11 +111,12 @@ void addHeaders(GMimeMessage* mail, const Message& message, const std::string& f
     const std::size_t at = from.rfind('@');
     const std::string domain = at == std::string::npos ? "localhost" : from.substr(at + 1);
     g_mime_message_set_message_id(mail, (nameOfKey(message.key) + "@" + domain).c_str());
-    if (message.priority != Priority::urgent)
+    if (message.priority == Priority::normal)
         return;
-    setHeader(mail, "X-Priority", "1");
-    setHeader(mail, "Importance", "high");
-    setHeader(mail, "Priority", "urgent");
+    const bool isUrgent = message.priority == Priority::urgent;
+    setHeader(mail, "X-Priority", isUrgent ? "1" : "5");
+    setHeader(mail, "Importance", isUrgent ? "high" : "low");
+    setHeader(mail, "Priority", isUrgent ? "urgent" : "non-urgent");
 }
 
 }  // namespace

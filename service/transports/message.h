@@ -8,7 +8,7 @@
 
 namespace service {
 
-enum class Priority { normal, urgent };
+enum class Priority { low, normal, urgent };
 
 struct Message {
     std::string key;      // names the message for good: a repeated attempt has the same one

@@ -179,13 +179,13 @@ TEST_F(Installation, UpgradesToANewerKitAndToNothingElse) {
     EXPECT_EQ(host.countInLog("Entering [mdlUtility]myStopService"), 0);
 
     host.placeProgram(support::newerServiceProgram(), "HbQlnSvc.ex_");
-    expectUpgradeBox("1.3.0.13", "1.4.0.2");
+    expectUpgradeBox("2.0.0.0", "2.1.0.2");
     EXPECT_TRUE(mdlUtility::installQLNService());
     EXPECT_EQ(contentOf("HbQlnSvc.exe"), contentOf("HbQlnSvc.ex_"));
     EXPECT_TRUE(mdlUtility::isServiceRunning("hbqlnsvc"));
     EXPECT_EQ(host.processes(), 1);
     EXPECT_EQ(host.countInLog("Info", "upgradeQLNService",
-                              "Upgrading the HbQlnSvc service from version: 1.3.0.13 to version: 1.4.0.2"),
+                              "Upgrading the HbQlnSvc service from version: 2.0.0.0 to version: 2.1.0.2"),
               1);
     EXPECT_EQ(value<std::uint32_t>(std::string(sources) + "MeridaneCorvane_HbQlnSvc", "TypesSupported"), 1u)
         << "an existing source is never rewritten";
@@ -199,7 +199,7 @@ TEST_F(Installation, APlainFileIsReplacedByAnyKitWithAVersion) {
     host.installService();
     host.placeProgram(support::serviceProgram(), "HbQlnSvc.ex_");
     fs::remove(host.serviceFile("HbQlnSvc.exe"));
-    expectUpgradeBox("", "1.3.0.13");
+    expectUpgradeBox("", "2.0.0.0");
     EXPECT_TRUE(mdlUtility::installQLNService());
     EXPECT_TRUE(mdlUtility::isServiceRunning("hbqlnsvc"));
 }
@@ -210,7 +210,7 @@ TEST_F(Installation, EndsWhenTheServiceDoesNotStopForItsUpgrade) {
     EXPECT_TRUE(mdlUtility::myStartService("hbqlnsvc"));
     host.placeProgram(support::newerServiceProgram(), "HbQlnSvc.ex_");
     const std::string before = contentOf("HbQlnSvc.exe");
-    expectUpgradeBox("1.3.0.13", "1.4.0.2");
+    expectUpgradeBox("2.0.0.0", "2.1.0.2");
     expectBox(
         "Cannot stop the HbQlnSvc service, you must manually stop the HbQlnSvc service and rerun this "
         "tool.  Exiting",

@@ -53,6 +53,41 @@ std::string Receiver::firstLine() const {
     return {};
 }
 
+std::unique_ptr<Receiver> startMailServer(const std::filesystem::path& folder,
+                                          const std::filesystem::path& taken, const std::string& modes,
+                                          const Certificate* certificate) {
+    std::filesystem::create_directories(taken);
+    std::vector<std::string> arguments{"/usr/bin/python3", MAIL_SERVER, taken.string(), modes};
+    if (certificate)
+        arguments.insert(arguments.end(), {certificate->certificate.string(), certificate->key.string()});
+    return std::make_unique<Receiver>(arguments, folder / "mailServer.out");
+}
+
+std::unique_ptr<Receiver> startTrapReceiver(const std::filesystem::path& folder, const std::string& port,
+                                            const std::string& configuration) {
+    const std::string file = (folder / "trapd.conf").string();
+    std::ofstream(file) << configuration;
+    ::setenv("SNMP_PERSISTENT_DIR", folder.c_str(), 1);
+    return std::make_unique<Receiver>(
+        std::vector<std::string>{"snmptrapd", "-f", "-Lo", "-n", "-OnQUe", "-C", "-c", file, "-M",
+                                 MIB_FOLDERS, "-m", "QUILLON-MIB", "-F", "TRAP %W|%v\n",
+                                 "udp:127.0.0.1:" + port},
+        folder / "trapd.out");
+}
+
+std::unique_ptr<Receiver> startSyslogServer(const std::filesystem::path& folder,
+                                            const std::filesystem::path& received, const std::string& input) {
+    const std::string file = (folder / "rsyslog.conf").string();
+    std::ofstream(file) << "global(workDirectory=\"" << folder.string() << "\" maxMessageSize=\"64k\")\n"
+                        << "template(name=\"t\" type=\"string\" string=\"%pri%|%timestamp:::date-rfc3339%|"
+                           "%hostname%|%app-name%|%procid%|%msgid%|%structured-data%|%msg%\\n\")\n"
+                        << input << "\naction(type=\"omfile\" file=\"" << received.string()
+                        << "\" template=\"t\")\n";
+    return std::make_unique<Receiver>(std::vector<std::string>{"/usr/sbin/rsyslogd", "-n", "-f", file, "-i",
+                                                               (folder / "rsyslog.pid").string()},
+                                      folder / "rsyslog.out");
+}
+
 Certificate makeCertificate(const std::filesystem::path& folder, const std::string& name,
                             const std::string& hosts, int days) {
     const Certificate made{folder / (name + ".crt"), folder / (name + ".key")};

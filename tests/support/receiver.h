@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,20 @@ class Receiver {
     std::filesystem::path output_;
     pid_t pid_ = -1;
 };
+
+// The servers that the service's transports talk to. Each keeps its files in `folder`, which has to exist;
+// the last two may need a moment before they listen.
+struct Certificate;
+// The mail server of tests/service/receivers: prints its port when it listens, puts each mail into `taken`.
+std::unique_ptr<Receiver> startMailServer(const std::filesystem::path& folder,
+                                          const std::filesystem::path& taken, const std::string& modes,
+                                          const Certificate* certificate = nullptr);
+// Prints a line "TRAP ..." for each trap that `configuration` lets in, with all its variables.
+std::unique_ptr<Receiver> startTrapReceiver(const std::filesystem::path& folder, const std::string& port,
+                                            const std::string& configuration);
+// Writes the fields that its own parser finds in each message into `received`, parted by '|'.
+std::unique_ptr<Receiver> startSyslogServer(const std::filesystem::path& folder,
+                                            const std::filesystem::path& received, const std::string& input);
 
 // A certificate with its key, signed by itself: `name`.crt and `name`.key in a folder.
 struct Certificate {

@@ -23,11 +23,7 @@ class SmtpTest : public testing::Test {
     void serve(const std::string& modes, const support::Certificate& certificate = {}) {
         // One that is still ending must not write where its follower prints its port.
         server.reset();
-        fs::create_directories(folder);
-        server = std::make_unique<support::Receiver>(
-            std::vector<std::string>{"/usr/bin/python3", MAIL_SERVER, folder.string(), modes,
-                                     certificate.certificate.string(), certificate.key.string()},
-            host.root() / "server.out");
+        server = support::startMailServer(host.root(), folder, modes, &certificate);
         settings.relay = "smtp://localhost:" + server->firstLine();
     }
     service::Message message(const std::string& subject = "Subject", const std::string& body = "Body") {

@@ -22,13 +22,7 @@ class SnmpTest : public testing::Test {
     void serve(const std::string& configuration) {
         server.reset();
         port = support::freePort(SOCK_DGRAM);
-        std::ofstream(host.root() / "trapd.conf") << configuration;
-        ::setenv("SNMP_PERSISTENT_DIR", host.root().c_str(), 1);
-        server = std::make_unique<support::Receiver>(
-            std::vector<std::string>{"snmptrapd", "-f", "-Lo", "-n", "-OnQUe", "-C", "-c",
-                                     (host.root() / "trapd.conf").string(), "-M", std::string(MIB_FOLDERS),
-                                     "-m", "QUILLON-MIB", "-F", "TRAP %W|%v\n", "udp:127.0.0.1:" + port},
-            host.root() / "trapd.out");
+        server = support::startTrapReceiver(host.root(), port, configuration);
         settings.sinks = {{"quillon", "127.0.0.1", port}};
     }
     Outcome send(milliseconds patience = std::chrono::seconds(3)) {

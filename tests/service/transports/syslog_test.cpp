@@ -26,16 +26,7 @@ class SyslogTest : public testing::Test {
   protected:
     void serve(const std::string& input) {
         server.reset();
-        const auto file = host.root() / "rsyslog.conf";
-        std::ofstream(file)
-            << "global(workDirectory=\"" << host.root().string() << "\" maxMessageSize=\"64k\")\n"
-            << "template(name=\"t\" type=\"string\" string=\"%pri%|%timestamp:::date-rfc3339%|%hostname%|"
-               "%app-name%|%procid%|%msgid%|%structured-data%|%msg%\\n\")\n"
-            << input << "\naction(type=\"omfile\" file=\"" << received().string() << "\" template=\"t\")\n";
-        server = std::make_unique<support::Receiver>(
-            std::vector<std::string>{"/usr/sbin/rsyslogd", "-n", "-f", file.string(), "-i",
-                                     (host.root() / "rsyslog.pid").string()},
-            host.root() / "rsyslog.out");
+        server = support::startSyslogServer(host.root(), received(), input);
     }
     std::filesystem::path received() const { return host.root() / "received"; }
     static service::Message message() {
