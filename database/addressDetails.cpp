@@ -92,32 +92,29 @@ void rewind(Recordset& list) {
 }
 
 // Collects the deletion of all rows for the batch.
-void removeAll(Recordset& details) {
-    for (; !details.EOF_(); details.moveNext())
-        details.deleteCurrent();
+bool removeAll(Rows& details) {
+    while (details.next()) {
+        if (!details.deleteCurrent())
+            return false;
+    }
+    return true;
 }
 
 // Adds one row to the batch.
-void rebuildRow(Frame& frame, Recordset& devices, Recordset& details, Directory& directory) {
-    std::string address;
-    long type = 0;
+void rebuildRow(Frame& frame, Rows& devices, Rows& details, Directory& directory) {
+    const std::string address = devices.text("DeviceAddress");
+    const long type = devices.number("DeviceType");
     Details shown;
-    frame.step([&] { address = devices.text("DeviceAddress"); });
-    frame.step([&] { type = devices.number("DeviceType"); });
     frame.step([&] { shown = detailsOf(directory, type, address); });
-    frame.step([&] {
-        // One that is off already needs no write.
-        if (!shown.cutOff || !devices.boolean("DeviceActive"))
-            return;
-        devices.set("DeviceActive", boolean(false));
+    // One that is off already needs no write.
+    if (shown.cutOff && devices.boolean("DeviceActive") && devices.set("DeviceActive", false))
         devices.update();
-    });
-    frame.step([&] { details.addNew(); });
-    frame.step([&] { details.set("DeviceAddress", address); });
-    frame.step([&] { details.set("DisplayName", shown.displayName); });
-    frame.step([&] { details.set("AddressType", std::int64_t{shown.addressType}); });
-    frame.step([&] { details.set("DeviceKey", devices.value("DeviceKey")); });
-    frame.step([&] { details.update(); });
+    details.addNew();
+    details.set("DeviceAddress", address);
+    details.set("DisplayName", shown.displayName);
+    details.set("AddressType", std::int64_t{shown.addressType});
+    details.copy("DeviceKey", devices);
+    details.update();
     frame.step([&] { rewind(directory.subscribers); });
     frame.step([&] { rewind(directory.distributionLists); });
 }
@@ -137,16 +134,14 @@ Recordset quietlyOpened(const char* table) {
 
 void rebuildAddressDetailsTable() {
     core::procedure(module, "rebuildAddressDetailsTable", [&](Frame& frame) {
-        Recordset devices;
-        Recordset details;
+        Rows devices(frame);
+        Rows details(frame);
         Directory directory;
         const bool views = core::gViewsSupported;
         // The old rows go and the new ones come in one batch: whatever fails or dies on the way leaves the
         // table as it was. Without it an event would show no devices, and saving would switch them off.
-        const bool readable = frame.step([&] { devices = openForWriting("SELECT * FROM Device"); }) &&
-                              frame.step([&] { details = openForBatch("SELECT * FROM AddressDetails"); }) &&
-                              frame.step([&] { removeAll(details); });
-        if (!readable)
+        if (!devices.openForWriting("SELECT * FROM Device") ||
+            !details.openForBatch("SELECT * FROM AddressDetails") || !removeAll(details))
             return;
         frame.step([&] {
             directory.subscribers = quietlyOpened(views ? "vw_Subscriber_Global" : "GlobalSubscriber");
@@ -154,11 +149,9 @@ void rebuildAddressDetailsTable() {
         frame.step([&] {
             directory.distributionLists = quietlyOpened(views ? "vw_DistributionList" : "DistributionList");
         });
-        while (devices.state() == ObjectState::open && !devices.EOF_()) {
+        while (devices.next())
             rebuildRow(frame, devices, details, directory);
-            frame.step([&] { devices.moveNext(); });
-        }
-        frame.step([&] { details.updateBatch(); });
+        details.updateBatch();
     });
 }
 

@@ -12,7 +12,6 @@
 
 using core::Frame;
 using modLocalize::myLoadResString;
-using platform::ObjectState;
 using platform::Recordset;
 
 namespace mdlDatabase {
@@ -21,11 +20,12 @@ namespace {
 
 constexpr char module[] = "mdlDatabase";
 constexpr std::string_view selectionPrefix = "DeviceKey:";
+constexpr long noDevice = -1;
 constexpr std::size_t typeNameWidth = 15;
 constexpr std::size_t activeWidth = 5;
 
-std::string assignmentQuery(long eventKey) {
-    return "SELECT * FROM EventDevice WHERE EventKey = " + std::to_string(eventKey);
+platform::Query assignmentQuery(long eventKey) {
+    return {"SELECT * FROM EventDevice WHERE EventKey = ?", {eventKey}};
 }
 
 // The number behind the prefix. Raises 13 for another text, such as the key of a recipient's node, which is
@@ -63,7 +63,7 @@ void logDeclined(const Frame& frame) {
     logChoice(frame, "User chose not to enable this failover device.");
 }
 
-void addAssignment(Frame& frame, Recordset& rows, long eventKey, const std::string& key) {
+void addAssignment(Frame& frame, Rows& rows, long eventKey, const std::string& key) {
     long deviceKey = 0;
     // A row for no device would be one that no view shows.
     if (!frame.step([&] { deviceKey = deviceKeyOf(key); }))
@@ -81,20 +81,19 @@ void addAssignment(Frame& frame, Recordset& rows, long eventKey, const std::stri
                          rightAligned(getDeviceLabel(type), typeNameWidth) +
                          ") Active: " + rightAligned(active ? "True" : "False", activeWidth) +
                          " to EventKey: " + std::to_string(eventKey));
+    rows.addNew();
+    rows.set("EventKey", eventKey);
+    rows.set("DeviceKey", deviceKey);
+    rows.set("Active", active);
     // A row without its event or its device would be one that no view shows.
-    if (frame.steps({core::Step([&] { rows.addNew(); }),
-                     core::Step([&] { rows.set("EventKey", std::int64_t{eventKey}); }),
-                     core::Step([&] { rows.set("DeviceKey", std::int64_t{deviceKey}); }),
-                     core::Step([&] { rows.set("Active", boolean(active)); })}))
-        frame.step([&] { rows.update(); });
+    if (rows.allRan())
+        rows.update();
 }
 
 // Brings the present row in line with the selection, from which it takes the row's entry.
-void changeAssignment(Frame& frame, Recordset& rows, DeviceSelection& selection) {
-    long deviceKey = 0;
-    bool active = false;
-    frame.step([&] { deviceKey = rows.number("DeviceKey"); });
-    frame.step([&] { active = rows.boolean("Active"); });
+void changeAssignment(Frame& frame, Rows& rows, DeviceSelection& selection) {
+    const long deviceKey = rows.number("DeviceKey");
+    const bool active = rows.boolean("Active");
     const std::string key = selectionKey(deviceKey);
     const long type = getDeviceType(deviceKey);
     const bool selected = selection.contains(key);
@@ -104,17 +103,9 @@ void changeAssignment(Frame& frame, Recordset& rows, DeviceSelection& selection)
         return;
     }
     logChoice(frame, (selected ? "Enabling " : "Disabling ") + key + " (" + getDeviceLabel(type) + ")");
-    frame.step([&] { rows.set("Active", boolean(selected)); });
+    rows.set("Active", selected);
     selection.remove(key);
-    frame.step([&] { rows.update(); });
-}
-
-// Deletes the rows of one device in a batch of assignments.
-void removeDevice(Recordset& rows, const Recordset& links) {
-    rows.moveFirst();
-    rows.find("DeviceKey = " + platform::valueText(links.value("DeviceKey")));
-    if (!rows.EOF_())
-        rows.deleteCurrent();
+    rows.update();
 }
 
 }  // namespace
@@ -126,71 +117,65 @@ std::string selectionKey(long deviceKey) {
 Recordset getRecipientsForEvent(long eventKey) {
     // Required: joined with AddressDetails by the address's text, so a device without a row there is not part
     // of the answer, and DISTINCT folds devices that share an address.
-    return queryProcedure("getRecipientsForEvent",
-                          "SELECT DISTINCT Recipients.RecipientName, EventDevice.Active, Device.DeviceType, "
-                          "AddressDetails.DisplayName, Device.DeviceKey, Recipients.RecipientKey "
-                          "FROM (Recipients INNER JOIN ((Device INNER JOIN (EventDevice INNER JOIN Events ON "
-                          "EventDevice.EventKey = "
-                          "Events.EventKey) ON Device.DeviceKey = EventDevice.DeviceKey) "
-                          "INNER JOIN DeviceRecipient ON Device.DeviceKey = DeviceRecipient.DeviceKey) ON "
-                          "Recipients.RecipientKey = "
-                          "DeviceRecipient.RecipientKey) "
-                          "INNER JOIN AddressDetails ON Device.DeviceAddress = AddressDetails.DeviceAddress "
-                          "Where Events.EventKey = " +
-                              std::to_string(eventKey) + " ORDER BY Recipients.RecipientName");
+    return queryProcedure(
+        "getRecipientsForEvent",
+        {"SELECT DISTINCT Recipients.RecipientName, EventDevice.Active, Device.DeviceType, "
+         "AddressDetails.DisplayName, Device.DeviceKey, Recipients.RecipientKey "
+         "FROM (Recipients INNER JOIN ((Device INNER JOIN (EventDevice INNER JOIN Events ON "
+         "EventDevice.EventKey = "
+         "Events.EventKey) ON Device.DeviceKey = EventDevice.DeviceKey) "
+         "INNER JOIN DeviceRecipient ON Device.DeviceKey = DeviceRecipient.DeviceKey) ON "
+         "Recipients.RecipientKey = "
+         "DeviceRecipient.RecipientKey) "
+         "INNER JOIN AddressDetails ON Device.DeviceAddress = AddressDetails.DeviceAddress "
+         "Where Events.EventKey = ? ORDER BY Recipients.RecipientName",
+         {eventKey}});
 }
 
 bool addRecipientToEvent(long eventKey, const DeviceSelection& selection, bool clearFirst) {
     return core::procedure(module, "addRecipientToEvent", false, [&](Frame& frame, bool& cleared) {
         // Beside rows that are still there the event would go to both the old and the new devices.
-        cleared = !clearFirst || frame.step([&] { deleteRows("EventDevice", "EventKey", eventKey); });
+        cleared = !clearFirst || execute(frame, {"DELETE FROM EventDevice WHERE EventKey = ?", {eventKey}});
         if (!cleared)
             return;
-        Recordset rows;
-        frame.step([&] { rows = openForWriting("SELECT * FROM EventDevice"); });
+        Rows rows(frame);
+        rows.openForAdding("EventDevice");
         for (const std::string& key : selection.keys())
             addAssignment(frame, rows, eventKey, key);
-        frame.step([&] { rows.close(); });
+        rows.close();
     });
 }
 
 bool changeRecipientsForEvent(long eventKey, DeviceSelection& selection) {
     return core::procedure(module, "changeRecipientsForEvent", false, [&](Frame& frame, bool& hadRows) {
-        Recordset rows;
+        Rows rows(frame);
         // Whoever does not know the rows would add each of them a second time.
-        if (!frame.step([&] { rows = openForWriting(assignmentQuery(eventKey)); }))
+        if (!rows.openForWriting(assignmentQuery(eventKey)))
             return;
-        frame.step([&] { hadRows = rows.recordCount() > 0; });
-        while (!rows.EOF_()) {
+        hadRows = rows.count() > 0;
+        while (rows.next())
             changeAssignment(frame, rows, selection);
-            frame.step([&] { rows.moveNext(); });
-        }
-        frame.step([&] { rows.close(); });
+        rows.close();
         addRecipientToEvent(eventKey, selection, false);
     });
 }
 
 bool removeRecipientFromEvent(long eventKey, long recipientKey) {
     return core::procedure(module, "removeRecipientFromEvent", false, [&](Frame& frame, bool& rowsLeft) {
-        Recordset rows;
-        bool any = false;
-        frame.step([&] { rows = openForBatch(assignmentQuery(eventKey)); });
-        frame.step([&] { any = !rows.EOF_(); });
-        if (any) {
-            Recordset links;
-            frame.step([&] {
-                links = openForReading("SELECT * FROM DeviceRecipient WHERE RecipientKey = " +
-                                       std::to_string(recipientKey));
-            });
-            while (links.state() == ObjectState::open && !links.EOF_() && rows.recordCount() > 0) {
-                frame.step([&] { removeDevice(rows, links); });
-                frame.step([&] { links.moveNext(); });
+        Rows rows(frame);
+        rows.openForBatch(assignmentQuery(eventKey));
+        if (rows.hasRow()) {
+            Rows links(frame);
+            links.openForReading({"SELECT * FROM DeviceRecipient WHERE RecipientKey = ?", {recipientKey}});
+            while (rows.count() > 0 && links.next()) {
+                if (rows.find("DeviceKey = " + std::to_string(links.number("DeviceKey", noDevice))))
+                    rows.deleteCurrent();
             }
-            frame.step([&] { rows.updateBatch(); });
-            frame.step([&] { links.close(); });
+            rows.updateBatch();
+            links.close();
         }
-        frame.step([&] { rowsLeft = rows.recordCount() >= 1; });
-        frame.step([&] { rows.close(); });
+        rowsLeft = rows.count() >= 1;
+        rows.close();
     });
 }
 

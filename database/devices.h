@@ -9,8 +9,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "core/procedure.h"
 #include "database/deviceType.h"
+#include "database/rows.h"
 #include "platform/ado/ado.h"
 
 namespace mdlDatabase {
@@ -21,11 +21,10 @@ struct NewDevice {
     long recipientKey = 0;
 };
 
-// Adds an active device to `devices`, an open recordset on Device, and links it to its recipient: statements
+// Adds an active device to `devices`, rows of Device, and links it to its recipient: statements
 // of the caller's procedure. `logLine` is written right before the row, unless it is empty. The device's key;
 // 0 when its row could not be written, which is then not linked.
-long createDevice(core::Frame& frame, platform::Recordset& devices, const NewDevice& device,
-                  std::string_view logLine = {});
+long createDevice(core::Frame& frame, Rows& devices, const NewDevice& device, std::string_view logLine = {});
 // False when the link was not written.
 bool linkDeviceRecipient(long deviceKey, long recipientKey);
 // Puts a device that its recipient just gained on every event that his other devices are on, silent: nobody

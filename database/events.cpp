@@ -13,6 +13,7 @@ using core::gLog;
 using modLocalize::myLoadResString;
 using platform::BoxIcon;
 using platform::Null;
+using platform::Query;
 using platform::Recordset;
 
 namespace mdlDatabase {
@@ -23,8 +24,9 @@ constexpr char module[] = "mdlDatabase";
 
 enum ContentType : long { voiceContent = 1, emailContent = 3 };
 
-std::string eventQuery(std::string_view columns, long eventKey) {
-    return "SELECT " + std::string(columns) + " FROM Events WHERE EventKey = " + std::to_string(eventKey);
+// The statement with the columns in their place.
+Query eventQuery(std::string_view columns, long eventKey) {
+    return {"SELECT " + std::string(columns) + " FROM Events WHERE EventKey = ?", {eventKey}};
 }
 
 // Asks whether a second event of this source and id shall be created.
@@ -35,35 +37,26 @@ bool wantsDuplicate(const NewEvent& event) {
 }
 
 // Sets the fields of one content row that its type has, in their order.
-void setContentFields(Frame& frame, Recordset& row, ContentType type, const EventContent& content) {
-    frame.step([&] { row.set("ContentType", std::int64_t{type}); });
+void setContentFields(Rows& row, ContentType type, const EventContent& content) {
+    row.set("ContentType", std::int64_t{type});
     if (type == voiceContent)
-        frame.step([&] { row.set("ContentAttachment", content.contentAttachment); });
+        row.set("ContentAttachment", content.contentAttachment);
     const long priority = type == voiceContent ? content.voicePriority : content.emailPriority;
-    frame.step([&] { row.set("ContentPriority", std::int64_t{priority}); });
-    frame.step([&] { row.set("ContentSubject", content.contentSubject); });
-    frame.step([&] { row.set("ContentNote", content.contentNote); });
+    row.set("ContentPriority", priority);
+    row.set("ContentSubject", content.contentSubject);
+    row.set("ContentNote", content.contentNote);
 }
 
 // Writes one content row of an event, adding it where there is none.
 void writeContent(Frame& frame, long eventKey, ContentType type, const EventContent& content) {
-    Recordset row;
-    bool added = false;
-    frame.step([&] {
-        row = openForEditing("SELECT * FROM Contents WHERE EventKey = " + std::to_string(eventKey) +
-                             " AND ContentType = " + std::to_string(type));
-    });
-    frame.step([&] {
-        if (row.EOF_()) {
-            row.addNew();
-            added = true;
-        }
-    });
-    setContentFields(frame, row, type, content);
+    Rows row(frame);
+    row.openForEditing({"SELECT * FROM Contents WHERE EventKey = ? AND ContentType = ?", {eventKey, type}});
+    const bool added = row.atEnd() && row.addNew();
+    setContentFields(row, type, content);
     if (added)
-        frame.step([&] { row.set("EventKey", std::int64_t{eventKey}); });
-    frame.step([&] { row.update(); });
-    frame.step([&] { row.close(); });
+        row.set("EventKey", eventKey);
+    row.update();
+    row.close();
 }
 
 }  // namespace
@@ -73,8 +66,7 @@ Recordset getEvent(long eventKey) {
 }
 
 Recordset getContentsForEvent(long eventKey) {
-    return queryProcedure("getContentsForEvent",
-                          "SELECT * FROM Contents WHERE EventKey = " + std::to_string(eventKey));
+    return queryProcedure("getContentsForEvent", {"SELECT * FROM Contents WHERE EventKey = ?", {eventKey}});
 }
 
 Recordset getEvents() {
@@ -92,35 +84,32 @@ long addNewEvent(const NewEvent& event) {
                 return;
             }
         }
-        Recordset events;
+        Rows events(frame);
         // Inactive, so that the service stays away until contents and devices are there.
-        const bool filled =
-            frame.steps({core::Step([&] { events = openForWriting("SELECT * FROM Events"); }),
-                         core::Step([&] { events.addNew(); }),
-                         core::Step([&] { events.set("EventSource", event.eventSource); }),
-                         core::Step([&] { events.set("EventId", event.eventId); }),
-                         core::Step([&] { events.set("EventTitle", event.eventTitle); }),
-                         core::Step([&] { events.set("EventType", std::int64_t{event.eventType}); }),
-                         core::Step([&] { events.set("EventActive", boolean(false)); })});
+        events.openForAdding("Events");
+        events.addNew();
+        events.set("EventSource", event.eventSource);
+        events.set("EventId", event.eventId);
+        events.set("EventTitle", event.eventTitle);
+        events.set("EventType", event.eventType);
+        events.set("EventActive", false);
         // An event without its id, say of one beyond 32 bits, could neither be seen nor deleted again; and
         // the highest key is this event's only if this event was written.
-        const bool written = filled && frame.step([&] { events.update(); });
-        frame.step([&] { events.close(); });
+        const bool written = events.allRan() && events.update();
+        events.close();
         if (!written)
             return;
-        long key = 0;
-        frame.step([&] { key = getLastKey("Events", "EventKey"); });
-        Recordset contents;
-        frame.step([&] { contents = openForWriting("SELECT * FROM Contents"); });
+        const long key = getLastKey("Events", "EventKey");
+        Rows contents(frame);
+        contents.openForAdding("Contents");
         bool complete = true;
         for (const ContentType type : {voiceContent, emailContent}) {
-            frame.step([&] { contents.addNew(); });
-            setContentFields(frame, contents, type, event.content);
-            complete = frame.steps({core::Step([&] { contents.set("EventKey", std::int64_t{key}); }),
-                                    core::Step([&] { contents.update(); })}) &&
-                       complete;
+            contents.addNew();
+            setContentFields(contents, type, event.content);
+            const bool linked = contents.set("EventKey", key);
+            complete = contents.update() && linked && complete;
         }
-        frame.step([&] { contents.close(); });
+        contents.close();
         // The row of an event whose content is missing stays; its next save adds the content.
         if (complete)
             result = key;
@@ -129,21 +118,19 @@ long addNewEvent(const NewEvent& event) {
 
 void modifyEvent(const ModifiedEvent& event) {
     core::procedure(module, "modifyEvent", [&](Frame& frame) {
-        Recordset row;
-        bool found = false;
-        frame.step([&] { row = openForEditing(eventQuery("*", event.eventKey)); });
-        frame.step([&] { found = !row.EOF_(); });
-        if (found) {
-            frame.step([&] { row.set("EventSource", event.eventSource); });
-            frame.step([&] { row.set("EventId", event.eventId); });
-            frame.step([&] { row.set("EventActive", boolean(event.eventActive)); });
-            frame.step([&] { row.set("EventTitle", event.eventTitle); });
-            frame.step([&] { row.set("EventType", std::int64_t{event.eventType}); });
+        Rows row(frame);
+        row.openForEditing(eventQuery("*", event.eventKey));
+        if (row.hasRow()) {
+            row.set("EventSource", event.eventSource);
+            row.set("EventId", event.eventId);
+            row.set("EventActive", event.eventActive);
+            row.set("EventTitle", event.eventTitle);
+            row.set("EventType", event.eventType);
             // Required: every save starts the event's notification timing anew, changed or not.
-            frame.step([&] { row.set("EventLastNotification", Null{}); });
-            frame.step([&] { row.update(); });
+            row.set("EventLastNotification", Null{});
+            row.update();
         }
-        frame.step([&] { row.close(); });
+        row.close();
         // Required: contents are written even when the event's own row is gone. The window saves no such
         // event.
         writeContent(frame, event.eventKey, voiceContent, event.content);
@@ -153,10 +140,9 @@ void modifyEvent(const ModifiedEvent& event) {
 
 bool deleteEvent(long eventKey, std::string_view eventName) {
     return core::procedure(module, "deleteEvent", false, [&](Frame& frame, bool& deleted) {
-        Recordset row = getEvent(eventKey);
-        bool catchAll = false;
+        Rows row(frame, getEvent(eventKey));
         // One that is gone already, as after a kill, has nothing to read and still loses what depends on it.
-        frame.step([&] { catchAll = !row.EOF_() && row.boolean("EventCollection"); });
+        const bool catchAll = row.hasRow() && row.boolean("EventCollection");
         if (catchAll) {
             platform::prompts().messageBox(
                 {myLoadResString(1248), myLoadResString(1249), BoxIcon::information});
@@ -168,29 +154,23 @@ bool deleteEvent(long eventKey, std::string_view eventName) {
         gLog().log("Deleting event: " + name + " Key: " + std::to_string(eventKey), core::logInfo,
                    frame.tag());
         // Dependents first: a delete that stops half way leaves an event that the service cannot act on.
-        frame.step([&] {
-            if (row.state() == platform::ObjectState::open)
-                row.close();
-        });
-        deleted = frame.step([&] { deleteRows("Contents", "EventKey", eventKey); }) &&
-                  frame.step([&] { deleteRows("EventDevice", "EventKey", eventKey); }) &&
-                  frame.step([&] { deleteRows("Events", "EventKey", eventKey); });
+        if (row.isOpen())
+            row.close();
+        deleted = execute(frame, {"DELETE FROM Contents WHERE EventKey = ?", {eventKey}}) &&
+                  execute(frame, {"DELETE FROM EventDevice WHERE EventKey = ?", {eventKey}}) &&
+                  execute(frame, {"DELETE FROM Events WHERE EventKey = ?", {eventKey}});
     });
 }
 
 void setEventActiveState(long eventKey, bool active) {
     core::procedure(module, "setEventActiveState", [&](Frame& frame) {
-        Recordset row;
-        frame.step([&] {
-            row = openForEditing(eventQuery("EventKey, EventActive, EventLastNotification", eventKey));
-        });
-        frame.step([&] { row.set("EventActive", boolean(active)); });
-        frame.step([&] {
-            if (active)
-                row.set("EventLastNotification", Null{});
-        });
-        frame.step([&] { row.update(); });
-        frame.step([&] { row.close(); });
+        Rows row(frame);
+        row.openForEditing(eventQuery("EventKey, EventActive, EventLastNotification", eventKey));
+        row.set("EventActive", active);
+        if (active)
+            row.set("EventLastNotification", Null{});
+        row.update();
+        row.close();
     });
 }
 
@@ -200,30 +180,23 @@ bool isEventActive(long eventKey) {
 
 long findEvent(std::string_view eventSource, std::string_view eventId) {
     return core::procedure(module, "findEvent", -1L, [&](Frame& frame, long& key) {
-        Recordset rows;
+        Rows rows(frame);
         // Required: the source goes in as it is; one with an apostrophe makes the statement fail.
-        frame.step([&] {
-            rows = openForReading("SELECT EventKey FROM Events WHERE EventSource = '" +
-                                  std::string(eventSource) + "' AND EventId = " + std::string(eventId));
-        });
-        frame.step([&] {
-            if (rows.recordCount() >= 1)
-                key = rows.number("EventKey");
-        });
-        frame.step([&] { rows.close(); });
+        rows.openForReading("SELECT EventKey FROM Events WHERE EventSource = '" + std::string(eventSource) +
+                            "' AND EventId = " + std::string(eventId));
+        if (rows.count() >= 1)
+            key = rows.number("EventKey", key);
+        rows.close();
     });
 }
 
 long getIgnoreEventKey() {
     return core::procedure(module, "getIgnoreEventKey", -1L, [&](Frame& frame, long& key) {
-        Recordset rows;
-        frame.step(
-            [&] { rows = openForReading("SELECT EventKey FROM Events WHERE EventTitle = '$$IGNORE'"); });
-        frame.step([&] {
-            if (!rows.EOF_())
-                key = rows.number("EventKey");
-        });
-        frame.step([&] { rows.close(); });
+        Rows rows(frame);
+        rows.openForReading("SELECT EventKey FROM Events WHERE EventTitle = '$$IGNORE'");
+        if (rows.hasRow())
+            key = rows.number("EventKey", key);
+        rows.close();
     });
 }
 

@@ -5,8 +5,8 @@
 #include "core/modLocalize.h"
 #include "core/procedure.h"
 #include "database/events.h"
+#include "database/rows.h"
 #include "database/settings.h"
-#include "platform/ado/ado.h"
 #include "platform/prompts.h"
 
 using core::Frame;
@@ -58,24 +58,19 @@ void readRow(const Recordset& row, LegacyEvents& events) {
 
 // False when nothing may be imported.
 bool readLegacy(Frame& frame, Connection& connection, LegacyEvents& events) {
-    Recordset rows;
-    bool any = false;
-    frame.step([&] {
-        rows.open(
-            "SELECT PropName, PropVal, Key FROM Properties WHERE PropName = 'Source' OR "
-            "PropName = 'EventId' ORDER BY Key",
-            connection, platform::CursorType::staticCursor, platform::LockType::readOnly,
-            platform::CursorLocation::client);
-    });
-    frame.step([&] { any = rows.recordCount() >= 1; });
-    if (!any) {
+    Rows rows(frame, connection);
+    rows.openForReading(
+        "SELECT PropName, PropVal, Key FROM Properties WHERE PropName = 'Source' OR PropName = 'EventId' "
+        "ORDER BY Key");
+    if (rows.count() < 1) {
         tell(myLoadResString(1162), myLoadResString(1163), BoxIcon::none);
         return false;
     }
-    return frame.step([&] {
-        for (; !rows.EOF_(); rows.moveNext())
-            readRow(rows, events);
-    });
+    while (rows.next()) {
+        if (!frame.step([&] { readRow(rows.recordset(), events); }))
+            return false;
+    }
+    return true;
 }
 
 NewEvent importedEvent(const std::string& source, const std::string& id) {

@@ -6,14 +6,13 @@
 #include "core/classLog.h"
 #include "core/procedure.h"
 #include "core/state.h"
-#include "database/openRecordset.h"
+#include "database/rows.h"
 #include "platform/files/files.h"
 #include "platform/machine/host.h"
 
 using core::Frame;
 using core::gLog;
 using platform::Catalog;
-using platform::Recordset;
 using namespace RegistryAPI;
 
 namespace files = platform::files;
@@ -76,19 +75,21 @@ void dropPartialTable(Catalog& catalog, const std::string& tag) {
 // False when a row did not arrive whole, as when the disk is full, the service locks the file for too long,
 // or a source is longer than the new column.
 bool copyExclusions(Frame& frame) {
-    Recordset from;
-    Recordset to;
-    bool copied = frame.steps({core::Step([&] { from = openForReading("SELECT * FROM Exclusions"); }),
-                               core::Step([&] { to = openForWriting("SELECT * FROM ExclusionsNew"); })});
-    while (from.state() == platform::ObjectState::open && !from.EOF_()) {
-        copied = frame.steps({core::Step([&] { to.addNew(); }),
-                              core::Step([&] { to.set("EventSource", from.value("EventSource")); }),
-                              core::Step([&] { to.set("EventId", from.value("EventId")); }),
-                              core::Step([&] { to.update(); }), core::Step([&] { from.moveNext(); })}) &&
-                 copied;
+    Rows from(frame);
+    Rows to(frame);
+    from.openForReading("SELECT * FROM Exclusions");
+    to.openForAdding(exclusionsNew);
+    bool copied = from.allRan() && to.allRan();
+    while (from.next()) {
+        to.addNew();
+        to.copy("EventSource", from);
+        to.copy("EventId", from);
+        to.update();
+        copied = to.allRan() && copied;
     }
-    frame.step([&] { from.close(); });
-    frame.step([&] { to.close(); });
+    copied = from.allRan() && copied;
+    from.close();
+    to.close();
     return copied;
 }
 

@@ -7,12 +7,10 @@
 #include "core/classLog.h"
 #include "core/procedure.h"
 #include "database/devices.h"
-#include "database/openRecordset.h"
 #include "database/recipients.h"
+#include "database/rows.h"
 
 using core::Frame;
-using platform::CursorType;
-using platform::Recordset;
 
 namespace mdlDatabase {
 
@@ -49,40 +47,36 @@ bool sameNodeKey(std::string_view left, std::string_view right) {
 class Save {
   public:
     Save(Frame& frame, long recipientKey, std::string name)
-        : frame_(frame), recipientKey_(recipientKey), name_(std::move(name)) {}
+        : frame_(frame),
+          recipientKey_(recipientKey),
+          name_(std::move(name)),
+          devices_(frame),
+          newDevices_(frame),
+          sought_(frame) {}
 
     // False when the stored devices could not be read.
     bool open() {
-        const std::string key = std::to_string(recipientKey_);
-        const bool read = frame_.step([&] {
-            devices_ = openForWriting(
-                "SELECT DeviceRecipient.RecipientKey, Device.DeviceKey, Device.DeviceType, "
-                "Device.DeviceAddress, Device.DeviceActive "
-                "FROM Device INNER JOIN DeviceRecipient ON Device.DeviceKey = DeviceRecipient.DeviceKey "
-                "WHERE DeviceRecipient.RecipientKey = " +
-                    key,
-                CursorType::staticCursor);
-        });
-        frame_.step([&] { allDevices_ = openForWriting("SELECT * FROM Device", CursorType::staticCursor); });
+        const bool read = devices_.openForReading(
+            {"SELECT DeviceRecipient.RecipientKey, Device.DeviceKey, Device.DeviceType, "
+             "Device.DeviceAddress, Device.DeviceActive "
+             "FROM Device INNER JOIN DeviceRecipient ON Device.DeviceKey = DeviceRecipient.DeviceKey "
+             "WHERE DeviceRecipient.RecipientKey = ?",
+             {recipientKey_}});
+        newDevices_.openForAdding("Device");
         return read;
     }
     void close() {
-        frame_.step([&] { devices_.close(); });
-        frame_.step([&] { allDevices_.close(); });
+        devices_.close();
+        newDevices_.close();
     }
 
     // The recipient's first stored device of a kind.
     std::optional<StoredDevice> first(const DeviceKind& kind) {
-        return find([&] {
-            if (devices_.BOF_() && devices_.EOF_())
-                return;
-            devices_.moveFirst();
-            devices_.find(criterion(kind));
-        });
+        return devices_.find(criterion(kind)) ? present() : std::nullopt;
     }
     // The one after the present one.
     std::optional<StoredDevice> next(const DeviceKind& kind) {
-        return find([&] { devices_.find(criterion(kind), 1, devices_.bookmark()); });
+        return devices_.findNext(criterion(kind)) ? present() : std::nullopt;
     }
 
     // "Creating voicemail device for NAME (ADDRESS)"
@@ -98,28 +92,23 @@ class Save {
     }
 
     void create(const DeviceKind& kind, const std::string& address) {
-        const long key = createDevice(frame_, allDevices_, {kind.type, address, recipientKey_},
+        const long key = createDevice(frame_, newDevices_, {kind.type, address, recipientKey_},
                                       line("Creating", kind, address));
         if (key != 0)
             addToExistingEvents(recipientKey_, key);
     }
 
-    // Makes a stored device the present row of all devices.
+    // Makes a stored device the sought one; false when somebody else has deleted it.
     bool seek(long deviceKey) {
-        bool found = false;
-        frame_.step([&] {
-            allDevices_.moveFirst();
-            allDevices_.find("DeviceKey = " + std::to_string(deviceKey));
-            found = !allDevices_.EOF_();
-        });
-        return found;
+        return sought_.openForWriting({"SELECT * FROM Device WHERE DeviceKey = ?", {deviceKey}}) &&
+               sought_.hasRow();
     }
     // Switches the sought device on, with another address where one is given.
     void activateSought(const std::optional<std::string>& address) {
         if (address)
-            frame_.step([&] { allDevices_.set("DeviceAddress", *address); });
-        frame_.step([&] { allDevices_.set("DeviceActive", boolean(true)); });
-        frame_.step([&] { allDevices_.update(); });
+            sought_.set("DeviceAddress", *address);
+        sought_.set("DeviceActive", true);
+        sought_.update();
     }
 
     // Deletions of lists and switches come last, after everything else is written.
@@ -136,23 +125,23 @@ class Save {
     std::string opening(const char* doing, const DeviceKind& kind) const {
         return std::string(doing) + " " + kind.name + " device for " + name_;
     }
-    template <class Move>
-    std::optional<StoredDevice> find(Move&& move) {
-        std::optional<StoredDevice> found;
+    // The present row of the recipient's devices; nothing when it cannot be read.
+    std::optional<StoredDevice> present() {
+        std::optional<StoredDevice> device;
         frame_.step([&] {
-            move();
-            if (!devices_.EOF_())
-                found = {devices_.number("DeviceKey"), platform::valueText(devices_.value("DeviceAddress")),
-                         devices_.boolean("DeviceActive")};
+            const platform::Recordset& row = devices_.recordset();
+            device = {row.number("DeviceKey"), platform::valueText(row.value("DeviceAddress")),
+                      row.boolean("DeviceActive")};
         });
-        return found;
+        return device;
     }
 
     Frame& frame_;
     long recipientKey_;
     std::string name_;
-    Recordset devices_;     // the recipient's
-    Recordset allDevices_;  // everybody's: rows are added and changed here
+    Rows devices_;     // the recipient's
+    Rows newDevices_;  // everybody's, for adding
+    Rows sought_;      // the one that is changed
     std::vector<long> toDelete_;
 };
 
@@ -221,15 +210,10 @@ void saveSwitch(Save& save, const DeviceKind& kind, bool on, const std::string& 
 
 void modifyRecipient(long recipientKey, const RecipientRecord& record) {
     core::procedure("mdlDatabase", "modifyRecipient", [&](Frame& frame) {
-        Recordset recipient;
-        bool missing = false;
-        frame.step([&] {
-            recipient =
-                openForWriting("SELECT RecipientName, RecipientActive FROM Recipients WHERE RecipientKey = " +
-                                   std::to_string(recipientKey),
-                               CursorType::staticCursor);
-        });
-        frame.step([&] { missing = recipient.EOF_(); });
+        Rows recipient(frame);
+        recipient.openForWriting(
+            {"SELECT RecipientName, RecipientActive FROM Recipients WHERE RecipientKey = ?", {recipientKey}});
+        const bool missing = recipient.atEnd();
         Save save(frame, recipientKey, record.name);
         const bool devicesRead = save.open();
         if (missing) {
@@ -239,9 +223,9 @@ void modifyRecipient(long recipientKey, const RecipientRecord& record) {
             return;
         }
         // The check box's number goes in as it is; the column reads 1 and 0 as true and false.
-        frame.step([&] { recipient.set("RecipientName", record.name); });
-        frame.step([&] { recipient.set("RecipientActive", std::int64_t{record.active}); });
-        frame.step([&] { recipient.update(); });
+        recipient.set("RecipientName", record.name);
+        recipient.set("RecipientActive", record.active);
+        recipient.update();
         // Whoever does not know what is stored would store it a second time.
         if (!devicesRead)
             return;
@@ -253,7 +237,7 @@ void modifyRecipient(long recipientKey, const RecipientRecord& record) {
         saveSwitch(save, syslogKind, record.syslogEnabled == 1, record.syslogHostAddress);
         saveSwitch(save, failoverKind, record.failoverEnabled == 1, failoverAddress);
         save.deleteCollected();
-        frame.step([&] { recipient.close(); });
+        recipient.close();
         save.close();
     });
 }

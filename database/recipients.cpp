@@ -10,7 +10,7 @@
 
 using core::Frame;
 using modLocalize::myLoadResString;
-using platform::ObjectState;
+using platform::Query;
 using platform::Recordset;
 
 namespace mdlDatabase {
@@ -19,9 +19,9 @@ namespace {
 
 constexpr char module[] = "mdlDatabase";
 
-std::string recipientQuery(std::string_view columns, long recipientKey) {
-    return "SELECT " + std::string(columns) +
-           " FROM Recipients WHERE RecipientKey = " + std::to_string(recipientKey);
+// The statement with the columns in their place.
+Query recipientQuery(std::string_view columns, long recipientKey) {
+    return {"SELECT " + std::string(columns) + " FROM Recipients WHERE RecipientKey = ?", {recipientKey}};
 }
 
 // The devices of a record, in the order in which they are created.
@@ -45,16 +45,14 @@ std::vector<NewDevice> devicesOf(const RecipientRecord& record, long recipientKe
 
 // Deletes every device of a recipient; one that fails does not keep the others. True when none is left.
 bool deleteDevicesOf(Frame& frame, long recipientKey) {
-    Recordset links;
-    bool gone = frame.step([&] {
-        links = openForReading("SELECT DeviceKey FROM DeviceRecipient WHERE RecipientKey = " +
-                               std::to_string(recipientKey));
-    });
-    while (links.state() == ObjectState::open && !links.EOF_()) {
-        frame.step([&] { gone = deleteDevice(links.number("DeviceKey")) && gone; });
-        frame.step([&] { links.moveNext(); });
+    Rows links(frame);
+    bool gone = links.openForReading(
+        {"SELECT DeviceKey FROM DeviceRecipient WHERE RecipientKey = ?", {recipientKey}});
+    while (links.next()) {
+        if (const long key = links.number("DeviceKey", -1L); key != -1)
+            gone = deleteDevice(key) && gone;
     }
-    frame.step([&] { links.close(); });
+    links.close();
     return gone;
 }
 
@@ -70,14 +68,14 @@ Recordset getRecipients() {
 
 Recordset openRecipientWithDevices(long recipientKey) {
     return openForReading(
-        "SELECT Recipients.RecipientKey, Recipients.RecipientName, Recipients.RecipientActive, "
-        "Device.DeviceKey, Device.DeviceType, Device.DeviceAddress, Device.DeviceActive, "
-        "AddressDetails.DisplayName, AddressDetails.AddressType "
-        "FROM (Recipients INNER JOIN (Device INNER JOIN DeviceRecipient ON Device.DeviceKey = "
-        "DeviceRecipient.DeviceKey) ON Recipients.RecipientKey = DeviceRecipient.RecipientKey) "
-        "INNER JOIN AddressDetails ON Device.DeviceKey = AddressDetails.DeviceKey "
-        "Where Recipients.RecipientKey = " +
-        std::to_string(recipientKey));
+        {"SELECT Recipients.RecipientKey, Recipients.RecipientName, Recipients.RecipientActive, "
+         "Device.DeviceKey, Device.DeviceType, Device.DeviceAddress, Device.DeviceActive, "
+         "AddressDetails.DisplayName, AddressDetails.AddressType "
+         "FROM (Recipients INNER JOIN (Device INNER JOIN DeviceRecipient ON Device.DeviceKey = "
+         "DeviceRecipient.DeviceKey) ON Recipients.RecipientKey = DeviceRecipient.RecipientKey) "
+         "INNER JOIN AddressDetails ON Device.DeviceKey = AddressDetails.DeviceKey "
+         "Where Recipients.RecipientKey = ?",
+         {recipientKey}});
 }
 
 Recordset openRecipientAlone(long recipientKey) {
@@ -86,76 +84,71 @@ Recordset openRecipientAlone(long recipientKey) {
 
 Recordset openEventsForRecipient(long recipientKey) {
     return openForReading(
-        "SELECT DISTINCT Recipients.RecipientKey, Events.EventSource, Events.EventID, Events.EventTitle, "
-        "Events.EventKey "
-        "FROM Events INNER JOIN ((Device INNER JOIN (Recipients INNER JOIN DeviceRecipient ON "
-        "Recipients.RecipientKey = DeviceRecipient.RecipientKey) ON Device.DeviceKey = "
-        "DeviceRecipient.DeviceKey) "
-        "INNER JOIN EventDevice ON Device.DeviceKey = EventDevice.DeviceKey) ON Events.EventKey = "
-        "EventDevice.EventKey "
-        "WHERE Recipients.RecipientKey = " +
-        std::to_string(recipientKey));
+        {"SELECT DISTINCT Recipients.RecipientKey, Events.EventSource, Events.EventID, Events.EventTitle, "
+         "Events.EventKey "
+         "FROM Events INNER JOIN ((Device INNER JOIN (Recipients INNER JOIN DeviceRecipient ON "
+         "Recipients.RecipientKey = DeviceRecipient.RecipientKey) ON Device.DeviceKey = "
+         "DeviceRecipient.DeviceKey) "
+         "INNER JOIN EventDevice ON Device.DeviceKey = EventDevice.DeviceKey) ON Events.EventKey = "
+         "EventDevice.EventKey "
+         "WHERE Recipients.RecipientKey = ?",
+         {recipientKey}});
 }
 
 long countRecipients() {
     return core::procedure(module, "countRecipients", 0L, [&](Frame& frame, long& count) {
-        Recordset rows;
-        frame.step([&] { rows = openForReading("SELECT RecipientKey FROM Recipients"); });
-        frame.step([&] { count = rows.recordCount(); });
-        frame.step([&] { rows.close(); });
+        Rows rows(frame);
+        rows.openForReading("SELECT RecipientKey FROM Recipients");
+        count = rows.count();
+        rows.close();
     });
 }
 
 long addNewRecipient(const RecipientRecord& record) {
     return core::procedure(module, "addNewRecipient", 0L, [&](Frame& frame, long& result) {
-        Recordset recipients;
-        frame.step([&] { recipients = openForWriting("SELECT * FROM Recipients"); });
-        const bool written =
-            frame.steps({core::Step([&] { recipients.addNew(); }),
-                         core::Step([&] { recipients.set("RecipientName", record.name); }),
-                         core::Step([&] { recipients.set("RecipientActive", boolean(true)); })}) &&
-            frame.step([&] { recipients.update(); });
-        frame.step([&] { recipients.close(); });
+        Rows recipients(frame);
+        recipients.openForAdding("Recipients");
+        recipients.addNew();
+        recipients.set("RecipientName", record.name);
+        recipients.set("RecipientActive", true);
+        const bool written = recipients.allRan() && recipients.update();
+        recipients.close();
         // The highest key is this recipient's only if he was written.
         if (written)
             result = getLastKey("Recipients", "RecipientKey");
         if (result == 0)
             return;
-        Recordset devices;
-        frame.step([&] { devices = openForWriting("SELECT * FROM Device"); });
+        Rows devices(frame);
+        devices.openForAdding("Device");
         for (const NewDevice& device : devicesOf(record, result))
             createDevice(frame, devices, device);
-        frame.step([&] { devices.close(); });
+        devices.close();
     });
 }
 
 bool deleteRecipient(long recipientKey) {
     return core::procedure(module, "deleteRecipient", false, [&](Frame& frame, bool& deleted) {
-        Recordset row = getRecipient(recipientKey);
-        std::string name;
-        frame.step([&] { name = row.text("RecipientName"); });
+        Rows row(frame, getRecipient(recipientKey));
+        const std::string name = row.text("RecipientName");
         if (!confirmed(myLoadResString(1250) + name, myLoadResString(1251)))
             return;
         core::gLog().log("Deleting recipient: " + name + " Key: " + std::to_string(recipientKey),
                          core::logVersionInfo, frame.tag());
-        frame.step([&] {
-            if (row.state() == ObjectState::open)
-                row.close();
-        });
+        if (row.isOpen())
+            row.close();
         // The recipient goes last, and not while he has a device: it would have no owner.
         deleted = deleteDevicesOf(frame, recipientKey) &&
-                  frame.step([&] { deleteRows("Recipients", "RecipientKey", recipientKey); });
+                  execute(frame, {"DELETE FROM Recipients WHERE RecipientKey = ?", {recipientKey}});
     });
 }
 
 void setRecipientActiveState(long recipientKey, bool active) {
     core::procedure(module, "setRecipientActiveState", [&](Frame& frame) {
-        Recordset row;
-        frame.step(
-            [&] { row = openForWriting(recipientQuery("RecipientKey, RecipientActive", recipientKey)); });
-        frame.step([&] { row.set("RecipientActive", boolean(active)); });
-        frame.step([&] { row.update(); });
-        frame.step([&] { row.close(); });
+        Rows row(frame);
+        row.openForWriting(recipientQuery("RecipientKey, RecipientActive", recipientKey));
+        row.set("RecipientActive", active);
+        row.update();
+        row.close();
     });
 }
 
@@ -166,31 +159,26 @@ bool isRecipientActive(long recipientKey) {
 
 bool invalidRecipientDevices(long recipientKey) {
     return core::procedure(module, "invalidRecipientDevices", false, [&](Frame& frame, bool& invalid) {
-        Recordset rows;
-        frame.step([&] {
-            rows = openForReading(
-                "SELECT AddressDetails.AddressType FROM DeviceRecipient INNER JOIN AddressDetails ON "
-                "DeviceRecipient.DeviceKey = AddressDetails.DeviceKey WHERE AddressDetails.AddressType "
-                "= 0 AND DeviceRecipient.RecipientKey = " +
-                std::to_string(recipientKey));
-        });
-        frame.step([&] { invalid = rows.recordCount() >= 1; });
-        frame.step([&] { rows.close(); });
+        Rows rows(frame);
+        rows.openForReading(
+            {"SELECT AddressDetails.AddressType FROM DeviceRecipient INNER JOIN AddressDetails ON "
+             "DeviceRecipient.DeviceKey = AddressDetails.DeviceKey WHERE AddressDetails.AddressType = 0 AND "
+             "DeviceRecipient.RecipientKey = ?",
+             {recipientKey}});
+        invalid = rows.count() >= 1;
+        rows.close();
     });
 }
 
 std::set<long> recipientsWithInvalidDevices() {
     return core::procedure(module, "recipientsWithInvalidDevices", std::set<long>(),
                            [&](Frame& frame, std::set<long>& keys) {
-        frame.step([&] {
-            Recordset rows = openForReading(
-                "SELECT DISTINCT DeviceRecipient.RecipientKey FROM DeviceRecipient INNER JOIN "
-                "AddressDetails ON DeviceRecipient.DeviceKey = AddressDetails.DeviceKey WHERE "
-                "AddressDetails.AddressType = 0");
-            for (; !rows.EOF_(); rows.moveNext())
-                keys.insert(rows.number("RecipientKey"));
-            rows.close();
-        });
+        Rows rows(frame);
+        rows.openForReading(
+            "SELECT DISTINCT DeviceRecipient.RecipientKey FROM DeviceRecipient INNER JOIN AddressDetails ON "
+            "DeviceRecipient.DeviceKey = AddressDetails.DeviceKey WHERE AddressDetails.AddressType = 0");
+        while (rows.next())
+            keys.insert(rows.number("RecipientKey"));
     });
 }
 

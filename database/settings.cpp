@@ -2,11 +2,10 @@
 
 #include "core/modLocalize.h"
 #include "core/procedure.h"
-#include "database/openRecordset.h"
+#include "database/rows.h"
 
 using core::Frame;
 using modLocalize::myLoadResString;
-using platform::Recordset;
 
 namespace mdlDatabase {
 
@@ -40,28 +39,22 @@ std::string settingQuery(std::string_view columns, std::string_view settingName)
 
 long getLastKey(std::string_view tableName, std::string_view keyField) {
     return core::procedure(module, "getLastKey", 0L, [&](Frame& frame, long& key) {
-        Recordset row;
-        frame.step([&] {
-            row = openForReading("SELECT Max(" + std::string(keyField) + ") AS MaxKey FROM " +
-                                 std::string(tableName));
-        });
-        frame.step([&] { key = row.number("MaxKey"); });
-        frame.step([&] { row.close(); });
+        Rows row(frame);
+        row.openForReading("SELECT Max(" + std::string(keyField) + ") AS MaxKey FROM " +
+                           std::string(tableName));
+        key = row.number("MaxKey");
+        row.close();
     });
 }
 
 std::optional<std::string> readConfigurationSetting(std::string_view settingName) {
     return core::procedure(module, "getConfigurationSetting", std::optional<std::string>(),
                            [&](Frame& frame, std::optional<std::string>& value) {
-        Recordset row;
-        if (!frame.step([&] { row = openForReading(settingQuery("Value", settingName)); }))
+        Rows row(frame);
+        if (!row.openForReading(settingQuery("Value", settingName)))
             return;
-        value.emplace();
-        frame.step([&] {
-            if (!row.EOF_())
-                value = row.text("Value");
-        });
-        frame.step([&] { row.close(); });
+        value = row.hasRow() ? row.text("Value") : std::string();
+        row.close();
     });
 }
 
@@ -71,17 +64,15 @@ std::string getConfigurationSetting(std::string_view settingName) {
 
 void setConfigurationSetting(std::string_view settingName, std::string_view value) {
     core::procedure(module, "setConfigurationSetting", [&](Frame& frame) {
-        Recordset row;
-        frame.step([&] { row = openForWriting(settingQuery("*", settingName)); });
-        frame.step([&] {
-            if (row.EOF_()) {
-                row.addNew();
-                row.set("Setting", std::string(settingName));
-            }
-        });
-        frame.step([&] { row.set("Value", std::string(value)); });
-        frame.step([&] { row.update(); });
-        frame.step([&] { row.close(); });
+        Rows row(frame);
+        row.openForWriting(settingQuery("*", settingName));
+        if (row.atEnd()) {
+            row.addNew();
+            row.set("Setting", std::string(settingName));
+        }
+        row.set("Value", std::string(value));
+        row.update();
+        row.close();
     });
 }
 

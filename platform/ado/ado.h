@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -37,6 +38,21 @@ class OdbcServer;
 class RowSource;
 class StatementCache;
 }  // namespace ado
+
+// A statement, and the whole numbers that its "?" stand for, one for each in their order: with another count
+// it does not run (-2147217904, on the directory -2147217900). A failure shows the statement with its
+// numbers.
+struct Query {
+    Query(std::string statement, std::vector<std::int64_t> values = {})
+        : text(std::move(statement)), numbers(std::move(values)) {}
+    Query(std::string_view statement, std::vector<std::int64_t> values = {})
+        : Query(std::string(statement), std::move(values)) {}
+    Query(const char* statement, std::vector<std::int64_t> values = {})
+        : Query(std::string(statement), std::move(values)) {}
+
+    std::string text;
+    std::vector<std::int64_t> numbers;
+};
 
 // A value as text, as people read it: nothing for Null, integers and reals in decimal.
 std::string valueText(const Value& value);
@@ -98,13 +114,13 @@ class Recordset {
     Recordset(Recordset&&) noexcept;
     Recordset& operator=(Recordset&&) noexcept;
 
-    // Runs `source`, a SELECT, or a statement without rows, which runs here and leaves the recordset
-    // closed. A writable recordset needs a SELECT of one table's columns; any other SELECT opens read-only.
-    // Client, static and keyset cursors read all rows now, writable ones on a large result when a row is
-    // first asked for (a row that find finds by its key from the first row on is read alone); a forward-only,
-    // read-only one on the server steps the statement in blocks. Raises 3705 when open, 3709 on a closed
-    // connection, and the numbers of failure.h for a statement that fails.
-    void open(std::string_view source, Connection& connection, CursorType cursor = CursorType::forwardOnly,
+    // Runs `source`, a SELECT, or a statement without rows, which runs here and leaves the recordset closed.
+    // A writable recordset needs a SELECT of one table's columns; any other SELECT opens read-only. Client,
+    // static and keyset cursors read all rows now, writable ones on a large result when a row is first asked
+    // for (a row that find finds by its key from the first row on is read alone); a forward-only, read-only
+    // one on the server steps the statement in blocks. Raises 3705 when open, 3709 on a closed connection,
+    // and the numbers of failure.h for a statement that fails.
+    void open(const Query& source, Connection& connection, CursorType cursor = CursorType::forwardOnly,
               LockType lock = LockType::readOnly, CursorLocation location = CursorLocation::server);
     // Raises 3704 when closed already. Drops what a batch collected.
     void close();
@@ -160,7 +176,7 @@ class Recordset {
 };
 
 // Runs one statement without rows (DELETE, as the source of a recordset open).
-void execute(std::string_view statement, Connection& connection);
+void execute(const Query& statement, Connection& connection);
 
 // Schema of an open connection: count, create, rename and drop tables.
 class Catalog {

@@ -303,9 +303,9 @@ Failure engineFailure(const Connection& connection, int code, std::string_view s
                     connection.isDirectory(), statement);
 }
 
-std::unique_ptr<ado::RowSource> ado::openRows(const Connection& connection, std::string_view source) {
+std::unique_ptr<ado::RowSource> ado::openRows(const Connection& connection, const Query& source) {
     if (connection.server())
-        return openServerRows(connection.server(), source);
+        return openServerRows(connection.server(), spelledOut(source));
     connection.handle();
     auto statement = std::make_unique<Statement>(prepareSource(connection, source));
     if (sqlite3_column_count(statement->get()) > 0)
@@ -314,7 +314,7 @@ std::unique_ptr<ado::RowSource> ado::openRows(const Connection& connection, std:
     return nullptr;
 }
 
-void execute(std::string_view statement, Connection& connection) {
+void execute(const Query& statement, Connection& connection) {
     const std::unique_ptr<ado::RowSource> rows = ado::openRows(connection, statement);
     while (rows && rows->step()) {
     }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "platform/ado/ado.h"
 #include "platform/machine/clock.h"
@@ -22,42 +21,12 @@ bool isDigit(char c) noexcept {
 bool isHexDigit(char c) noexcept {
     return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
-// Looked up, because every statement is read character by character before it runs.
-constexpr std::array<bool, 256> wordCharacters = [] {
-    std::array<bool, 256> table{};
-    for (std::size_t c = 0; c < table.size(); ++c)
-        table[c] = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' ||
-                   c == '$' || c >= 0x80;
-    return table;
-}();
 bool isWordCharacter(char c) noexcept {
-    return wordCharacters[static_cast<unsigned char>(c)];
+    return isDigit(c) || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == '$' ||
+           static_cast<unsigned char>(c) >= 0x80;
 }
 char lower(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-// True for a statement of words, whole numbers and signs alone, as nearly all are: it holds no literal in
-// quotes or signs, no quoted name, comment or parameter, and not a second statement.
-bool isPlain(std::string_view statement) noexcept {
-    enum Kind : unsigned char { sign, word, digit, other };
-    static constexpr std::array<Kind, 256> kinds = [] {
-        std::array<Kind, 256> table{};
-        for (std::size_t c = 0; c < table.size(); ++c)
-            table[c] = c >= '0' && c <= '9' ? digit : wordCharacters[c] ? word : sign;
-        for (const char c : {'\0', '\'', '"', '`', '[', '#', ';', '-', '/', '?', ':', '@', '$'})
-            table[static_cast<unsigned char>(c)] = other;
-        return table;
-    }();
-    Kind before = sign;
-    for (const char c : statement) {
-        const Kind kind = kinds[static_cast<unsigned char>(c)];
-        // A word that begins with a digit is a number as long as it has nothing but digits.
-        if (kind == other || (kind == word && before == digit))
-            return false;
-        before = kind == digit && before == word ? word : kind;
-    }
-    return true;
 }
 
 // 12, 0x1F, 5e3 and the 5e of 5e-3.
@@ -200,97 +169,17 @@ std::string withRowId(std::string_view translated, std::string_view idColumn) {
     return done ? result : std::string();
 }
 
-namespace {
-
-// What ends a condition, or may. Columns are named, grouped and sorted by their expressions as written, so
-// the numbers there have to stay.
-bool endsCondition(std::string_view word) {
-    static constexpr std::array<std::string_view, 5> words{"SELECT", "GROUP", "HAVING", "ORDER", "RETURNING"};
-    return std::any_of(words.begin(), words.end(),
-                       [&](std::string_view each) { return equalsIgnoringCase(word, each); });
-}
-
-constexpr std::size_t safeDigits = 18;
-
-bool isWholeNumber(std::string_view word) {
-    return word.size() <= safeDigits && std::all_of(word.begin(), word.end(), isDigit);
-}
-
-// withNumbersTaken of a plain statement. Its words and signs are all there is, so one look at each
-// character does.
-std::string numbersTakenFromPlain(std::string_view plain, std::vector<std::int64_t>& numbers) {
+std::string spelledOut(const Query& query) {
     std::string result;
-    result.reserve(plain.size());
-    std::size_t copied = 0;
-    int depth = 0;
-    bool condition = false;
-    bool compared = false;
-    for (std::size_t i = 0; i < plain.size();) {
-        const char first = plain[i];
-        const std::size_t start = i++;
-        if (!isWordCharacter(first)) {
-            depth += first == '(' ? 1 : first == ')' ? -1 : 0;
-            if (!isBlank(first))
-                compared = first == '=' || first == '>';
-            continue;
-        }
-        while (i < plain.size() && isWordCharacter(plain[i]))
-            ++i;
-        const std::string_view word = plain.substr(start, i - start);
-        if (compared && condition && isWholeNumber(word) && (i == plain.size() || plain[i] != '.')) {
-            std::int64_t number = 0;
-            std::from_chars(word.data(), word.data() + word.size(), number);
-            numbers.push_back(number);
-            result.append(plain, copied, start - copied).append(1, '?');
-            copied = i;
-        }
-        condition = condition ? !endsCondition(word) : depth == 0 && equalsIgnoringCase(word, "WHERE");
-        compared = false;
-    }
-    return result.append(plain, copied);
-}
-
-}  // namespace
-
-std::string withNumbersTaken(std::string_view translated, std::vector<std::int64_t>& numbers) {
-    if (isPlain(translated))
-        return numbersTakenFromPlain(translated, numbers);
-    const char* const end = translated.data() + translated.size();
-    const auto isWhole = [&](const Token& token) {
-        const char* const after = token.text.data() + token.text.size();
-        return token.kind == TokenKind::word && isWholeNumber(token.text) && (after == end || *after != '.');
-    };
-    std::string result;
-    result.reserve(translated.size());
-    const char* copied = translated.data();
-    bool condition = false;
-    bool compared = false;
-    int depth = 0;
-    Lexer lexer(translated);
+    std::size_t number = 0;
+    Lexer lexer(query.text);
     for (Token token{}; lexer.next(token);) {
-        const char first = token.text[0];
-        if (token.text == "(")
-            ++depth;
-        else if (token.text == ")")
-            --depth;
-        else if (token.kind == TokenKind::word)
-            condition = condition ? !endsCondition(token.text)
-                                  : depth == 0 && equalsIgnoringCase(token.text, "WHERE");
-        if (token.kind == TokenKind::word && (first == '?' || first == ':' || first == '@' || first == '$')) {
-            numbers.clear();
-            return std::string(translated);
-        }
-        if (condition && compared && isWhole(token)) {
-            std::int64_t number = 0;
-            std::from_chars(token.text.data(), token.text.data() + token.text.size(), number);
-            numbers.push_back(number);
-            result.append(copied, token.text.data()).append(1, '?');
-            copied = token.text.data() + token.text.size();
-        }
-        if (token.kind != TokenKind::blank)
-            compared = token.text == "=" || token.text == ">";
+        if (token.text == "?" && number < query.numbers.size())
+            result += std::to_string(query.numbers[number++]);
+        else
+            result += token.text;
     }
-    return result.append(copied, end);
+    return result;
 }
 
 }  // namespace ado
@@ -311,8 +200,6 @@ std::string dateLiteral(std::string_view literal, std::string_view statement) {
 }  // namespace
 
 std::string translateStatement(std::string_view statement) {
-    if (ado::isPlain(statement))
-        return std::string(statement);
     if (statement.find('\0') != std::string_view::npos)
         refuse("zero character in the statement", statement.substr(0, statement.find('\0')));
     std::string result;

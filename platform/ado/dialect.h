@@ -3,10 +3,10 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "platform/ado/ado.h"
 
 namespace platform::ado {
 
@@ -45,9 +45,7 @@ bool nothingToRun(std::string_view rest);
 // rows are not rows of one table (DISTINCT, GROUP BY, joins, compounds).
 std::string withRowId(std::string_view translated, std::string_view idColumn);
 
-// The statement with the whole numbers that its WHERE compares by "=" or ">", up to a SELECT inside it,
-// replaced by parameters, and the numbers in their order. Elsewhere they stay: a column's name is its text. A
-// statement with parameters of its own stays as it is.
-std::string withNumbersTaken(std::string_view translated, std::vector<std::int64_t>& numbers);
+// The statement as a reader wants it, with each number in the place of its "?".
+std::string spelledOut(const Query& query);
 
 }  // namespace platform::ado

@@ -52,8 +52,8 @@ auto& opened(const ImplPointer& impl) {
 
 }  // namespace
 
-Recordset::Impl::Impl(std::string_view statement, Connection& owner, std::unique_ptr<ado::RowSource> opened)
-    : connection(owner), source(statement), select(std::move(opened)) {
+Recordset::Impl::Impl(Query statement, Connection& owner, std::unique_ptr<ado::RowSource> opened)
+    : connection(owner), source(std::move(statement)), select(std::move(opened)) {
     for (std::string& name : select->fieldNames()) {
         ado::Field field;
         field.name = std::move(name);
@@ -65,12 +65,13 @@ Recordset::Impl::Impl(std::string_view statement, Connection& owner, std::unique
 // A recordset is writable when each of its columns is a column of one and the same table. Otherwise it
 // stays as it is, readable.
 void Recordset::Impl::makeWritable() {
-    const std::string text = ado::withRowId(translateStatement(source), idColumn);
+    const std::string text = ado::withRowId(translateStatement(source.text), idColumn);
     if (text.empty())
         return;
     ado::Statement withId;
     try {
         withId = ado::Statement(connection, text, source);
+        withId.bindNumbers();
     } catch (const Failure&) {
         return;  // a view or a join has no row id, and a server is only read
     }
@@ -144,7 +145,9 @@ void Recordset::Impl::readRows(std::size_t limit) {
         const bool found = select->step();
         // Only the first step of a run can find out that the statement has to be prepared anew.
         if (count == 0 && columnsChanged())
-            throw Failure(providerError, "columns have changed since [" + source + "] was opened", "SQLite");
+            throw Failure(providerError,
+                          "columns have changed since [" + ado::spelledOut(source) + "] was opened",
+                          "SQLite");
         if (!found) {
             complete = true;
             return;
@@ -234,11 +237,13 @@ bool Recordset::Impl::seek(const Criterion& criterion) {
         unplaced = false;
         return true;
     }
+    Query oneRow = source;
+    oneRow.numbers.push_back(id);
     ado::Statement query(connection,
-                         "SELECT * FROM (" + ado::withRowId(translateStatement(source), idColumn) +
+                         "SELECT * FROM (" + ado::withRowId(translateStatement(source.text), idColumn) +
                              ") WHERE " + ado::quotedName(idColumn) + " = ?",
-                         source);
-    query.bind(1, id);
+                         oneRow);
+    query.bindNumbers();
     if (!query.step() || query.preparedAnew())
         return false;
     soughtValues.resize(fields.size());
@@ -339,7 +344,7 @@ Recordset::Recordset(Recordset&&) noexcept = default;
 Recordset& Recordset::operator=(Recordset&&) noexcept = default;
 
 // Nothing for a statement without rows, which runs here.
-std::unique_ptr<Recordset::Impl> Recordset::Impl::prepare(std::string_view source, Connection& connection,
+std::unique_ptr<Recordset::Impl> Recordset::Impl::prepare(const Query& source, Connection& connection,
                                                           CursorType cursor, LockType lock,
                                                           CursorLocation location) {
     std::unique_ptr<ado::RowSource> selected = ado::openRows(connection, source);
@@ -356,7 +361,7 @@ std::unique_ptr<Recordset::Impl> Recordset::Impl::prepare(std::string_view sourc
     return impl;
 }
 
-void Recordset::open(std::string_view source, Connection& connection, CursorType cursor, LockType lock,
+void Recordset::open(const Query& source, Connection& connection, CursorType cursor, LockType lock,
                      CursorLocation location) {
     if (impl_)
         throw makeFailure(objectOpen);

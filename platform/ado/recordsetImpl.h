@@ -53,7 +53,7 @@ inline bool isSame(std::string_view left, std::string_view right) noexcept {
 using Edits = std::vector<std::optional<Value>>;
 
 struct Recordset::Impl {
-    Impl(std::string_view statement, Connection& owner, std::unique_ptr<ado::RowSource> opened);
+    Impl(Query statement, Connection& owner, std::unique_ptr<ado::RowSource> opened);
 
     struct Row {
         ado::Cell* values = nullptr;     // of the fields, in one of the blocks of `cells`
@@ -77,7 +77,7 @@ struct Recordset::Impl {
     };
 
     // Reading
-    static std::unique_ptr<Impl> prepare(std::string_view source, Connection& connection, CursorType cursor,
+    static std::unique_ptr<Impl> prepare(const Query& source, Connection& connection, CursorType cursor,
                                          LockType lock, CursorLocation location);
     bool columnsChanged() const;
     void makeWritable();
@@ -130,7 +130,7 @@ struct Recordset::Impl {
 
     Connection& connection;
     sqlite3* engine = nullptr;  // of a writable one, the handle at open: opened anew, it is another one
-    std::string source;
+    Query source;
     std::unique_ptr<ado::RowSource> select;
     std::vector<ado::Field> fields;
     std::string table;

@@ -32,6 +32,6 @@ class RowSource {
 
 // Runs a caller's statement on an open connection as far as its first row; nothing for a statement without
 // rows, which has run. Raises 3709 on a closed connection and what the engine or the server says.
-std::unique_ptr<RowSource> openRows(const Connection& connection, std::string_view source);
+std::unique_ptr<RowSource> openRows(const Connection& connection, const Query& source);
 
 }  // namespace platform::ado

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <limits>
+#include <utility>
 
 #include "platform/ado/dialect.h"
 
@@ -60,13 +61,13 @@ void StatementCache::close() noexcept {
     clear();
 }
 
-Statement::Statement(const Connection& connection, std::string_view text, std::string_view source)
-    : connection_(&connection), source_(source) {
+Statement::Statement(const Connection& connection, std::string_view text, Query source)
+    : connection_(&connection), source_(std::move(source)) {
     connection.handle();
     if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
         throw engineFailure(connection, SQLITE_TOOBIG, {});
     if (worthKeeping(text)) {
-        text_ = withNumbersTaken(text, numbers_);
+        text_ = text;
         cache_ = connection.statements();
         if (const auto cache = cache_.lock())
             statement_ = cache->take(text_);
@@ -75,8 +76,6 @@ Statement::Statement(const Connection& connection, std::string_view text, std::s
     } else {
         prepare(text);
     }
-    for (std::size_t i = 0; i < numbers_.size(); ++i)
-        check(sqlite3_bind_int64(statement_.get(), static_cast<int>(i) + 1, numbers_[i]));
 }
 
 Statement::~Statement() {
@@ -89,7 +88,6 @@ Statement& Statement::operator=(Statement&& other) noexcept {
         connection_ = other.connection_;
         source_ = std::move(other.source_);
         text_ = std::move(other.text_);
-        numbers_ = std::move(other.numbers_);
         statement_ = std::move(other.statement_);
         cache_ = std::move(other.cache_);
     }
@@ -105,9 +103,9 @@ void Statement::prepare(std::string_view text) {
     statement_.reset(prepared);
     check(code);
     if (!prepared)
-        throw Failure(statementFailed, "no statement [" + source_ + "]", "SQLite");
+        throw Failure(statementFailed, "no statement [" + spelledOut(source_) + "]", "SQLite");
     if (!nothingToRun(text.substr(static_cast<std::size_t>(tail - text.data()))))
-        throw Failure(statementFailed, "more than one statement [" + source_ + "]", "SQLite");
+        throw Failure(statementFailed, "more than one statement [" + spelledOut(source_) + "]", "SQLite");
 }
 
 void Statement::giveBack() noexcept {
@@ -119,17 +117,26 @@ void Statement::giveBack() noexcept {
     statement_.reset();
 }
 
-int Statement::parameterCount() const noexcept {
-    return sqlite3_bind_parameter_count(statement_.get()) - static_cast<int>(numbers_.size());
-}
-
 bool Statement::preparedAnew() const noexcept {
     return sqlite3_stmt_status(statement_.get(), SQLITE_STMTSTATUS_REPREPARE, 0) > 0;
 }
 
 void Statement::check(int code) const {
     if (code != SQLITE_OK)
-        throw engineFailure(*connection_, code, source_);
+        throw engineFailure(*connection_, code, spelledOut(source_));
+}
+
+void Statement::bindNumbers() {
+    const std::vector<std::int64_t>& numbers = source_.numbers;
+    const auto parameters = static_cast<std::size_t>(sqlite3_bind_parameter_count(statement_.get()));
+    if (parameters != numbers.size())
+        throw Failure(connection_->isDirectory() ? statementFailed : columnMissing,
+                      std::string(parameters > numbers.size() ? "no value given for a parameter ["
+                                                              : "no parameter for a value given [") +
+                          spelledOut(source_) + "]",
+                      "SQLite");
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        check(sqlite3_bind_int64(statement_.get(), static_cast<int>(i) + 1, numbers[i]));
 }
 
 void Statement::bind(int parameter, const Value& value) {
@@ -162,7 +169,7 @@ bool Statement::step() {
         reset();
         return false;
     }
-    const Failure failure = engineFailure(*connection_, code, source_);
+    const Failure failure = engineFailure(*connection_, code, spelledOut(source_));
     reset();
     throw failure;
 }
@@ -195,11 +202,9 @@ void Statement::row(std::span<Cell> cells, Texts& texts) const {
     }
 }
 
-Statement prepareSource(const Connection& connection, std::string_view source) {
-    Statement statement(connection, translateStatement(source), source);
-    if (statement.parameterCount() > 0)
-        throw Failure(connection.isDirectory() ? statementFailed : columnMissing,
-                      "no value given for a parameter [" + std::string(source) + "]", "SQLite");
+Statement prepareSource(const Connection& connection, const Query& source) {
+    Statement statement(connection, translateStatement(source.text), source);
+    statement.bindNumbers();
     return statement;
 }
 

@@ -52,14 +52,13 @@ class StatementCache {
     bool closed_ = false;
 };
 
-// A statement prepared on an open connection, or taken from its cache. `source` is the text that failures
-// name. A number that is compared with is a parameter to the engine, so that statements that differ in
-// nothing else share one.
+// A statement prepared on an open connection, or taken from its cache. `text` is what the engine runs,
+// `source` what failures name.
 class Statement : public RowSource {
   public:
     Statement() = default;
     // Raises -2147217900 when `text` holds no statement or more than one, and what the engine says.
-    Statement(const Connection& connection, std::string_view text, std::string_view source);
+    Statement(const Connection& connection, std::string_view text, Query source);
     ~Statement() override;
     Statement(Statement&&) noexcept = default;
     Statement& operator=(Statement&& other) noexcept;
@@ -67,6 +66,8 @@ class Statement : public RowSource {
     explicit operator bool() const noexcept { return statement_ != nullptr; }
     sqlite3_stmt* get() const noexcept { return statement_.get(); }
 
+    // Gives the parameters the numbers of `source`. Raises what ado.h says of another count.
+    void bindNumbers();
     // Parameters count from 1.
     void bind(int parameter, const Value& value);
     std::vector<std::string> fieldNames() const override;
@@ -75,8 +76,6 @@ class Statement : public RowSource {
     void reset() noexcept override;
     void row(std::span<Cell> cells, Texts& texts) const override;
     bool preparedAnew() const noexcept override;
-    // Parameters of the text itself, for which values are to be given.
-    int parameterCount() const noexcept;
 
   private:
     void prepare(std::string_view text);
@@ -84,16 +83,15 @@ class Statement : public RowSource {
     void check(int code) const;
 
     const Connection* connection_ = nullptr;
-    std::string source_;
+    Query source_{""};
     std::string text_;  // empty for one that is not kept
-    std::vector<std::int64_t> numbers_;
     Handle statement_;
     std::weak_ptr<StatementCache> cache_;
 };
 
-// Prepares a caller's statement: translated, and without parameters, since nobody gives them values. A SELECT
-// that names its columns is kept prepared when its owner is done with it.
-Statement prepareSource(const Connection& connection, std::string_view source);
+// Prepares a caller's statement, translated, with its numbers. A SELECT that names its columns is kept
+// prepared when its owner is done with it.
+Statement prepareSource(const Connection& connection, const Query& source);
 
 // Runs a statement of this layer's own to its end.
 void run(const Connection& connection, std::string_view text);

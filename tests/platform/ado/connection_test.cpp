@@ -162,32 +162,32 @@ TEST(Dialect, ChangesDigitNamesAndDatesOnly) {
         EXPECT_EQ(failureOf([&] { translateStatement(text); }), statementFailed) << text;
 }
 
-TEST(Dialect, TakesComparedWholeNumbersOut) {
-    const auto form = [](const char* text) {
-        std::vector<std::int64_t> numbers;
-        std::string shown = platform::ado::withNumbersTaken(text, numbers);
-        for (const std::int64_t number : numbers)
-            shown += " " + std::to_string(number);
-        return shown;
+TEST_F(ConnectionTest, GivesEachParameterItsNumberAndShowsThemInFailures) {
+    other.run("INSERT INTO Device VALUES (7, 'what?'), (-1, 'home'), (9000000000, 'far')");
+    const auto find = [&](const Query& query) {
+        Recordset rows;
+        rows.open(query, connection);
+        return rows.EOF_() ? "" : rows.text("Address");
     };
-    EXPECT_EQ(form("SELECT a FROM T WHERE b = 12 AND c >=7 AND d = 'x=5' GROUP BY 1 LIMIT 3"),
-              "SELECT a FROM T WHERE b = ? AND c >=? AND d = 'x=5' GROUP BY 1 LIMIT 3 12 7");
-    EXPECT_EQ(form("DELETE FROM T WHERE b = -1 OR b = 1.5 OR b = 0x1F OR b = 9 -- = 8"),
-              "DELETE FROM T WHERE b = -1 OR b = 1.5 OR b = 0x1F OR b = ? -- = 8 9");
-    EXPECT_EQ(form("SELECT a = 1, (SELECT b FROM T WHERE c = 2) FROM T where (d = 3) GROUP BY a = 4"),
-              "SELECT a = 1, (SELECT b FROM T WHERE c = 2) FROM T where (d = ?) GROUP BY a = 4 3");
-    EXPECT_EQ(form("SELECT a = 1 FROM T WHERE b = 2 UNION SELECT a = 3 FROM T WHERE c = 4 ORDER BY a = 1"),
-              "SELECT a = 1 FROM T WHERE b = ? UNION SELECT a = 3 FROM T WHERE c = ? ORDER BY a = 1 2 4");
-    EXPECT_EQ(form("SELECT a FROM T WHERE b<>3 AND c >= 4 AND (d=5) OR e = a6 LIMIT 7"),
-              "SELECT a FROM T WHERE b<>? AND c >= ? AND (d=?) OR e = a6 LIMIT 7 3 4 5");
-    EXPECT_EQ(form("SELECT (b = 1) FROM T WHERE b=2 AND (c =(SELECT d = 3)) AND e = 4 ORDER BY b = 5, f > 6"),
-              "SELECT (b = 1) FROM T WHERE b=? AND (c =(SELECT d = 3)) AND e = 4 ORDER BY b = 5, f > 6 2");
-    EXPECT_EQ(form("SELECT a FROM T WHERE b = 1.5 OR c = .5 OR d = 12 OR e ="),
-              "SELECT a FROM T WHERE b = 1.5 OR c = .5 OR d = ? OR e = 12");
-    for (const char* text :
-         {"SELECT a FROM T WHERE b = ? AND c = 1", "SELECT a FROM T WHERE b = 5e3",
-          "SELECT a FROM T WHERE c = 1 AND b = $x", "SELECT a FROM T WHERE b = 1234567890123456789"})
-        EXPECT_EQ(form(text), text);
+    EXPECT_EQ(find({"SELECT Address FROM Device WHERE Address <> '?' AND DeviceKey = ?", {-1}}), "home");
+    EXPECT_EQ(find({"SELECT Address FROM Device WHERE DeviceKey > ? AND DeviceKey < ?", {-1, 8}}), "what?");
+    EXPECT_EQ(find({"SELECT Address FROM Device WHERE DeviceKey = ?", {9000000000}}), "far");
+    execute({"DELETE FROM Device WHERE DeviceKey = ?", {7}}, connection);
+    EXPECT_EQ(find({"SELECT Address FROM Device WHERE DeviceKey = ?", {7}}), "");
+    for (const Query& query :
+         {Query("SELECT * FROM Device WHERE DeviceKey = ?"),
+          Query("SELECT * FROM Device WHERE DeviceKey = ?", {1, 2}),
+          Query("DELETE FROM Device WHERE DeviceKey = $x"), Query("SELECT * FROM Device", {1})})
+        EXPECT_EQ(failureOf([&] { find(query); }), columnMissing) << query.text;
+    std::string description;
+    EXPECT_EQ(failureOf(
+                  [&] {
+        find({"SELECT a FROM Nowhere WHERE b = '?' AND c = ? AND d = ?", {5, -6}});
+                  },
+                  &description),
+              tableMissing);
+    EXPECT_EQ(description,
+              "no such table: Nowhere [SELECT a FROM Nowhere WHERE b = '?' AND c = 5 AND d = -6]");
 }
 
 TEST_F(ConnectionTest, RunsTheStatementsOfTheStoresAsTheyStand) {
