@@ -69,9 +69,11 @@ void Store::Finalize::operator()(sqlite3_stmt* statement) const noexcept {
 
 Store::Store(const std::filesystem::path& file, Access access) : name_(file.string()) {
     const bool isOwner = access == Access::owner;
+    const bool isReader = access == Access::reader;
     // The engine would create it with the rights of the process's mask, and follow a link.
     platform::Descriptor made(
-        ::open(name_.c_str(), (isOwner ? O_RDWR | O_CREAT : O_RDONLY) | O_CLOEXEC | O_NOFOLLOW, 0600));
+        ::open(name_.c_str(),
+               (isReader ? O_RDONLY : O_RDWR) | (isOwner ? O_CREAT : 0) | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!made)
         throw platform::failureFromErrno(errno, name_);
     // Closing any descriptor of the file would later take away the engine's lock on it.
@@ -79,7 +81,7 @@ Store::Store(const std::filesystem::path& file, Access access) : name_(file.stri
     sqlite3* engine = nullptr;
     const int code = sqlite3_open_v2(
         name_.c_str(), &engine,
-        (isOwner ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY) | SQLITE_OPEN_NOFOLLOW, nullptr);
+        (isReader ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOFOLLOW, nullptr);
     engine_.reset(engine);
     if (code != SQLITE_OK)
         fail(engine, name_);
@@ -87,6 +89,8 @@ Store::Store(const std::filesystem::path& file, Access access) : name_(file.stri
     // Full: what was promised to be told survives a loss of power.
     if (isOwner)
         run("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA journal_size_limit = 4194304;");
+    if (access == Access::writer)
+        run("PRAGMA synchronous = FULL;");
 }
 
 Store::~Store() = default;

@@ -48,8 +48,9 @@ class Query {
 
 class Store {
   public:
-    enum class Access { owner, reader };
-    // Opens the file; its owner creates it when it is missing, for the owner alone. Raises platform::Failure.
+    enum class Access { owner, writer, reader };
+    // Opens the file; its owner creates it when it is missing, for the owner alone. A writer adds to what the
+    // owner has made. Raises platform::Failure.
     explicit Store(const std::filesystem::path& file, Access access = Access::owner);
     ~Store();
     Store(const Store&) = delete;

@@ -121,13 +121,6 @@ void addHeaders(GMimeMessage* mail, const Message& message, const std::string& f
 
 }  // namespace
 
-bool isMailAddress(std::string_view text) noexcept {
-    return !text.empty() && std::none_of(text.begin(), text.end(), [](char character) {
-        return isControl(character) ||
-               std::string_view(" <>,;:\"\\()").find(character) != std::string_view::npos;
-    });
-}
-
 std::string nameOfKey(std::string_view key) {
     constexpr std::string_view digits = "0123456789ABCDEF";
     std::string name;

@@ -4,12 +4,11 @@
 #include <string>
 #include <string_view>
 
+#include "service/transports/addresses.h"
 #include "service/transports/message.h"
 
 namespace service {
 
-// Whether the text can stand as an address in a header without becoming anything else there.
-bool isMailAddress(std::string_view text) noexcept;
 // The message's key in letters, digits and "-_="; different keys give different names.
 std::string nameOfKey(std::string_view key);
 // The whole mail. Lines end with LF and are shorter than 998 bytes. `message.address` and `from` are mail

@@ -4,12 +4,10 @@
 #include <memory>
 #include <string>
 
+#include "service/transports/addresses.h"
 #include "service/transports/transport.h"
 
 namespace service {
-
-// The place of the number in a gateway's address.
-inline constexpr char numberPlace[] = "<Number>";
 
 class Pager : public Transport {
   public:

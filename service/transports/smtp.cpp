@@ -15,14 +15,6 @@ namespace service {
 
 namespace {
 
-std::string partOf(CURLU* url, CURLUPart part) {
-    char* text = nullptr;
-    if (curl_url_get(url, part, &text, 0) != CURLUE_OK)
-        return {};
-    const std::unique_ptr<char, decltype(&curl_free)> owner(text, &curl_free);
-    return text;
-}
-
 // The name that the relay is greeted with.
 std::string ownName() {
     std::array<char, 256> name{};
@@ -87,28 +79,6 @@ Outcome outcomeOf(CURLcode code, const std::string& answer, const char* details)
 }
 
 }  // namespace
-
-std::string problemOfRelay(const std::string& relay) {
-    initializeCurl();
-    const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> url(curl_url(), &curl_url_cleanup);
-    if (curl_url_set(url.get(), CURLUPART_URL, relay.c_str(), CURLU_NON_SUPPORT_SCHEME) != CURLUE_OK)
-        return "it is no address of a relay";
-    const std::string scheme = partOf(url.get(), CURLUPART_SCHEME);
-    if (scheme != "smtp" && scheme != "smtps")
-        return "it begins with neither smtp:// nor smtps://";
-    if (!partOf(url.get(), CURLUPART_USER).empty())
-        return "the user stands in a value of its own";
-    const std::string path = partOf(url.get(), CURLUPART_PATH);
-    return path.empty() || path == "/" ? "" : "there is more behind the host";
-}
-
-std::string hostOfRelay(const std::string& relay) {
-    initializeCurl();
-    const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> url(curl_url(), &curl_url_cleanup);
-    if (curl_url_set(url.get(), CURLUPART_URL, relay.c_str(), CURLU_NON_SUPPORT_SCHEME) != CURLUE_OK)
-        return {};
-    return partOf(url.get(), CURLUPART_HOST);
-}
 
 // The connection to the relay, which is kept between mails.
 class Smtp::Session {

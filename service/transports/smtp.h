@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "service/transports/addresses.h"
 #include "service/transports/transport.h"
 
 namespace service {
@@ -17,12 +18,6 @@ struct SmtpSettings {
     std::string caFile;  // empty for the certificates that the system trusts
     bool operator==(const SmtpSettings&) const = default;
 };
-
-// Why the text cannot be a relay, in a few words; empty when it can.
-std::string problemOfRelay(const std::string& relay);
-
-// The relay's host; empty for a text that is no relay.
-std::string hostOfRelay(const std::string& relay);
 
 class Smtp : public Transport {
   public:

@@ -144,62 +144,7 @@ std::string onOneLine(const std::string& text) {
     return line;
 }
 
-bool isPort(const std::string& text) {
-    int number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc{} && end == text.data() + text.size() && number > 0 && number < 65536;
-}
-
-bool isHost(const std::string& text) {
-    return !text.empty() && text.size() < 256 && std::ranges::all_of(text, [](char c) {
-        return std::isalnum(static_cast<unsigned char>(c)) ||
-               std::string_view(".-_:%").find(c) != std::string_view::npos;
-    });
-}
-
 }  // namespace
-
-SyslogTarget syslogTarget(const std::string& address) {
-    constexpr std::pair<const char*, SyslogTarget::Way> schemes[] = {{"udp://", SyslogTarget::Way::udp},
-                                                                     {"tcp://", SyslogTarget::Way::tcp},
-                                                                     {"tls://", SyslogTarget::Way::tls}};
-    SyslogTarget target;
-    std::string rest = address;
-    for (const auto& [scheme, way] : schemes)
-        if (address.starts_with(scheme)) {
-            target.way = way;
-            rest = address.substr(std::strlen(scheme));
-        }
-    if (target.way == SyslogTarget::Way::tls)
-        target.port = "6514";
-    std::string port;
-    if (rest.starts_with('[')) {
-        const std::size_t end = std::min(rest.find(']'), rest.size());
-        target.host = rest.substr(1, end - 1);
-        port = end < rest.size() ? rest.substr(end + 1) : "no bracket";
-    } else if (const std::size_t colon = rest.find(':'); colon == rest.rfind(':')) {
-        target.host = rest.substr(0, colon);
-        port = colon == std::string::npos ? "" : rest.substr(colon);
-    } else {
-        target.host = rest;  // a bare address of version 6
-    }
-    if (!port.empty() && port.front() == ':')
-        target.port = port.substr(1);
-    if (!isHost(target.host) || !isPort(target.port) || (!port.empty() && port.front() != ':'))
-        target.problem = "\"" + address + "\" is no address of a syslog server";
-    return target;
-}
-
-int syslogFacility(const std::string& text) {
-    constexpr std::array<const char*, 24> names{"kern",   "user",   "mail",   "daemon", "auth",     "syslog",
-                                                "lpr",    "news",   "uucp",   "cron",   "authpriv", "ftp",
-                                                "ntp",    "audit",  "alert",  "clock",  "local0",   "local1",
-                                                "local2", "local3", "local4", "local5", "local6",   "local7"};
-    for (std::size_t i = 0; i < names.size(); ++i)
-        if (text == names[i] || text == std::to_string(i))
-            return static_cast<int>(i);
-    return -1;
-}
 
 std::string syslogLine(const Message& message, int facility, std::size_t most) {
     constexpr int severities[] = {6, 3, 4, 6};  // of no type, errors, warnings, information

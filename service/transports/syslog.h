@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "service/transports/addresses.h"
 #include "service/transports/transport.h"
 
 namespace service {
@@ -13,17 +14,6 @@ struct SyslogSettings {
     bool operator==(const SyslogSettings&) const = default;
 };
 
-// Where a device's address leads to.
-struct SyslogTarget {
-    enum class Way { udp, tcp, tls } way = Way::udp;
-    std::string host;
-    std::string port = "514";
-    std::string problem;  // why the address is none; empty when it is one
-};
-// "host", "host:port", "[v6]:port", or the same behind udp://, tcp:// or tls:// (port 6514).
-SyslogTarget syslogTarget(const std::string& address);
-// The number of a facility's name, such as "local0", or of its number as a text; -1 for another text.
-int syslogFacility(const std::string& text);
 // The message, on one line and in UTF-8, no longer than `most` bytes.
 std::string syslogLine(const Message& message, int facility, std::size_t most);
 
