@@ -11,6 +11,9 @@
 namespace qlnhost {
 
 int createCommand(Arguments& arguments);
+// The rest of create, for the host that stands for this machine.
+int createMachineCommand(Arguments& arguments, const std::filesystem::path& kit);
+int sourcesCommand(Arguments& arguments);
 int updateCommand(Arguments& arguments);
 int registryCommand(Arguments& arguments);
 int directoryCommand(Arguments& arguments);
@@ -25,6 +28,10 @@ int accountsCommand(Arguments& arguments);
 // Files of the host's installation: the configuration, and what the service keeps.
 std::filesystem::path databaseFile();
 std::filesystem::path outboxFile();
+
+// The folder of a new tree, from the arguments; raises UsageError for one whose name no command line can
+// hold.
+std::string takeTreeFolder(Arguments& arguments);
 
 // Starts a service of the host and waits, half a minute at most, until it runs; false says on standard error
 // why it does not. Raises platform::Failure.

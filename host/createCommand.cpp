@@ -59,14 +59,20 @@ bool startServices(const host::HostOptions& options, const std::filesystem::path
 
 }  // namespace
 
-int createCommand(Arguments& arguments) {
-    const host::HostOptions options = takeOptions(arguments);
-    const std::string folder = arguments.take("DIR");
-    arguments.finish();
-
+std::string takeTreeFolder(Arguments& arguments) {
+    std::string folder = arguments.take("DIR");
     // The registry and the shortcuts hold command lines with this name between quotes.
     if (folder.find_first_of("\"\n\r") != std::string::npos)
         throw UsageError("a host's folder has neither quotes nor line ends in its name");
+    return folder;
+}
+
+int createCommand(Arguments& arguments) {
+    if (arguments.flag("--this-machine"))
+        return createMachineCommand(arguments, kitFolder(arguments));
+    const host::HostOptions options = takeOptions(arguments);
+    const std::string folder = takeTreeFolder(arguments);
+    arguments.finish();
     host::createHost(folder, options);
     const std::filesystem::path root = std::filesystem::absolute(folder).lexically_normal();
     std::printf("Made a host of version %s in %s.\n", options.corvaneMajor == 4 ? "4" : "3.1", root.c_str());

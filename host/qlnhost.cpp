@@ -33,6 +33,13 @@ constexpr char help[] =
     "      --subscribers N    people in the directory (240)\n"
     "      --lists N          distribution lists in the directory (24)\n"
     "      --kit KITDIR       program files to install (the folder kit beside this program)\n"
+    "  create DIR --this-machine\n"
+    "                         make the host that stands for this machine: it watches the journal, its\n"
+    "                         people are those who have accounts here\n"
+    "      --directory FILE   its people from a CSV file, as for directory import\n"
+    "      --journal-folder DIR\n"
+    "                         a journal elsewhere\n"
+    "      --kit KITDIR\n"
     "  update DIR             copy the kit's files over those of an installation tree\n"
     "      --kit KITDIR\n"
     "\n"
@@ -57,6 +64,9 @@ constexpr char help[] =
     "  services [list]        services and their states\n"
     "  services start NAME    start a service of the host\n"
     "  services stop NAME     stop it\n"
+    "  services run           start those that start automatically, start again what crashes, and stop\n"
+    "                         them at the end, which is a signal (SIGTERM, Ctrl-C)\n"
+    "  sources refresh        register the sources that the journal knows by now\n"
     "  accounts [list]        accounts that services run under\n"
     "  accounts set NAME      add one or change its password (a line of standard input)\n"
     "  accounts check NAME    is this its password (a line of standard input)?\n"
@@ -78,13 +88,14 @@ struct Command {
     bool needsHost;
 };
 
-constexpr std::array<Command, 11> commands{{
+constexpr std::array<Command, 12> commands{{
     {"create", qlnhost::createCommand, false},
     {"update", qlnhost::updateCommand, false},
     {"registry", qlnhost::registryCommand, true},
     {"directory", qlnhost::directoryCommand, true},
     {"events", qlnhost::eventsCommand, true},
     {"services", qlnhost::servicesCommand, true},
+    {"sources", qlnhost::sourcesCommand, true},
     {"accounts", qlnhost::accountsCommand, true},
     {"explain", qlnhost::explainCommand, true},
     {"notifications", qlnhost::notificationsCommand, true},

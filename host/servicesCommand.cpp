@@ -4,12 +4,16 @@
 #include <cstdio>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "host/commands.h"
+#include "host/supervisor.h"
 #include "platform/machine/clock.h"
 #include "platform/machine/host.h"
 #include "platform/services/serviceManager.h"
 #include "service/outbox/inspection.h"
+#include "service/sources/journalChoice.h"
+#include "service/sources/journalFiles.h"
 
 namespace qlnhost {
 
@@ -66,6 +70,21 @@ std::string ofItself() {
            moment(outbox->waiting.front().created);
 }
 
+// What keeps the service from its work whether it runs or not, each with what to do about it.
+std::vector<std::string> obstacles() {
+    std::vector<std::string> lines;
+    if (const service::JournalChoice choice = service::journalChoice(); choice.isOn)
+        if (const std::string problem = service::inspectJournalFiles(choice.folder).problem; !problem.empty())
+            lines.push_back("Journal: " + problem);
+    constexpr std::uintmax_t little = 1u << 20;
+    std::error_code error;
+    const auto space = std::filesystem::space(outboxFile().parent_path(), error);
+    if (!error && space.available < little)
+        lines.push_back("The disk of " + outboxFile().parent_path().string() +
+                        " is full: the service can note nothing and tells nobody until there is room.");
+    return lines;
+}
+
 platform::Service openService(const std::string& name) {
     return {platform::ServiceManager(platform::managerExecute), name,
             platform::serviceStart | platform::serviceStop};
@@ -92,10 +111,16 @@ int servicesCommand(Arguments& arguments) {
         for (const std::string& name : platform::serviceNames())
             std::printf("%-16s %s%s\n", name.c_str(), stateText(platform::queryServiceStatus(name).state),
                         name == "HbQlnSvc" ? ofItself().c_str() : "");
+        for (const std::string& obstacle : obstacles())
+            std::printf("%s\n", obstacle.c_str());
         return 0;
     }
+    if (verb == "run") {
+        arguments.finish();
+        return superviseHost();
+    }
     if (verb != "start" && verb != "stop")
-        throw UsageError("services knows list, start and stop, not '" + verb + "'");
+        throw UsageError("services knows list, start, stop and run, not '" + verb + "'");
     const std::string name = arguments.take("NAME");
     arguments.finish();
     if (verb == "start")

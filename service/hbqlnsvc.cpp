@@ -17,6 +17,8 @@
 #include "service/program/registration.h"
 #include "service/program/run.h"
 #include "service/sources/hostLog.h"
+#include "service/sources/journal.h"
+#include "service/sources/journalChoice.h"
 #include "service/transports/waysOut.h"
 
 namespace {
@@ -60,6 +62,8 @@ int runService() {
     std::vector<std::unique_ptr<service::Source>> sources;
     for (const char* log : {"Application", "System"})
         sources.push_back(std::make_unique<service::HostLog>(log));
+    if (const service::JournalChoice choice = service::journalChoice(); choice.isOn)
+        sources.push_back(std::make_unique<service::Journal>(choice.folder));
     service::Notifier notifier(options(settings, waysOut), std::move(sources));
     return service::run("HbQlnSvc", settings, notifier);
 }

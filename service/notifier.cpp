@@ -295,8 +295,20 @@ milliseconds Notifier::look() {
         // Those who look at the outbox see by its time when this was. That it cannot be touched hurts nobody.
         ::utimensat(AT_FDCWD, options_.outboxFile.c_str(), nullptr, 0);
     }
+    watchSources();
     flushLog();
     return more ? milliseconds(0) : untilNextLook();
+}
+
+// What a source tells of itself comes and goes with its files: it is added anew each time, and is there
+// already most times.
+void Notifier::watchSources() {
+    for (const auto& source : sources_)
+        if (const int descriptor = source->descriptor(); descriptor >= 0) {
+            epoll_event event{};
+            event.events = EPOLLIN;
+            ::epoll_ctl(wake_.get(), EPOLL_CTL_ADD, descriptor, &event);
+        }
 }
 
 milliseconds Notifier::untilNextLook() {

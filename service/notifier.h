@@ -57,6 +57,7 @@ class Notifier : public Work {
     EventVerdict verdictOf(const HeldBack& held, const Monitoring& monitoring);
     void tellHeldBack();
     void age();
+    void watchSources();
     void flushLog();
     Circumstances circumstances();
     std::chrono::milliseconds untilNextLook();

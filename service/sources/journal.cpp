@@ -22,6 +22,8 @@ namespace {
 
 // A message longer than this is cut: it would not be read by anybody, and memory is finite.
 constexpr std::size_t longestField = 2u << 20;
+// Records of a batch are in memory together.
+constexpr std::size_t mostBytes = 8u << 20;
 constexpr std::string_view momentMark = "t=";
 
 // The moment of a position, which may be a cursor or a moment alone; 0 when it names none.
@@ -226,9 +228,14 @@ Batch Journal::read(const std::string& position, std::size_t most) {
     }
     int result = 1;
     std::size_t taken = 0;
-    while (taken < most && (result = step(batch)) > 0)
-        ++taken;
-    batch.isWhole = taken < most;
+    bool isFull = false;
+    std::size_t bytes = 0;
+    while (!isFull && (result = step(batch)) > 0) {
+        if (!batch.records.empty())
+            bytes += batch.records.back().description.size();
+        isFull = ++taken >= most || bytes >= mostBytes;
+    }
+    batch.isWhole = !isFull;
     if (result < 0) {
         tell(batch.notices, "reading ended early and begins anew", -result);
         journal_.reset();

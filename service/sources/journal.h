@@ -30,17 +30,15 @@ class Journal : public Source {
     Journal(const Journal&) = delete;
     Journal& operator=(const Journal&) = delete;
 
-    // The position behind the newest record: where a first start begins. In a journal without records, or
-    // one that cannot be read, the present moment.
     std::string name() const override { return "Journal"; }
+    // In a journal without records, or one that cannot be read, the present moment.
     std::string end() override;
     // Up to `most` records behind `position`. Records that are gone by now are told as a gap with the moments
     // on both sides, one that cannot be read is skipped and told, and the batch begins with what is there.
     Batch read(const std::string& position, std::size_t most) override;
 
-    // A descriptor that becomes readable when there may be news; -1 while the journal cannot be opened. It
-    // may change with each read().
-    int descriptor() const noexcept;
+    // -1 while the journal cannot be opened.
+    int descriptor() const noexcept override;
     // Why nothing, or not all, can be read and what to do about it, in one line; empty when all is well.
     const std::string& problem() const noexcept { return problem_; }
 

@@ -18,6 +18,9 @@ class Source {
     virtual std::string end() = 0;
     // Up to `most` records behind a position. Raises platform::Failure; nothing has been read then.
     virtual Batch read(const std::string& position, std::size_t most) = 0;
+    // Readable when there may be news, until the next read(), after which it may be another; -1 for a source
+    // that does not tell.
+    virtual int descriptor() const noexcept { return -1; }
 };
 
 }  // namespace service

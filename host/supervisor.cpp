@@ -1,0 +1,213 @@
+#include "host/supervisor.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/file.h>
+#include <systemd/sd-daemon.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <thread>
+#include <vector>
+
+#include "platform/failure.h"
+#include "platform/files/descriptor.h"
+#include "platform/machine/host.h"
+#include "platform/registry/registry.h"
+#include "platform/services/serviceManager.h"
+
+namespace qlnhost {
+
+namespace {
+
+using platform::ServiceState;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using std::chrono::steady_clock;
+
+constexpr std::array delays{seconds(1), seconds(2), seconds(5), seconds(10), seconds(30), seconds(60)};
+constexpr seconds isStable(60);
+constexpr milliseconds betweenLooks(500);
+
+volatile sig_atomic_t isEnding = 0;
+
+bool isAutomatic(const std::string& name) {
+    const auto value = platform::registry().value(
+        "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\" + name, "Start");
+    return value == platform::RegistryValue(std::uint32_t{2});
+}
+
+std::vector<std::string> automaticServices() {
+    std::vector<std::string> names = platform::serviceNames();
+    std::erase_if(names, [](const std::string& name) { return !isAutomatic(name); });
+    return names;
+}
+
+// A service that ends because it was told to says so before its end.
+bool wasStopped(const std::string& name) {
+    const auto record = platform::readServiceRecord(name);
+    return record && (record->state == ServiceState::stopPending || record->state == ServiceState::stopped);
+}
+
+platform::Service open(const std::string& name) {
+    return {platform::ServiceManager(platform::managerExecute), name,
+            platform::serviceStart | platform::serviceStop};
+}
+
+std::string reasonOf(std::uint32_t error) {
+    if (error == platform::errorServiceLogonFailed)
+        return "the password of its account is another by now";
+    if (error == platform::errorServiceRequestTimeout)
+        return "it ended, or did not report itself";
+    return "error " + std::to_string(error);
+}
+
+void endOnSignal() {
+    struct sigaction action {};
+    action.sa_handler = [](int) { isEnding = 1; };
+    for (const int signal : {SIGTERM, SIGINT})
+        ::sigaction(signal, &action, nullptr);
+    // Handled and not ignored: what is ignored here would stay so in the services that are started.
+    action.sa_handler = [](int) {};
+    for (const int signal : {SIGHUP, SIGPIPE})
+        ::sigaction(signal, &action, nullptr);
+}
+
+// Held as long as this process lives; nothing when another one holds it.
+platform::Descriptor soleSupervisor() {
+    std::filesystem::create_directories(platform::host::runFolder());
+    platform::Descriptor lock(::open((platform::host::runFolder() / "supervisor.lock").c_str(),
+                                     O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (!lock)
+        throw platform::failureFromErrno(errno, "supervisor.lock");
+    return ::flock(lock.get(), LOCK_EX | LOCK_NB) == 0 ? std::move(lock) : platform::Descriptor();
+}
+
+void say(const std::string& line) {
+    std::printf("%s\n", line.c_str());
+    std::fflush(stdout);
+}
+
+}  // namespace
+
+void Supervisor::fail(const std::string& name, Watched& service, Moment now, const std::string& what) {
+    const seconds delay = delays[std::min(service.failures++, delays.size() - 1)];
+    service.startAt = now + delay;
+    say_(name + ' ' + what + "; it is started again in " + std::to_string(delay.count()) + " s");
+}
+
+void Supervisor::start(const std::string& name, Watched& service, Moment now) {
+    service.isWanted = true;
+    const std::uint32_t error = open(name).start();
+    if (error != platform::noError && error != platform::errorServiceAlreadyRunning) {
+        fail(name, service, now, "could not be started: " + reasonOf(error));
+        return;
+    }
+    service.isRunning = true;
+    service.since = now;
+    say_(name + (error == platform::noError ? " started" : " runs already"));
+}
+
+void Supervisor::look(const std::string& name, Watched& service, Moment now) {
+    const bool runs = platform::queryServiceStatus(name).state != ServiceState::stopped;
+    if (runs) {
+        if (!service.isRunning) {
+            service.since = now;
+            say_(name + " was started");
+        }
+        service.isRunning = service.isWanted = true;
+        if (now - service.since >= isStable)
+            service.failures = 0;
+        return;
+    }
+    if (service.isRunning) {
+        service.isRunning = false;
+        service.isWanted = !wasStopped(name);
+        if (service.isWanted)
+            fail(name, service, now, "crashed");
+        else
+            say_(name + " was stopped");
+    } else if (service.isWanted && now >= service.startAt) {
+        start(name, service, now);
+    }
+}
+
+void Supervisor::begin(Moment now) {
+    for (const std::string& name : automaticServices())
+        start(name, services_[name], now);
+}
+
+void Supervisor::look(Moment now) {
+    try {
+        const std::vector<std::string> names = automaticServices();
+        std::erase_if(services_, [&](const auto& each) {
+            return std::find(names.begin(), names.end(), each.first) == names.end();
+        });
+        for (const std::string& name : names)
+            look(name, services_[name], now);
+    } catch (const platform::Failure& failure) {
+        // A registry that is being replaced is there again at the next look.
+        std::fprintf(stderr, "qlnhost: %s\n", failure.what());
+    }
+}
+
+void Supervisor::end() {
+    for (auto each = services_.rbegin(); each != services_.rend(); ++each) {
+        const std::string& name = each->first;
+        if (platform::queryServiceStatus(name).state == ServiceState::stopped)
+            continue;
+        open(name).control(platform::ServiceControl::stop);
+        const auto deadline = steady_clock::now() + seconds(10);
+        while (platform::queryServiceStatus(name).state != ServiceState::stopped &&
+               steady_clock::now() < deadline)
+            std::this_thread::sleep_for(milliseconds(20));
+        say_(name + (platform::queryServiceStatus(name).state == ServiceState::stopped
+                         ? " stopped"
+                         : " does not end and is left to the system"));
+    }
+}
+
+std::string Supervisor::status() const {
+    std::string text;
+    for (const auto& [name, service] : services_)
+        text += (text.empty() ? "" : ", ") + name +
+                (service.isRunning  ? " running"
+                 : service.isWanted ? " crashed, waits for its next start"
+                                    : " stopped");
+    return text.empty() ? "no service starts automatically" : text;
+}
+
+int superviseHost() {
+    const platform::Descriptor lock = soleSupervisor();
+    if (!lock) {
+        std::fprintf(stderr, "qlnhost: the services of this host are supervised already\n");
+        return 1;
+    }
+    endOnSignal();
+    std::uint64_t patience = 0;
+    const bool isWatched = ::sd_watchdog_enabled(0, &patience) > 0;
+    Supervisor supervisor(say);
+    supervisor.begin(steady_clock::now());
+    ::sd_notify(0, "READY=1");
+    std::string told;
+    Supervisor::Moment nextSign;
+    while (!isEnding) {
+        supervisor.look(steady_clock::now());
+        if (const std::string status = supervisor.status(); status != told) {
+            ::sd_notifyf(0, "STATUS=%s", status.c_str());
+            told = status;
+        }
+        if (isWatched && steady_clock::now() >= nextSign) {
+            ::sd_notify(0, "WATCHDOG=1");
+            nextSign = steady_clock::now() + std::chrono::microseconds(patience / 3);
+        }
+        ::poll(nullptr, 0, static_cast<int>(betweenLooks.count()));
+    }
+    ::sd_notify(0, "STOPPING=1");
+    supervisor.end();
+    return 0;
+}
+
+}  // namespace qlnhost
