@@ -83,7 +83,7 @@ void addToExistingEvents(long recipientKey, long deviceKey) {
              "EventDevice.DeviceKey "
              "WHERE Recipients.RecipientKey = ? AND EventDevice.DeviceKey <> ?",
              {recipientKey, deviceKey}});
-        assignments.openForBatch("SELECT * FROM EventDevice");
+        assignments.openForAddingBatch("EventDevice");
         while (events.next()) {
             assignments.addNew();
             assignments.copy("EventKey", events);

@@ -88,7 +88,7 @@ void replaceExclusions(const core::Dictionary<long>& exclusions) {
         if (!execute(frame, "DELETE FROM Exclusions"))
             return;
         Rows rows(frame);
-        rows.openForBatch("SELECT * FROM Exclusions");
+        rows.openForAddingBatch("Exclusions");
         for (const std::string& source : exclusions.keys())
             addRow(rows, source, exclusions.item(source));
         rows.updateBatch();

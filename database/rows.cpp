@@ -6,12 +6,9 @@ using platform::CursorType;
 using platform::LockType;
 
 bool Rows::open(const platform::Query& query, CursorType cursor, LockType lock, const Where& where) {
-    return step(
-        [&] {
-        platform::Recordset opened;
+    return replace(
+        [&](platform::Recordset& opened) {
         opened.open(query, connection_, cursor, lock, platform::CursorLocation::client);
-        rows_ = std::move(opened);
-        begun_ = false;
         },
         where);
 }
@@ -29,7 +26,15 @@ bool Rows::openForEditing(const platform::Query& query, Where where) {
 }
 
 bool Rows::openForAdding(std::string_view table, Where where) {
-    return open("SELECT * FROM " + std::string(table), CursorType::keyset, LockType::optimistic, where);
+    return replace([&](platform::Recordset& opened) { opened.openForAdding(table, connection_); }, where);
+}
+
+bool Rows::openForAddingBatch(std::string_view table, Where where) {
+    return replace(
+        [&](platform::Recordset& opened) {
+        opened.openForAdding(table, connection_, LockType::batchOptimistic);
+        },
+        where);
 }
 
 bool Rows::openForBatch(const platform::Query& query, Where where) {

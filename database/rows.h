@@ -27,14 +27,15 @@ class Rows {
     Rows(core::Frame& frame, platform::Recordset opened)
         : frame_(frame), connection_(core::gDatabase), rows_(std::move(opened)) {}
 
-    // Reads only: client side, so that rows can be counted and searched. These four are false on failure.
+    // Reads only: client side, so that rows can be counted and searched. These are false on failure.
     bool openForReading(const platform::Query& query, Where where = Where::current());
     // Changes rows.
     bool openForWriting(const platform::Query& query, Where where = Where::current());
     // Changes one event.
     bool openForEditing(const platform::Query& query, Where where = Where::current());
-    // Adds rows to a table.
+    // Adds rows to a table, each for itself or in a batch.
     bool openForAdding(std::string_view table, Where where = Where::current());
+    bool openForAddingBatch(std::string_view table, Where where = Where::current());
     // Collects changes that one updateBatch applies, all or none.
     bool openForBatch(const platform::Query& query, Where where = Where::current());
     // Fails when it is closed already.
@@ -86,6 +87,18 @@ class Rows {
         const bool ran = frame_.step(action, where);
         allRan_ = allRan_ && ran;
         return ran;
+    }
+    // Another recordset in place of this one, which stays when it cannot be opened.
+    template <std::invocable<platform::Recordset&> Open>
+    bool replace(Open&& open, const Where& where) {
+        return step(
+            [&] {
+            platform::Recordset opened;
+            open(opened);
+            rows_ = std::move(opened);
+            begun_ = false;
+            },
+            where);
     }
     bool open(const platform::Query& query, platform::CursorType cursor, platform::LockType lock,
               const Where& where);

@@ -115,13 +115,13 @@ class Recordset {
     Recordset& operator=(Recordset&&) noexcept;
 
     // Runs `source`, a SELECT, or a statement without rows, which runs here and leaves the recordset closed.
-    // A writable recordset needs a SELECT of one table's columns; any other SELECT opens read-only. Client,
-    // static and keyset cursors read all rows now, writable ones on a large result when a row is first asked
-    // for (a row that find finds by its key from the first row on is read alone); a forward-only, read-only
-    // one on the server steps the statement in blocks. Raises 3705 when open, 3709 on a closed connection,
-    // and the numbers of failure.h for a statement that fails.
+    // A writable recordset needs a SELECT of one table's columns; any other SELECT opens read-only. All
+    // rows are read now; a forward-only, read-only one on the server steps the statement in blocks. Raises
+    // 3705 when open, 3709 on a closed connection, and the numbers of failure.h for a statement that fails.
     void open(const Query& source, Connection& connection, CursorType cursor = CursorType::forwardOnly,
               LockType lock = LockType::readOnly, CursorLocation location = CursorLocation::server);
+    // Opens a table's columns without its rows, to add some: optimistic, or in a batch. Raises as open does.
+    void openForAdding(std::string_view table, Connection& connection, LockType lock = LockType::optimistic);
     // Raises 3704 when closed already. Drops what a batch collected.
     void close();
     ObjectState state() const noexcept;
@@ -147,7 +147,7 @@ class Recordset {
     std::size_t fieldCount() const;
     const std::string& fieldName(std::size_t index) const;  // raises 3265
     // Field of the present row, or of the row being added. Names ignore case. Raises 3021 and 3265.
-    const Value& value(std::string_view field) const;  // the reference holds until the field is read again
+    Value value(std::string_view field) const;
     bool isNull(std::string_view field) const;
     // Raise 94 for Null. `number` raises 13 for a text that is no number and 6 outside 32 bits; `boolean` is
     // true for any number but 0.

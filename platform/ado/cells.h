@@ -94,7 +94,7 @@ inline long longOf(const Cell& cell) {
 inline bool booleanOf(const Cell& cell) {
     return cell.kind == CellKind::integer ? cell.integer != 0 : convertedBoolean(cell);
 }
-// See adoStatement.h.
+// See statement.h.
 std::string searchKey(const Cell& cell);
 
 }  // namespace platform::ado

@@ -134,28 +134,6 @@ TEST_F(RecordsetTest, AddsRowsAndStandsOnTheNewOne) {
     EXPECT_EQ(failureOf([&] { rows.update(); }), noCurrentRecord);
 }
 
-TEST_F(RecordsetTest, AddsToALargeTableWithoutReadingIt) {
-    fillDevices(3000);
-    Recordset rows = write("SELECT * FROM Device");
-    other.run("DELETE FROM Device WHERE DeviceKey > 100");
-    for (const int key : {-1, -2}) {
-        rows.addNew();
-        rows.set("DeviceKey", key);
-        rows.update();
-    }
-    EXPECT_EQ(rows.number("DeviceKey"), -2);
-    other.run("INSERT INTO Device VALUES (101, 'late')");
-    EXPECT_EQ(rows.recordCount(), 103) << "rows are read only now, those added here once";
-    EXPECT_EQ(rows.bookmark(), 102u);
-    EXPECT_EQ(rows.number("DeviceKey"), -2);
-    rows.find("DeviceKey = -1", 0, 0);
-    EXPECT_EQ(rows.bookmark(), 101u);
-
-    Recordset untouched = write("SELECT * FROM Device");
-    EXPECT_FALSE(untouched.EOF_());
-    EXPECT_EQ(untouched.number("DeviceKey"), 1);
-}
-
 TEST_F(RecordsetTest, ChangesAndDeletesRowsByTheirIdentity) {
     other.run("INSERT INTO Device VALUES (1, 'same'), (1, 'same'), (1, 'same')");
     Recordset rows = write("SELECT Address FROM Device WHERE DeviceKey = 1 ORDER BY Address;");
@@ -328,48 +306,37 @@ TEST_F(RecordsetTest, KeepsAStatementForTheNextNumberAndNothingElseOfIt) {
     second.close();
 }
 
-TEST_F(RecordsetTest, FindsARowByItsKeyWithoutTheOthersAndGoesOnFromThere) {
-    other.run(
-        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 500) "
-        "INSERT INTO Events(EventSource, EventId) SELECT 's' || i, i * 10 FROM n");
-    Recordset rows = write("SELECT * FROM Events WHERE EventId <> 4000 ORDER BY EventKey DESC");
-    const auto seek = [&](long key) {
-        rows.moveFirst();
-        rows.find("EventKey = " + std::to_string(key));
-        return rows.EOF_() ? -1 : rows.number("EventId");
-    };
-    // It is read when it is looked for, and written by its key.
-    other.run("UPDATE Events SET EventId = 77 WHERE EventKey = 7");
-    EXPECT_EQ(seek(7), 77);
-    rows.set("EventType", 3);
-    rows.update();
-    EXPECT_EQ(rows.number("EventType"), 3);
-    EXPECT_EQ(other.read("SELECT EventType FROM Events WHERE EventKey IN (6, 7)"), "NULL 3");
-    rows.addNew();
-    rows.set("EventSource", "new");
-    rows.set("EventId", 1);
-    rows.update();
-    EXPECT_EQ(rows.text("EventSource"), "new");
-    EXPECT_EQ(seek(501), 1) << "a row that was added here";
-    rows.set("EventId", 2);
-    rows.update();
-    EXPECT_EQ(seek(501), 2);
-    EXPECT_EQ(seek(300), 3000);
-    rows.moveNext();
-    EXPECT_EQ(rows.number("EventKey"), 299) << "the order is that of the statement";
-    EXPECT_EQ(rows.recordCount(), 500);
-    EXPECT_EQ(seek(400), -1) << "not among the rows";
-    EXPECT_EQ(seek(7), 77);
-    EXPECT_EQ(rows.number("EventType"), 3);
-
-    Recordset again = write("SELECT * FROM Events");
-    again.moveFirst();
-    again.find("EventKey = 9");
-    again.deleteCurrent();
-    EXPECT_EQ(failureOf([&] { again.value("EventKey"); }), noCurrentRecord);
-    again.moveNext();
-    EXPECT_EQ(again.number("EventKey"), 10);
-    EXPECT_EQ(other.read("SELECT count(*) FROM Events WHERE EventKey = 9"), "0");
+TEST_F(RecordsetTest, OpenedForAddingHoldsNoneButWhatIsAdded) {
+    fillDevices(500);
+    Recordset rows;
+    rows.openForAdding("Device", connection);
+    EXPECT_EQ(failureOf([&] { rows.openForAdding("Device", connection); }), objectOpen);
+    EXPECT_TRUE(rows.EOF_() && rows.BOF_());
+    EXPECT_EQ(failureOf([&] { rows.set("Address", "none"); }), noCurrentRecord);
+    for (const int key : {501, 502}) {
+        rows.addNew();
+        rows.set("DeviceKey", key);
+        rows.update();
+        EXPECT_EQ(rows.number("DeviceKey"), key);
+    }
+    EXPECT_EQ(rows.recordCount(), 2);
+    rows.moveFirst();
+    rows.deleteCurrent();
+    Recordset batch;
+    batch.openForAdding("Device", connection, LockType::batchOptimistic);
+    for (const int key : {503, 504}) {
+        batch.addNew();
+        batch.set("DeviceKey", key);
+        batch.update();
+    }
+    EXPECT_EQ(other.read("SELECT count(*), max(DeviceKey) FROM Device"), "501|502");
+    batch.updateBatch();
+    EXPECT_EQ(other.read("SELECT DeviceKey FROM Device WHERE DeviceKey > 500"), "502 503 504");
+    // Whoever cannot read cannot write either, and is told so at once.
+    other.run("BEGIN EXCLUSIVE");
+    Recordset locked;
+    EXPECT_EQ(failureOf([&] { locked.openForAdding("Device", connection); }), providerError);
+    other.run("ROLLBACK");
 }
 
 TEST_F(RecordsetTest, AStatementThatRanBeforeSeesTheColumnsOfToday) {
