@@ -13,6 +13,7 @@
 #include "database/recipients.h"
 #include "database/settings.h"
 #include "storeFixture.h"
+#include "support/failingRead.h"
 
 namespace {
 
@@ -30,28 +31,6 @@ class AnyPrompts : public platform::Prompts {
         return {};
     }
     std::optional<std::string> openFile(const platform::FileQuestion&) override { return {}; }
-};
-
-// From its making on lets the read of that number fail, as one does that waits too long for a lock.
-class FailingRead {
-  public:
-    explicit FailingRead(int number) : left_(number) {
-        sqlite3_trace_v2(core::gDatabase.handle(), SQLITE_TRACE_STMT, &begins, this);
-    }
-    ~FailingRead() { sqlite3_trace_v2(core::gDatabase.handle(), 0, nullptr, nullptr); }
-    FailingRead(const FailingRead&) = delete;
-    FailingRead& operator=(const FailingRead&) = delete;
-    bool cameToIt() const { return left_ <= 0; }
-
-  private:
-    static int begins(unsigned, void* self, void* statement, void*) {
-        auto* begun = static_cast<sqlite3_stmt*>(statement);
-        if (sqlite3_stmt_readonly(begun) && sqlite3_column_count(begun) > 0 &&
-            --static_cast<FailingRead*>(self)->left_ == 0)
-            sqlite3_interrupt(sqlite3_db_handle(begun));
-        return 0;
-    }
-    int left_;
 };
 
 struct Operation {
@@ -174,7 +153,7 @@ TEST_F(HangTogether, NorDoesASingleFailingRead) {
         for (int number = 1; cameToIt; ++number) {
             fill();
             {
-                const FailingRead read(number);
+                const support::FailingRead read(number);
                 operation();
                 cameToIt = read.cameToIt();
             }
