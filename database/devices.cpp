@@ -155,23 +155,26 @@ long countDevices(long deviceType, std::optional<long> recipientKey) {
     });
 }
 
-DeviceCounts countDevicesByRecipient() {
-    return core::procedure(module, "countDevicesByRecipient", DeviceCounts(),
-                           [&](Frame& frame, DeviceCounts& counts) {
+std::optional<DeviceCounts> countDevicesByRecipient() {
+    return core::procedure(module, "countDevicesByRecipient", std::optional<DeviceCounts>(),
+                           [&](Frame& frame, std::optional<DeviceCounts>& counts) {
         Rows rows(frame);
         rows.openForReading(
             "SELECT Recipients.RecipientKey, Device.DeviceType, COUNT(Device.DeviceKey) AS DeviceCount "
             "FROM Device INNER JOIN (Recipients INNER JOIN DeviceRecipient ON Recipients.RecipientKey = "
             "DeviceRecipient.RecipientKey) ON Device.DeviceKey = DeviceRecipient.DeviceKey "
             "GROUP BY Recipients.RecipientKey, Device.DeviceType");
+        DeviceCounts counted;
         while (rows.next()) {
-            auto& ofRecipient = counts[rows.number("RecipientKey")];
+            auto& ofRecipient = counted[rows.number("RecipientKey")];
             const long count = rows.number("DeviceCount");
             const long type = rows.isNull("DeviceType") ? 0 : rows.number("DeviceType");
             ofRecipient[allDeviceTypes] += count;
             if (type >= voiceMail && type <= failover)
                 ofRecipient[static_cast<std::size_t>(type)] = count;
         }
+        if (rows.allRan())
+            counts = std::move(counted);
     });
 }
 

@@ -39,10 +39,10 @@ platform::Recordset openDevicesForRecipient(long recipientKey);
 // Number of devices of a type, or of all types (0); of one recipient when a key is given. 0 on failure.
 long countDevices(long deviceType, std::optional<long> recipientKey = std::nullopt);
 // Numbers of devices by recipient's key: by type, and of all types together at allDeviceTypes. A recipient
-// without devices is missing. Empty on failure. One statement for all recipients: their list shows seven
+// without devices is missing. Nothing on failure. One statement for all recipients: their list shows seven
 // numbers in each of its rows.
 using DeviceCounts = std::unordered_map<long, std::array<long, failover + 1>>;
-DeviceCounts countDevicesByRecipient();
+std::optional<DeviceCounts> countDevicesByRecipient();
 struct RecipientDevice {
     long key = 0;
     long type = 0;

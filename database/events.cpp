@@ -142,7 +142,11 @@ bool deleteEvent(long eventKey, std::string_view eventName) {
     return core::procedure(module, "deleteEvent", false, [&](Frame& frame, bool& deleted) {
         Rows row(frame, getEvent(eventKey));
         // One that is gone already, as after a kill, has nothing to read and still loses what depends on it.
-        const bool catchAll = row.hasRow() && row.boolean("EventCollection");
+        // One that could not be read may be the catch-all event, which nobody could make again.
+        const bool catchAll =
+            row.hasRow() && !row.isNull("EventCollection") && row.boolean("EventCollection");
+        if (!row.allRan())
+            return;
         if (catchAll) {
             platform::prompts().messageBox(
                 {myLoadResString(1248), myLoadResString(1249), BoxIcon::information});

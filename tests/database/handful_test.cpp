@@ -69,7 +69,7 @@ TEST_F(Handful, StatesAndDevicesOfAllAreThoseOfEach) {
         }
         const std::set<long> unresolved = recipientsWithInvalidDevices();
         const auto devices = devicesOfAllRecipients();
-        const DeviceCounts counts = countDevicesByRecipient();
+        const DeviceCounts counts = countDevicesByRecipient().value();
         platform::Recordset recipients = getRecipients();
         for (; !recipients.EOF_(); recipients.moveNext()) {
             const long key = recipients.number("RecipientKey");

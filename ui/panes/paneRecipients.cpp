@@ -98,7 +98,7 @@ void paneRecipients::controlInit() {
 void paneRecipients::displayAllRecipients() {
     core::procedure(module, "displayAllRecipients", [&](core::Frame& frame) {
         platform::Recordset recipients = mdlDatabase::getRecipients();
-        const mdlDatabase::DeviceCounts counts = mdlDatabase::countDevicesByRecipient();
+        const auto counts = mdlDatabase::countDevicesByRecipient().value_or(mdlDatabase::DeviceCounts());
         frame.step([&] { vsflexgridAllRecipients->setColumns(gridColumns()); });
         ui::addRecords(frame, *vsflexgridAllRecipients, recipients,
                        [&](const platform::Recordset& row) { return gridRow(row, counts); });

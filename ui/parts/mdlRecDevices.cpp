@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -106,12 +107,13 @@ bool populateRecipientsList(KeyedTree& tree, long eventKey, DeviceSelection& sel
                             bool assignedOnly) {
     return core::procedure(module, "populateRecipientsList", false, [&](Frame& frame, bool& whole) {
         Recordset recipients = mdlDatabase::getRecipients();  // by name already
-        const mdlDatabase::DeviceCounts counts =
+        // Counts that could not be read are not nobody's: a list without them would look whole.
+        const std::optional<mdlDatabase::DeviceCounts> counts =
             assignedOnly ? mdlDatabase::DeviceCounts() : mdlDatabase::countDevicesByRecipient();
         Sources sources;
         const bool read = frame.step([&] { sources = readSources(eventKey); });
         frame.step([&] { tree.clearNodes(); });
-        if (!read || recipients.state() != ObjectState::open)
+        if (!read || !counts || recipients.state() != ObjectState::open)
             return;
         bool added = true;
         {
@@ -119,7 +121,7 @@ bool populateRecipientsList(KeyedTree& tree, long eventKey, DeviceSelection& sel
             while (!recipients.EOF_()) {
                 added = frame.step([&] {
                     const long key = recipients.number("RecipientKey");
-                    if (assignedOnly ? sources.assigned.contains(key) : counts.contains(key))
+                    if (assignedOnly ? sources.assigned.contains(key) : counts->contains(key))
                         addRecipient(frame, tree, recipients, sources, selectedDevices);
                 }) && added;
                 added = frame.step([&] { recipients.moveNext(); }) && added;

@@ -4,6 +4,7 @@
 #include <QPushButton>
 
 #include "database/assignment.h"
+#include "support/failingRead.h"
 #include "support/mainWindowFixture.h"
 #include "ui/dialogs/dlgEditRecipients.h"
 #include "ui/parts/mdlRecDevices.h"
@@ -135,6 +136,26 @@ TEST_F(RecipientTree, DialogCollectsWithMouseAndKeyboardAndWritesNothing) {
     dialog.displayForm(event, "Backup (17)");
     EXPECT_TRUE(dialog.cancelled);
     EXPECT_EQ(value("SELECT Count(*) FROM EventDevice"), "3");
+}
+
+// OK replaces what the event has, so it is off as soon as one of the list's reads has failed.
+TEST_F(RecipientTree, DialogTakesNothingFromAListThatWasNotRead) {
+    dlgEditRecipients dialog(nullptr);
+    bool cameToIt = true;
+    int number = 1;
+    for (; cameToIt; ++number) {
+        const support::FailingRead read(number);
+        script.expect("dlgEditRecipients", [&](QWidget& shownDialog) {
+            cameToIt = read.cameToIt();
+            auto& ok = *shownDialog.findChild<QPushButton*>("cmdOk");
+            EXPECT_EQ(ok.isEnabled(), !cameToIt) << number;
+            QTest::mouseClick(&ok, Qt::LeftButton);
+            QTest::keyClick(&shownDialog, Qt::Key_Escape);
+        });
+        dialog.displayForm(event, "Backup (17)");
+        EXPECT_EQ(dialog.cancelled, cameToIt) << number;
+    }
+    EXPECT_GT(number, 4);
 }
 
 }  // namespace
