@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "core/procedure.h"
@@ -60,11 +61,12 @@ class ContentGroup : public QObject {
     // Fills all controls with what new events start from, in steps of the caller's frame.
     void showDefaults(core::Frame& frame);
     // Fills them with an event's stored contents. Required: a type of content that the event lacks leaves its
-    // controls with what the event before had there.
+    // controls with what the event before had there. It is not this event's: see shown().
     void showStored(core::Frame& frame, platform::Recordset& contents);
     // Empties the texts.
     void blank();
-    // What the controls hold.
+    // What the controls hold, as it is to be stored. What the event before left there, and nobody changed,
+    // counts as what new events start from: no event gets another one's mail.
     mdlDatabase::EventContent shown() const;
 
     QLineEdit* txtVoiceMailFileName;
@@ -79,12 +81,17 @@ class ContentGroup : public QObject {
     void layOut(QWidget& area);
     void keepPriority(QComboBox& list, const char* handler, long& priority);
     void cmdVoiceMailBrowse_Click();
+    mdlDatabase::EventContent inControls() const;
+    void forgetLeftOver();
 
     std::string module_;
     std::function<void()> priorityClicked_;
     // Stored values: 2 Urgent, 1 Normal, 0 Low, which the lists do not offer.
     long voiceMailPriority_ = 0;
     long emailPriority_ = 0;
+    // What stood in the controls of a type of content that the event lacks.
+    std::optional<mdlDatabase::EventContent> leftOverVoice_;
+    std::optional<mdlDatabase::EventContent> leftOverMail_;
     QLabel* lblVoiceMailFilename;
     QLabel* lblVoiceMailPriority;
     QLabel* lblEmailSubject;
