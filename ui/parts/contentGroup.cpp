@@ -33,10 +33,14 @@ VariableTextBox* makeTextBox(VariableTextBox::Lines lines, QWidget& area, const 
 constexpr char voicePrioritySetting[] = "DefaultVoiceMailPriority";
 constexpr char emailPrioritySetting[] = "DefaultEmailPriority";
 
-long defaultPriority(const char* setting) {
+long priorityFrom(const std::string& text) {
     bool isNumber = false;
-    const int stored = fromUtf8(mdlDatabase::getConfigurationSetting(setting)).toInt(&isNumber);
+    const int stored = fromUtf8(text).toInt(&isNumber);
     return isNumber ? stored : 2;
+}
+
+long defaultPriority(const char* setting) {
+    return priorityFrom(mdlDatabase::getConfigurationSetting(setting));
 }
 
 // A priority that is no number is none of this event, and the one of the event before is not either.
@@ -132,22 +136,34 @@ void ContentGroup::controlInit() {
         variables->controlInit();
 }
 
+std::string ContentGroup::setting(const char* name) {
+    const std::optional<std::string> value = mdlDatabase::readConfigurationSetting(name);
+    defaultsWereRead_ = defaultsWereRead_ && value;
+    return value.value_or(std::string());
+}
+
+// The built-in texts stand in for settings without a text only.
 void ContentGroup::showDefaultVoiceFile() {
-    txtVoiceMailFileName->setText(fromUtf8(mdlDatabase::getDefaultContent(1).text));
+    const std::string stored = setting("DefaultWavAttachment");
+    txtVoiceMailFileName->setText(fromUtf8(stored.empty() ? mdlDatabase::getDefaultContent(1).text : stored));
 }
 
 void ContentGroup::showDefaultMail() {
-    const auto parts = mdlDatabase::getDefaultContent(3).parts;
-    rtbEmailSubject->setStoredText(parts.at("Subject"));
-    rtbEmailBody->setStoredText(parts.at("Body"));
+    const std::string subject = setting("DefaultEmailSubject");
+    const std::string body = setting("DefaultEmailBody");
+    std::map<std::string, std::string> builtIn;
+    if (subject.empty() || body.empty())
+        builtIn = mdlDatabase::getDefaultContent(3).parts;
+    rtbEmailSubject->setStoredText(subject.empty() ? builtIn.at("Subject") : subject);
+    rtbEmailBody->setStoredText(body.empty() ? builtIn.at("Body") : body);
 }
 
 void ContentGroup::showDefaultVoiceMailPriority() {
-    showPriority(*comboVoiceMailPriority, defaultPriority(voicePrioritySetting));
+    showPriority(*comboVoiceMailPriority, priorityFrom(setting(voicePrioritySetting)));
 }
 
 void ContentGroup::showDefaultEmailPriority() {
-    showPriority(*comboEmailPriority, defaultPriority(emailPrioritySetting));
+    showPriority(*comboEmailPriority, priorityFrom(setting(emailPrioritySetting)));
 }
 
 void ContentGroup::showPriority(QComboBox& list, long stored) {

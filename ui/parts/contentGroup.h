@@ -53,6 +53,8 @@ class ContentGroup : public QObject {
     void showDefaultMail();
     void showDefaultVoiceMailPriority();
     void showDefaultEmailPriority();
+    // False once a setting behind one of these could not be read; something else is shown in its place then.
+    bool defaultsWereRead() const { return defaultsWereRead_; }
     // Selects the row of a stored priority: 2 is row 0, 1 is row 1, anything else but 0 is row 0. The lists
     // have no row for 0: nothing is selected then, so that a save keeps the 0, and 5 is raised so that the
     // log tells.
@@ -81,6 +83,7 @@ class ContentGroup : public QObject {
     void layOut(QWidget& area);
     void keepPriority(QComboBox& list, const char* handler, long& priority);
     void cmdVoiceMailBrowse_Click();
+    std::string setting(const char* name);
     mdlDatabase::EventContent inControls() const;
     void forgetLeftOver();
 
@@ -89,6 +92,7 @@ class ContentGroup : public QObject {
     // Stored values: 2 Urgent, 1 Normal, 0 Low, which the lists do not offer.
     long voiceMailPriority_ = 0;
     long emailPriority_ = 0;
+    bool defaultsWereRead_ = true;
     // What stood in the controls of a type of content that the event lacks.
     std::optional<mdlDatabase::EventContent> leftOverVoice_;
     std::optional<mdlDatabase::EventContent> leftOverMail_;
