@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QSignalBlocker>
 
 #include "ui/base/text.h"
@@ -29,6 +30,18 @@ class WheelGuard : public QObject {
 };
 
 }  // namespace
+
+void keepOnOneLine(QLineEdit& line) {
+    // Told before the change is, so that no handler acts on the breaks.
+    QObject::connect(&line, &QLineEdit::textEdited, &line, [&line](const QString& edited) {
+        const QString single = onOneLine(edited);
+        if (single == edited)
+            return;
+        const auto cursor = onOneLine(edited.left(line.cursorPosition())).size();
+        line.setText(single);
+        line.setCursorPosition(static_cast<int>(cursor));
+    });
+}
 
 void fillCombo(QComboBox& combo, std::initializer_list<long> texts) {
     const int row = combo.currentIndex();

@@ -7,11 +7,17 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <type_traits>
 
 class QComboBox;
 class QHBoxLayout;
+class QLineEdit;
 
 namespace ui {
+
+// What a person brings into the line stays on it: the toolkit would paint the line breaks of a pasted text as
+// blanks and keep them. What the database holds stays as it is until it is edited.
+void keepOnOneLine(QLineEdit& line);
 
 // A control with its object name; the parent owns it. A line takes a text of any length, unless its class has
 // a limit of its own: the toolkit's limit would cut off what the database holds.
@@ -24,6 +30,8 @@ Control* makeControl(QWidget* parent, const std::string& name) {
         if (control->maxLength() == toolkitLimit)
             control->setMaxLength(std::numeric_limits<int>::max());
     }
+    if constexpr (std::is_same_v<Control, QLineEdit>)
+        keepOnOneLine(*control);
     return control;
 }
 

@@ -96,7 +96,8 @@ std::optional<std::string> MessageBoxes::inputBox(const std::string& text, const
     window.setTextValue(fromUtf8(initial));
     constexpr int width = 420;  // for a file's name
     window.resize(width, window.sizeHint().height());
-    return window.exec() == QDialog::Accepted ? std::optional(toUtf8(window.textValue())) : std::nullopt;
+    return window.exec() == QDialog::Accepted ? std::optional(toUtf8(onOneLine(window.textValue())))
+                                              : std::nullopt;
 }
 
 std::optional<std::string> MessageBoxes::openFile(const FileQuestion& question) {

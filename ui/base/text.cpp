@@ -1,5 +1,7 @@
 #include "ui/base/text.h"
 
+#include <QRegularExpression>
+
 #include "core/modLocalize.h"
 
 namespace ui {
@@ -19,6 +21,11 @@ QString breakable(const QString& text) {
         result += c;
     }
     return result;
+}
+
+QString onOneLine(QString text) {
+    static const QRegularExpression lineBreak("\\r\\n|[\\n\\r\\v\\f\\x{85}\\x{2028}\\x{2029}]");
+    return text.replace(lineBreak, QLatin1String(" "));
 }
 
 QString text(long id) {

@@ -18,6 +18,9 @@ inline std::string toUtf8(const QString& text) {
 // The text with places in its long words at which a line may be broken, so that it fits a window.
 QString breakable(const QString& text);
 
+// The text with a blank for each line break, of whatever kind.
+QString onOneLine(QString text);
+
 // The string-table text of an id, for a window.
 QString text(long id);
 

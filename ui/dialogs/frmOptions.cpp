@@ -19,7 +19,7 @@
 #include "ui/widgets/limitedNumberBox.h"
 #include "ui/widgets/variableTextBox.h"
 
-using mdlDatabase::getConfigurationSetting;
+using mdlDatabase::readConfigurationSetting;
 using mdlDatabase::setConfigurationSetting;
 
 namespace {
@@ -151,13 +151,23 @@ void frmOptions::frmOptions_ControlInit() {
     });
 }
 
+// What could not be read shows as something else, which must not be written over it: OK and Apply wait for a
+// window that was read whole. The log tells what was in the way.
 void frmOptions::loadOptions() {
     core::procedure(module, "loadOptions", [&](core::Frame& frame) {
-        const auto number = [](ui::LimitedNumberBox* box, const char* setting) {
-            box->setStoredNumber(getConfigurationSetting(setting));
+        bool whole = true;
+        for (QPushButton* button : {cmdOk, cmdApply})
+            button->setEnabled(false);
+        const auto stored = [&](const char* setting) {
+            const std::optional<std::string> value = readConfigurationSetting(setting);
+            whole = whole && value;
+            return value.value_or(std::string());
         };
-        const auto check = [](QCheckBox* box, const char* setting) {
-            box->setChecked(getConfigurationSetting(setting) == checkedText);
+        const auto number = [&](ui::LimitedNumberBox* box, const char* setting) {
+            box->setStoredNumber(stored(setting));
+        };
+        const auto check = [&](QCheckBox* box, const char* setting) {
+            box->setChecked(stored(setting) == checkedText);
         };
         frame.step([&] { number(tdbnumliteNoficationInterval, "EventNotificationInterval"); });
         frame.step([&] { number(tdbnumliteEventlogPollingInterval, "PollingInterval"); });
@@ -171,6 +181,9 @@ void frmOptions::loadOptions() {
         frame.step([&] { content->showDefaultEmailPriority(); });
         frame.step([&] { check(chkWarnOnDuplicateMonitoredEvents, "WarnOnDuplicateMonitoredEvents"); });
         frame.step([&] { check(chkMaxDiagnostics, "MaxDiag"); });
+        whole = whole && content->defaultsWereRead();
+        for (QPushButton* button : {cmdOk, cmdApply})
+            button->setEnabled(whole);
     });
 }
 

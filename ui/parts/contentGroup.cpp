@@ -30,10 +30,26 @@ VariableTextBox* makeTextBox(VariableTextBox::Lines lines, QWidget& area, const 
     return box;
 }
 
-void showDefaultPriority(QComboBox& list, const char* setting) {
+constexpr char voicePrioritySetting[] = "DefaultVoiceMailPriority";
+constexpr char emailPrioritySetting[] = "DefaultEmailPriority";
+
+long priorityFrom(const std::string& text) {
     bool isNumber = false;
-    const int stored = fromUtf8(mdlDatabase::getConfigurationSetting(setting)).toInt(&isNumber);
-    ContentGroup::showPriority(list, isNumber ? stored : 2);
+    const int stored = fromUtf8(text).toInt(&isNumber);
+    return isNumber ? stored : 2;
+}
+
+long defaultPriority(const char* setting) {
+    return priorityFrom(mdlDatabase::getConfigurationSetting(setting));
+}
+
+// A priority that is no number is none of this event, and the one of the event before is not either.
+void showStoredPriority(core::Frame& frame, QComboBox& list, const platform::Recordset& contents,
+                        const char* setting) {
+    long stored = 0;
+    if (!frame.step([&] { stored = contents.number("ContentPriority"); }))
+        stored = defaultPriority(setting);
+    frame.step([&] { ContentGroup::showPriority(list, stored); });
 }
 
 }  // namespace
@@ -120,22 +136,34 @@ void ContentGroup::controlInit() {
         variables->controlInit();
 }
 
+std::string ContentGroup::setting(const char* name) {
+    const std::optional<std::string> value = mdlDatabase::readConfigurationSetting(name);
+    defaultsWereRead_ = defaultsWereRead_ && value;
+    return value.value_or(std::string());
+}
+
+// The built-in texts stand in for settings without a text only.
 void ContentGroup::showDefaultVoiceFile() {
-    txtVoiceMailFileName->setText(fromUtf8(mdlDatabase::getDefaultContent(1).text));
+    const std::string stored = setting("DefaultWavAttachment");
+    txtVoiceMailFileName->setText(fromUtf8(stored.empty() ? mdlDatabase::getDefaultContent(1).text : stored));
 }
 
 void ContentGroup::showDefaultMail() {
-    const auto parts = mdlDatabase::getDefaultContent(3).parts;
-    rtbEmailSubject->setStoredText(parts.at("Subject"));
-    rtbEmailBody->setStoredText(parts.at("Body"));
+    const std::string subject = setting("DefaultEmailSubject");
+    const std::string body = setting("DefaultEmailBody");
+    std::map<std::string, std::string> builtIn;
+    if (subject.empty() || body.empty())
+        builtIn = mdlDatabase::getDefaultContent(3).parts;
+    rtbEmailSubject->setStoredText(subject.empty() ? builtIn.at("Subject") : subject);
+    rtbEmailBody->setStoredText(body.empty() ? builtIn.at("Body") : body);
 }
 
 void ContentGroup::showDefaultVoiceMailPriority() {
-    showDefaultPriority(*comboVoiceMailPriority, "DefaultVoiceMailPriority");
+    showPriority(*comboVoiceMailPriority, priorityFrom(setting(voicePrioritySetting)));
 }
 
 void ContentGroup::showDefaultEmailPriority() {
-    showDefaultPriority(*comboEmailPriority, "DefaultEmailPriority");
+    showPriority(*comboEmailPriority, priorityFrom(setting(emailPrioritySetting)));
 }
 
 void ContentGroup::showPriority(QComboBox& list, long stored) {
@@ -151,6 +179,7 @@ void ContentGroup::colorTexts() {
 }
 
 void ContentGroup::showDefaults(core::Frame& frame) {
+    forgetLeftOver();
     frame.step([&] { showDefaultVoiceFile(); });
     frame.step([&] { showDefaultVoiceMailPriority(); });
     frame.step([&] { showDefaultMail(); });
@@ -158,36 +187,65 @@ void ContentGroup::showDefaults(core::Frame& frame) {
     colorTexts();
 }
 
+void ContentGroup::forgetLeftOver() {
+    leftOverVoice_.reset();
+    leftOverMail_.reset();
+}
+
 void ContentGroup::showStored(core::Frame& frame, platform::Recordset& contents) {
+    forgetLeftOver();
     const auto find = [&](int type) {
         contents.moveFirst();
         contents.find("ContentType = " + std::to_string(type));
         return !contents.EOF_();
     };
     frame.step([&] {
-        if (!find(1))
+        if (!find(1)) {
+            leftOverVoice_ = inControls();
             return;
+        }
         frame.step(
             [&] { txtVoiceMailFileName->setText(fromUtf8(textOrEmpty(contents, "ContentAttachment"))); });
-        frame.step([&] { showPriority(*comboVoiceMailPriority, contents.number("ContentPriority")); });
+        showStoredPriority(frame, *comboVoiceMailPriority, contents, voicePrioritySetting);
     });
     frame.step([&] {
-        if (!find(3))
+        if (!find(3)) {
+            leftOverMail_ = inControls();
             return;
+        }
         frame.step([&] { rtbEmailSubject->setStoredText(textOrEmpty(contents, "ContentSubject")); });
         frame.step([&] { rtbEmailBody->setStoredText(textOrEmpty(contents, "ContentNote")); });
-        frame.step([&] { showPriority(*comboEmailPriority, contents.number("ContentPriority")); });
+        showStoredPriority(frame, *comboEmailPriority, contents, emailPrioritySetting);
         frame.step([&] { colorTexts(); });
     });
 }
 
 void ContentGroup::blank() {
+    forgetLeftOver();
     txtVoiceMailFileName->clear();
     rtbEmailSubject->setStoredText("");
     rtbEmailBody->setStoredText("");
 }
 
 mdlDatabase::EventContent ContentGroup::shown() const {
+    mdlDatabase::EventContent content = inControls();
+    if (leftOverVoice_ && content.contentAttachment == leftOverVoice_->contentAttachment &&
+        content.voicePriority == leftOverVoice_->voicePriority) {
+        content.contentAttachment = mdlDatabase::getDefaultContent(1).text;
+        content.voicePriority = defaultPriority(voicePrioritySetting);
+    }
+    if (leftOverMail_ && content.contentSubject == leftOverMail_->contentSubject &&
+        content.contentNote == leftOverMail_->contentNote &&
+        content.emailPriority == leftOverMail_->emailPriority) {
+        const auto parts = mdlDatabase::getDefaultContent(3).parts;
+        content.contentSubject = parts.at("Subject");
+        content.contentNote = parts.at("Body");
+        content.emailPriority = defaultPriority(emailPrioritySetting);
+    }
+    return content;
+}
+
+mdlDatabase::EventContent ContentGroup::inControls() const {
     return {toUtf8(txtVoiceMailFileName->text()), voiceMailPriority_, rtbEmailSubject->storedText(),
             rtbEmailBody->storedText(), emailPriority_};
 }

@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "core/procedure.h"
@@ -52,6 +53,8 @@ class ContentGroup : public QObject {
     void showDefaultMail();
     void showDefaultVoiceMailPriority();
     void showDefaultEmailPriority();
+    // False once a setting behind one of these could not be read; something else is shown in its place then.
+    bool defaultsWereRead() const { return defaultsWereRead_; }
     // Selects the row of a stored priority: 2 is row 0, 1 is row 1, anything else but 0 is row 0. The lists
     // have no row for 0: nothing is selected then, so that a save keeps the 0, and 5 is raised so that the
     // log tells.
@@ -60,11 +63,12 @@ class ContentGroup : public QObject {
     // Fills all controls with what new events start from, in steps of the caller's frame.
     void showDefaults(core::Frame& frame);
     // Fills them with an event's stored contents. Required: a type of content that the event lacks leaves its
-    // controls with what the event before had there.
+    // controls with what the event before had there. It is not this event's: see shown().
     void showStored(core::Frame& frame, platform::Recordset& contents);
     // Empties the texts.
     void blank();
-    // What the controls hold.
+    // What the controls hold, as it is to be stored. What the event before left there, and nobody changed,
+    // counts as what new events start from: no event gets another one's mail.
     mdlDatabase::EventContent shown() const;
 
     QLineEdit* txtVoiceMailFileName;
@@ -79,12 +83,19 @@ class ContentGroup : public QObject {
     void layOut(QWidget& area);
     void keepPriority(QComboBox& list, const char* handler, long& priority);
     void cmdVoiceMailBrowse_Click();
+    std::string setting(const char* name);
+    mdlDatabase::EventContent inControls() const;
+    void forgetLeftOver();
 
     std::string module_;
     std::function<void()> priorityClicked_;
     // Stored values: 2 Urgent, 1 Normal, 0 Low, which the lists do not offer.
     long voiceMailPriority_ = 0;
     long emailPriority_ = 0;
+    bool defaultsWereRead_ = true;
+    // What stood in the controls of a type of content that the event lacks.
+    std::optional<mdlDatabase::EventContent> leftOverVoice_;
+    std::optional<mdlDatabase::EventContent> leftOverMail_;
     QLabel* lblVoiceMailFilename;
     QLabel* lblVoiceMailPriority;
     QLabel* lblEmailSubject;

@@ -4,7 +4,6 @@
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QMimeData>
-#include <QRegularExpression>
 #include <QScrollBar>
 #include <QTextDocument>
 
@@ -65,13 +64,8 @@ void VariableTextBox::setStoredText(const std::string& text) {
 }
 
 // As the box may hold it: on one line, however many the text has.
-QString VariableTextBox::asLines(QString text) const {
-    if (lines_ == Lines::one) {
-        text.replace(QLatin1String("\r\n"), QLatin1String(" "));
-        static const QRegularExpression lineBreak("[\\n\\r\\v\\f\\x{85}\\x{2028}\\x{2029}]");
-        text.replace(lineBreak, QLatin1String(" "));
-    }
-    return text;
+QString VariableTextBox::asLines(const QString& text) const {
+    return lines_ == Lines::one ? onOneLine(text) : text;
 }
 
 // The toolkit looks for a word's end on each line that the word fills. Above this length of a word lines are
@@ -153,8 +147,9 @@ void VariableTextBox::changeEvent(QEvent* event) {
 
 void VariableTextBox::keyPressEvent(QKeyEvent* event) {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (enter && lines_ == Lines::one) {
-        event->ignore();  // a dialog's default button takes it
+    // Some keyboards have a key for a line's end that is a character of its own.
+    if (lines_ == Lines::one && (enter || asLines(event->text()) != event->text())) {
+        event->ignore();  // a dialog's default button takes Enter
         return;
     }
     QTextEdit::keyPressEvent(event);

@@ -48,7 +48,7 @@ class VariableTextBox : public QTextEdit {
 
   private:
     int charFromPos(const QPoint& position) const;
-    QString asLines(QString text) const;
+    QString asLines(const QString& text) const;
     void limitWrapping(const QString& coming);
 
     Lines lines_;

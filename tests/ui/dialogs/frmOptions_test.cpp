@@ -116,6 +116,34 @@ TEST_F(Options, ApplyKeepsWhatCancelWouldLose) {
     EXPECT_EQ(stored("ReportDataAging"), "7");
 }
 
+TEST_F(Options, SettingsThatCouldNotBeReadAreNotOverwritten) {
+    run("UPDATE Configuration SET Value = '77' WHERE Setting = 'EventNotificationInterval';"
+        "UPDATE Configuration SET Value = 'mine' WHERE Setting = 'DefaultEmailSubject'");
+    const Lines before = rows("SELECT * FROM Configuration ORDER BY Setting");
+    // All of them, and one in the middle alone.
+    for (const char* unreadable : {"SELECT * FROM NoSuchTable",
+                                   "SELECT Setting, "
+                                   "CASE Setting WHEN 'DefaultEmailPriority' THEN "
+                                   "abs(-9223372036854775807 - 1) ELSE Value END AS Value FROM Kept"}) {
+        open();
+        run("ALTER TABLE Configuration RENAME TO Kept; CREATE VIEW Configuration AS " +
+            std::string(unreadable));
+        work([&] {
+            run("DROP VIEW Configuration; ALTER TABLE Kept RENAME TO Configuration");
+            for (const char* button : {"cmdApply", "cmdOk"}) {
+                EXPECT_FALSE(in<QPushButton>(button).isEnabled());
+                click(button);
+            }
+            EXPECT_TRUE(options->isVisible());
+        });
+        EXPECT_EQ(rows("SELECT * FROM Configuration ORDER BY Setting"), before);
+        EXPECT_GE(host.countInLog("ERROR", "getConfigurationSetting", "Err.Number"), 1);
+    }
+    // The next opening reads anew.
+    work([&] { click("cmdOk"); });
+    EXPECT_EQ(rows("SELECT * FROM Configuration ORDER BY Setting"), before);
+}
+
 TEST_F(Options, BoxesRefuseNumbersOutsideTheirLimitsAndShowIt) {
     run("UPDATE Configuration SET Value = '999' WHERE Setting = 'ReportDataAging'");
     work([&] {

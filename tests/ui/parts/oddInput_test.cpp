@@ -2,8 +2,9 @@
 // that was typed is dropped.
 #include <gtest/gtest.h>
 
-#include <QClipboard>
 #include <QComboBox>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QLabel>
@@ -17,6 +18,7 @@
 
 #include "database/exclusions.h"
 #include "support/mainWindowFixture.h"
+#include "support/person.h"
 #include "ui/base/formFonts.h"
 #include "ui/base/messageBoxes.h"
 #include "ui/dialogs/dlgAddExclusion.h"
@@ -24,6 +26,7 @@
 #include "ui/dialogs/dlgExclusions.h"
 #include "ui/dialogs/dlgRecipient.h"
 #include "ui/dialogs/dlgServicePassword.h"
+#include "ui/parts/deviceTabs.h"
 #include "ui/widgets/entryList.h"
 #include "ui/widgets/limitsSign.h"
 #include "ui/widgets/textList.h"
@@ -33,11 +36,7 @@ namespace {
 
 using ui::VariableTextBox;
 
-void paste(QWidget& box, const QString& text) {
-    QGuiApplication::clipboard()->setText(text);
-    box.setFocus();
-    QTest::keyClick(&box, Qt::Key_V, Qt::ControlModifier);
-}
+using person::paste;
 
 class OddInput : public uiTest::MainWindow {
   protected:
@@ -92,11 +91,67 @@ TEST(OddInputAlone, ASubjectStaysOnOneLineHoweverItComes) {
     EXPECT_EQ(subject.storedText(), "a b c d e f g");
     subject.setStoredText(ui::toUtf8(odd));
     EXPECT_EQ(subject.storedText(), "a b c d e f g");
+    for (const int lineEnd : {0x2028, 0x2029}) {
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, {}, QString(QChar(lineEnd)));
+        QGuiApplication::sendEvent(&subject, &key);
+        EXPECT_EQ(subject.storedText(), "a b c d e f g");
+    }
     QInputMethodEvent method;
     method.setCommitString(QString("h") + QChar(0x2028) + "i");
     QGuiApplication::sendEvent(&subject, &method);
     EXPECT_EQ(subject.document()->blockCount(), 1);
     EXPECT_EQ(subject.storedText().find('\n'), std::string::npos);
+}
+
+// Everywhere: line ends would forge headers of a mail, lines of the log and texts of boxes.
+TEST_F(OddInput, EveryBoxOfOneLineKeepsWhatIsPastedOnOneLine) {
+    const QString odd = QString("a@b\r\nc\nd") + QChar(0x2028) + "e";
+    const std::string kept = "a@b c d e";
+    script.expect("dlgRecipient", [&](QWidget& dialog) {
+        paste(*dialog.findChild<QLineEdit*>("txtRecipientName"), odd);
+        auto& pages = *dialog.findChild<ui::DeviceTabs*>();
+        person::showPage(pages, 3);
+        auto* address = dialog.findChild<QLineEdit*>("txtSMTPAddress");
+        paste(*address, odd);
+        QTest::keyClick(address, Qt::Key_Return);
+        person::showPage(pages, 5);
+        person::click(dialog, "chkSyslogEnabled");
+        paste(*dialog.findChild<QLineEdit*>("txtSyslogHostAddress"), odd);
+        QTest::mouseClick(dialog.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
+    });
+    open();
+    clickNode("keyRecipients");
+    press("cmdCreateNewRecipient");
+    EXPECT_EQ(value("SELECT RecipientName FROM Recipients"), kept);
+    EXPECT_EQ(rows("SELECT DeviceAddress FROM Device ORDER BY DeviceType"),
+              (std::vector<std::string>{kept, kept}));
+
+    const long event = add("Alarm", "5");
+    window->loadNavigationTree(event);
+    paste(*find<QLineEdit>("txtEventTitle"), odd);
+    // Dragged in, and by a key.
+    auto* file = find<QLineEdit>("txtVoiceMailFileName");
+    file->clear();
+    QMimeData dragged;
+    dragged.setText(odd);
+    QDragEnterEvent enter({4, 4}, Qt::CopyAction, &dragged, Qt::LeftButton, {});
+    QGuiApplication::sendEvent(file, &enter);
+    QDropEvent drop(QPointF(4, 4), Qt::CopyAction, &dragged, Qt::LeftButton, {});
+    QGuiApplication::sendEvent(file, &drop);
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, {}, QString(QChar(0x2029)));
+    QGuiApplication::sendEvent(file, &key);
+    press("cmdEventApply");
+    EXPECT_EQ(value("SELECT EventTitle FROM Events WHERE EventKey = " + std::to_string(event)), kept);
+    EXPECT_EQ(value("SELECT ContentAttachment FROM Contents WHERE ContentType = 1 AND EventKey = " +
+                    std::to_string(event)),
+              kept + " ");
+
+    ui::MessageBoxes boxes;
+    script.expect("inputBox", [&](QWidget& box) {
+        paste(*box.findChild<QLineEdit*>(), odd);
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    EXPECT_EQ(boxes.inputBox("Name", "Name", "").value_or(""), kept);
 }
 
 TEST(OddInputAlone, AWordWithoutEndCostsAKeyNoSecond) {
