@@ -203,9 +203,9 @@ QPalette readablePalette(QPalette palette) {
 void applyAppearance() {
     initResources();
     QApplication::setStyle(new ConsoleStyle);  // which the application owns; the analyzer cannot see that
+    const QPalette asked = QApplication::palette();  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
     // Inactive events are told in grey, and so are buttons that wait: grey is text to be read here too.
-    QApplication::setPalette(
-        readablePalette(QApplication::palette()));  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
+    QApplication::setPalette(readablePalette(asked));
     QToolTip::setPalette(readablePalette(QToolTip::palette()));
 }
 
