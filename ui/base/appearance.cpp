@@ -7,7 +7,12 @@
 #include <QProxyStyle>
 #include <QStyleFactory>
 #include <QStyleOption>
-#include <cmath>
+#include <QToolTip>
+#include <QWidget>
+#include <algorithm>
+#include <vector>
+
+#include "ui/base/contrast.h"
 
 // Outside of every namespace, where the resources' own function stands.
 static void initResources() {
@@ -18,10 +23,34 @@ namespace ui {
 
 namespace {
 
-QColor mixture(const QColor& first, const QColor& second, float shareOfSecond) {
-    const auto mixed = [&](float a, float b) { return a + (b - a) * shareOfSecond; };
-    return QColor::fromRgbF(mixed(first.redF(), second.redF()), mixed(first.greenF(), second.greenF()),
-                            mixed(first.blueF(), second.blueF()));
+// The grounds that the style makes of the colour of buttons: it lightens dark ones, and they get lighter
+// towards their upper edge.
+Grounds buttonGrounds(const QColor& button) {
+    const QColor lower = button.lighter(100 + std::max(1, (180 - qGray(button.rgb())) / 6));
+    return {button, lower, lower.lighter(118)};
+}
+
+// The ground, moved as far away from the text as it takes to read the text on all that the style makes of it.
+QColor groundFor(const QColor& text, const QColor& ground, Grounds (*made)(const QColor&)) {
+    constexpr int steps = 20;
+    const QColor away = farthestFrom({text});
+    for (int i = 0; i < steps; ++i) {
+        const QColor moved = mixture(ground, away, static_cast<float>(i) / steps);
+        if (lowestContrast(text, made(moved)) >= readableContrast)
+            return moved;
+    }
+    return away;
+}
+
+// A row that is chosen is a little lighter at one edge and darker at the other.
+Grounds shaded(const QColor& ground) {
+    constexpr int shade = 103;
+    return {ground, ground.lighter(shade), ground.darker(shade)};
+}
+
+// A list, tree or grid that does not have the focus. The lists of boxes that have popped up have it always.
+bool isViewAside(const QWidget* widget) {
+    return widget && !widget->hasFocus() && widget->window()->windowType() != Qt::Popup;
 }
 
 class ConsoleStyle : public QProxyStyle {
@@ -83,9 +112,26 @@ class ConsoleStyle : public QProxyStyle {
         return mode == QIcon::Selected ? pixmap : QProxyStyle::generatedIconPixmap(mode, pixmap, option);
     }
 
+    // Only the part that has the focus looks as if it had it.
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+        const auto* item = qstyleoption_cast<const QStyleOptionViewItem*>(option);
+        if (element != CE_ItemViewItem || !item || !isViewAside(widget))
+            return QProxyStyle::drawControl(element, option, painter, widget);
+        QStyleOptionViewItem aside = *item;
+        aside.state &= ~State_Active;
+        QProxyStyle::drawControl(element, &aside, painter, widget);
+    }
+
     // On a dark ground the style's own edges of boxes and options, a shade darker than it, cannot be seen.
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override {
+        const auto* item = qstyleoption_cast<const QStyleOptionViewItem*>(option);
+        if (element == PE_PanelItemViewRow && item && isViewAside(widget)) {
+            QStyleOptionViewItem aside = *item;
+            aside.state &= ~State_Active;
+            return QProxyStyle::drawPrimitive(element, &aside, painter, widget);
+        }
         QProxyStyle::drawPrimitive(element, option, painter, widget);
         const bool isOption = element == PE_IndicatorRadioButton;
         if (!isOption && element != PE_IndicatorCheckBox)
@@ -112,44 +158,55 @@ class ConsoleStyle : public QProxyStyle {
     }
 };
 
-// Relative luminance of a colour, 0 to 1.
-double luminance(const QColor& color) {
-    const auto linear = [](double channel) {
-        return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+void makeTextsReadable(QPalette& palette, QPalette::ColorGroup group) {
+    const auto color = [&](QPalette::ColorRole role) { return palette.color(group, role); };
+    const auto settle = [&](QPalette::ColorRole text, const Grounds& grounds) {
+        palette.setColor(group, text, readable(color(text), grounds));
     };
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
-}
-
-double contrast(const QColor& a, const QColor& b) {
-    const double lighter = std::max(luminance(a), luminance(b));
-    const double darker = std::min(luminance(a), luminance(b));
-    return (lighter + 0.05) / (darker + 0.05);
-}
-
-// The first mixture of the two, from `grey` on, that can be read on the background.
-QColor readableGrey(const QColor& grey, const QColor& text, const QColor& background) {
-    constexpr double readable = 4.5;
-    constexpr int steps = 20;
-    for (int i = 0; i < steps; ++i) {
-        const QColor mixed = mixture(grey, text, static_cast<float>(i) / steps);
-        if (contrast(mixed, background) >= readable)
-            return mixed;
-    }
-    return text;
+    const QColor base = color(QPalette::Base);
+    // Every second row has a ground of its own, which is to be near the other's.
+    if (lowestContrast(farthestFrom({base}), {color(QPalette::AlternateBase)}) < readableContrast)
+        palette.setColor(group, QPalette::AlternateBase, base);
+    const QColor rows = color(QPalette::AlternateBase);
+    settle(QPalette::Text, {base, rows});
+    // The bar of the menus has the ground of the window and the text of the lists.
+    palette.setColor(group, QPalette::Window,
+                     groundFor(color(QPalette::Text), color(QPalette::Window), shaded));
+    settle(QPalette::WindowText, {color(QPalette::Window)});
+    settle(QPalette::PlaceholderText, {base});
+    settle(QPalette::Link, {base, rows});
+    settle(QPalette::LinkVisited, {base, rows});
+    settle(QPalette::ToolTipText, {color(QPalette::ToolTipBase)});
+    // Between the grounds of a button of a middle grey there is no colour for its text.
+    const QColor onButton = farthestFrom({buttonGrounds(color(QPalette::Button)).back()});
+    palette.setColor(group, QPalette::Button, groundFor(onButton, color(QPalette::Button), buttonGrounds));
+    settle(QPalette::ButtonText, buttonGrounds(color(QPalette::Button)));
+    palette.setColor(group, QPalette::Highlight,
+                     groundFor(color(QPalette::HighlightedText), color(QPalette::Highlight), shaded));
 }
 
 }  // namespace
 
+QPalette readablePalette(QPalette palette) {
+    // What is chosen in a part that does not have the focus is only tinted.
+    constexpr float tint = 0.3F;
+    palette.setColor(QPalette::Inactive, QPalette::Highlight,
+                     mixture(palette.color(QPalette::Active, QPalette::Base),
+                             palette.color(QPalette::Active, QPalette::Highlight), tint));
+    palette.setColor(QPalette::Inactive, QPalette::HighlightedText,
+                     farthestFrom({palette.color(QPalette::Inactive, QPalette::Highlight)}));
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled})
+        makeTextsReadable(palette, group);
+    return palette;
+}
+
 void applyAppearance() {
     initResources();
-    QApplication::setStyle(new ConsoleStyle);    // which the application owns; the analyzer cannot see that
-    QPalette palette = QApplication::palette();  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
-    // Inactive events are told in grey, so grey is text to be read here and not decoration.
-    palette.setColor(QPalette::Disabled, QPalette::Text,
-                     readableGrey(palette.color(QPalette::Disabled, QPalette::Text),
-                                  palette.color(QPalette::Active, QPalette::Text),
-                                  palette.color(QPalette::Active, QPalette::Base)));
-    QApplication::setPalette(palette);
+    QApplication::setStyle(new ConsoleStyle);  // which the application owns; the analyzer cannot see that
+    const QPalette asked = QApplication::palette();  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
+    // Inactive events are told in grey, and so are buttons that wait: grey is text to be read here too.
+    QApplication::setPalette(readablePalette(asked));
+    QToolTip::setPalette(readablePalette(QToolTip::palette()));
 }
 
 }  // namespace ui

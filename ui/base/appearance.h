@@ -2,7 +2,12 @@
 // palette whose grey can be read. Light and dark follow the system.
 #pragma once
 
+#include <QPalette>
+
 namespace ui {
+
+// The palette with every text readable on its ground: what is grey, marked or a link too.
+QPalette readablePalette(QPalette palette);
 
 // Sets style and palette of the application. Call once, after the application object is made.
 void applyAppearance();

@@ -1,5 +1,6 @@
 #include "ui/base/controls.h"
 
+#include <QAbstractButton>
 #include <QComboBox>
 #include <QEvent>
 #include <QHBoxLayout>
@@ -72,6 +73,13 @@ void nameByBuddy(QWidget& window) {
     for (const QLabel* label : window.findChildren<QLabel*>())
         if (label->buddy())
             label->buddy()->setAccessibleName(plainCaption(label->text()));
+}
+
+void captionSign(QAbstractButton& button, const QString& sign, const QString& meaning, const QString& group) {
+    button.setText(sign);
+    button.setToolTip(meaning);
+    button.setAccessibleName(meaning);
+    button.setAccessibleDescription(plainCaption(group));
 }
 
 void ignoreWheelWithoutFocus(QComboBox& combo) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <type_traits>
 
+class QAbstractButton;
 class QComboBox;
 class QHBoxLayout;
 class QLineEdit;
@@ -53,6 +54,11 @@ bool setComboText(const QString& text, QComboBox& combo);
 QString plainCaption(QString caption);
 // Gives every control that has a buddy label the label's caption as accessible name.
 void nameByBuddy(QWidget& window);
+
+// Captions a button with a sign. Its tip says what the sign means; so does its name to a program for disabled
+// people, which would say the tip behind it once more if it were not told the group that the button belongs
+// to.
+void captionSign(QAbstractButton& button, const QString& sign, const QString& meaning, const QString& group);
 
 // The wheel over a list changes it only while the list has the focus; else it scrolls what is around.
 void ignoreWheelWithoutFocus(QComboBox& combo);

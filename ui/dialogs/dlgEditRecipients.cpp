@@ -22,6 +22,7 @@ dlgEditRecipients::dlgEditRecipients(QWidget* parent) : QDialog(parent) {
     setObjectName("dlgEditRecipients");
     lblSelectRecipients = ui::makeControl<QLabel>(this, "lblSelectRecipients");
     tvRecipients = ui::makeControl<ui::KeyedTree>(this, "tvRecipients");
+    mdlRecDevices::describeStates(*tvRecipients);
     cmdOk = ui::makeControl<QPushButton>(this, "cmdOk");
     cmdCancel = ui::makeControl<QPushButton>(this, "cmdCancel");
     lblSelectRecipients->setBuddy(tvRecipients);

@@ -98,9 +98,8 @@ void dlgExclusions::dlgExclusions_ControlInit() {
             {">>", 1062}, {">", 1061}, {"<", 1060}, {"<<", 1059}};
         for (std::size_t i = 0; i < cmdExclusionButtons.size(); ++i) {
             QPushButton& button = *cmdExclusionButtons[i];
-            button.setText(buttons[i].first);
-            button.setToolTip(ui::text(buttons[i].second));
-            button.setAccessibleName(ui::text(buttons[i].second));
+            ui::captionSign(button, buttons[i].first, ui::text(buttons[i].second),
+                            lblExcludedSources->text());
         }
         cmdOk->setText(ui::text(1064));
         cmdCancel->setText(ui::text(1063));

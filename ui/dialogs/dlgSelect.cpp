@@ -122,9 +122,9 @@ void dlgSelect::dlgSelect_ControlInit() {
         for (QWidget* control : findChildren<QWidget*>())
             control->setToolTip(QString());
         txtSearchString->setText("*");
-        for (QWidget* control :
-             {static_cast<QWidget*>(comboSearchBy), static_cast<QWidget*>(txtSearchString)})
-            control->setAccessibleName(ui::plainCaption(frameSearchExtended->title()));
+        // The frame's title captions the list; what is typed is what the button beside it searches for.
+        comboSearchBy->setAccessibleName(ui::plainCaption(frameSearchExtended->title()));
+        txtSearchString->setAccessibleName(ui::plainCaption(cmdSearch->text()));
     });
 }
 
@@ -163,6 +163,7 @@ void dlgSelect::setupColumns(bool resetRows) {
             frame.step([&] { myGrid->cut(); });
         frame.step([&] { fillSearchByList(lists, resetRows); });
         setWindowTitle(ui::text(lists ? 1093 : 1090));
+        myGrid->setAccessibleName(windowTitle());
         frame.step([&] { myGrid->setColumns(lists ? listColumns() : subscriberColumns()); });
     });
 }

@@ -44,7 +44,9 @@ void frmAbout::createControls() {
     };
     picCorvaneLogo = label("picCorvaneLogo");
     picCorvaneLogo->setPixmap(QIcon(":/icons/corvane.svg").pixmap(logoSize, logoSize));
+    picCorvaneLogo->setAccessibleName("Corvane");
     picMeridaneLogo = label("picMeridaneLogo");
+    picMeridaneLogo->setAccessibleName("Meridane");
     picMeridaneLogo->setPixmap(QIcon(":/icons/meridane.svg").pixmap(makerLogoSize, makerLogoSize));
     lblProduct = label("lblProduct");
     QFont large = lblProduct->font();

@@ -35,9 +35,10 @@ std::string storedText(const QCheckBox& box) {
     return box.isChecked() ? checkedText : clearText;
 }
 
-// A tip that breaks its lines.
-QString tip(long id) {
-    return "<p>" + ui::text(id).toHtmlEscaped() + "</p>";
+// A tip that breaks its lines; a program for disabled people says its words and not its markup.
+void setTip(QWidget& control, long id) {
+    control.setToolTip("<p>" + ui::text(id).toHtmlEscaped() + "</p>");
+    control.setAccessibleDescription(ui::text(id));
 }
 
 ui::LimitedNumberBox* makeNumberBox(QWidget* parent, const char* name, int lowest, int highest) {
@@ -137,9 +138,9 @@ void frmOptions::frmOptions_ControlInit() {
         lblEventlogPollingInterval->setText(ui::text(1096));
         lblReportDataAging->setText(ui::text(1095));
         chkWarnOnDuplicateMonitoredEvents->setText(ui::text(1160));
-        chkWarnOnDuplicateMonitoredEvents->setToolTip(tip(1161));
+        setTip(*chkWarnOnDuplicateMonitoredEvents, 1161);
         chkMaxDiagnostics->setText(ui::text(1315));
-        chkMaxDiagnostics->setToolTip(tip(1316));
+        setTip(*chkMaxDiagnostics, 1316);
         content->controlInit();
         cmdOk->setText(ui::text(1001));
         cmdCancel->setText(ui::text(1023));

@@ -142,6 +142,8 @@ void HelpWindow::createLayout() {
     contents_->setAccessibleName(sidebar_->tabText(0));
     index_->setAccessibleName(sidebar_->tabText(1));
     searchText_->setAccessibleName(sidebar_->tabText(2));
+    indexFilter_->setAccessibleName(sidebar_->tabText(1));
+    hits_->setAccessibleName(sidebar_->tabText(2));
     auto* splitter = makeControl<QSplitter>(this, "helpSplitter");
     splitter->addWidget(sidebar_);
     splitter->addWidget(pages_);
@@ -214,6 +216,7 @@ void HelpWindow::followPage(const QUrl& url) {
     walk(contents_->invisibleRootItem());
     if (best)
         contents_->setCurrentItem(best);
+    pages_->setAccessibleName(pages_->documentTitle());
 }
 
 }  // namespace ui

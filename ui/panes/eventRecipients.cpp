@@ -24,6 +24,7 @@ EventRecipients::EventRecipients(QWidget* parent) : QGroupBox(parent) {
     setObjectName("frameRecipients");
     tvRecipients = ui::makeControl<ui::KeyedTree>(this, "tvRecipients");
     tvRecipients->setMinimumHeight(lowestTree);
+    mdlRecDevices::describeStates(*tvRecipients);
     cmdAddRecipient = ui::makeControl<QPushButton>(this, "cmdAddRecipient");
     cmdRemoveRecipient = ui::makeControl<QPushButton>(this, "cmdRemoveRecipient");
     auto* buttons = new QVBoxLayout;
@@ -41,12 +42,8 @@ EventRecipients::EventRecipients(QWidget* parent) : QGroupBox(parent) {
 
 void EventRecipients::controlInit() {
     setTitle(ui::text(1031));
-    cmdAddRecipient->setText("+");
-    cmdAddRecipient->setToolTip(ui::text(1110));
-    cmdAddRecipient->setAccessibleName(ui::text(1110));
-    cmdRemoveRecipient->setText(QChar(0x2212));  // minus
-    cmdRemoveRecipient->setToolTip(ui::text(1109));
-    cmdRemoveRecipient->setAccessibleName(ui::text(1109));
+    ui::captionSign(*cmdAddRecipient, "+", ui::text(1110), title());
+    ui::captionSign(*cmdRemoveRecipient, QChar(0x2212), ui::text(1109), title());  // minus
     tvRecipients->setAccessibleName(ui::text(1031));
 }
 

@@ -7,7 +7,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QVBoxLayout>
 #include <cstdint>
 #include <limits>
@@ -29,6 +28,7 @@
 #include "ui/parts/insertionVariables.h"
 #include "ui/parts/rowText.h"
 #include "ui/widgets/eventIdBox.h"
+#include "ui/widgets/formArea.h"
 #include "ui/widgets/keyedTree.h"
 #include "ui/widgets/limitsSign.h"
 #include "ui/widgets/variableTextBox.h"
@@ -109,15 +109,13 @@ QLayout* paneEventDetails::matchLayout() {
 }
 
 void paneEventDetails::buildLayout() {
-    auto* area = ui::makeControl<QScrollArea>(this, "VSViewPort1");
-    auto* inner = new QWidget(area);
+    auto* inner = new QWidget(this);
     auto* parts = new QVBoxLayout(inner);
     parts->addLayout(matchLayout());
     parts->addWidget(recipients, 1);
     parts->addWidget(frameContent, 2);
-    area->setWidget(inner);
-    area->setWidgetResizable(true);
-    area->setFrameShape(QFrame::NoFrame);
+    auto* area = new ui::FormArea(inner, this);
+    area->setObjectName("VSViewPort1");
     auto* outer = new QVBoxLayout(this);
     outer->setContentsMargins(6, 4, 6, 6);
     outer->addWidget(area, 1);

@@ -6,7 +6,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QTextDocument>
 #include <QVBoxLayout>
 
@@ -26,6 +25,7 @@
 #include "ui/parts/deviceTabs.h"
 #include "ui/parts/directoryEntry.h"
 #include "ui/parts/rowText.h"
+#include "ui/widgets/formArea.h"
 #include "ui/widgets/keyedTree.h"
 
 using mdlDatabase::DeviceType;
@@ -108,16 +108,13 @@ void paneRecipientDetails::buildLayout() {
     auto* events = new QVBoxLayout(frameEvents);
     events->addWidget(tvEventsMonitored);
 
-    auto* area = ui::makeControl<QScrollArea>(this, "VSViewPort2");
-    auto* inner = new QWidget(area);
+    auto* inner = new QWidget(this);
     auto* parts = new QVBoxLayout(inner);
-    parts->setContentsMargins(0, 0, 0, 0);
     parts->addLayout(name);
     parts->addWidget(frameDevices, 4);
     parts->addWidget(frameEvents, 1);
-    area->setWidget(inner);
-    area->setWidgetResizable(true);
-    area->setFrameShape(QFrame::NoFrame);
+    auto* area = new ui::FormArea(inner, this);
+    area->setObjectName("VSViewPort2");
     auto* outer = new QVBoxLayout(this);
     outer->setContentsMargins(6, 4, 6, 6);
     outer->addWidget(area, 1);

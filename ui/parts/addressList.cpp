@@ -24,8 +24,6 @@ AddressList::AddressList(Names names, QWidget* parent) : QWidget(parent), names_
     lblList = makeControl<QLabel>(this, names_.listLabel);
     list = makeControl<EntryList>(this, names_.list);
     cmdDelete = makeControl<QPushButton>(this, names_.remove);
-    cmdAdd->setText(">>");
-    cmdDelete->setText("X");
     for (QPushButton* button : {cmdAdd, cmdDelete}) {
         button->setEnabled(false);
         button->setAutoDefault(false);
@@ -70,11 +68,8 @@ void AddressList::buildLayout() {
 void AddressList::controlInit(const Texts& texts) {
     lblNew->setText(text(texts.newLabel));
     lblList->setText(text(texts.listLabel));
-    // Both buttons carry a sign; their tips say what it means.
-    cmdAdd->setToolTip(text(texts.addTip));
-    cmdAdd->setAccessibleName(text(texts.addTip));
-    cmdDelete->setToolTip(text(texts.removeTip));
-    cmdDelete->setAccessibleName(text(texts.removeTip));
+    captionSign(*cmdAdd, ">>", text(texts.addTip), lblList->text());
+    captionSign(*cmdDelete, "X", text(texts.removeTip), lblList->text());
 }
 
 void AddressList::clear() {

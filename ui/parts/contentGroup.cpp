@@ -120,9 +120,7 @@ void ContentGroup::followInTabOrder(QWidget& before) {
 
 void ContentGroup::controlInit() {
     lblVoiceMailFilename->setText(text(1038));
-    cmdVoiceMailBrowse->setText("...");
-    cmdVoiceMailBrowse->setToolTip(text(1044));
-    cmdVoiceMailBrowse->setAccessibleName(text(1044));
+    captionSign(*cmdVoiceMailBrowse, "...", text(1044), lblVoiceMailFilename->text());
     lblVoiceMailPriority->setText(text(1042));
     fillCombo(*comboVoiceMailPriority, {1035, 1036});
     lblEmailSubject->setText(text(1039));

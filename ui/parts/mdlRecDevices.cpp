@@ -12,6 +12,7 @@
 #include "database/devices.h"
 #include "database/recipients.h"
 #include "ui/parts/rowText.h"
+#include "ui/parts/stateWords.h"
 #include "ui/widgets/keyedTree.h"
 
 using core::Frame;
@@ -57,6 +58,13 @@ std::string deviceText(const RecipientDevice& device) {
     }
 }
 
+// Grey is not told by its colour alone.
+void markInactive(KeyedTree::NewNode& node) {
+    static const QIcon inactive(":/icons/inactive.svg");
+    if (node.greyed)
+        node.icon = inactive;
+}
+
 void addDevice(KeyedTree& tree, const std::string& recipientNode, const RecipientDevice& device,
                bool recipientActive, const Sources& sources, DeviceSelection& selectedDevices) {
     const auto assignment = sources.assignments.find(device.key);
@@ -69,6 +77,7 @@ void addDevice(KeyedTree& tree, const std::string& recipientNode, const Recipien
     node.checkBox = true;
     // Only what is on the event shows that it would not be heard.
     node.greyed = assignment != sources.assignments.end() && (!device.active || !recipientActive);
+    markInactive(node);
     tree.addNode(node);
     if (assignment == sources.assignments.end() || !assignment->second)
         return;
@@ -88,6 +97,7 @@ void addRecipient(Frame& frame, KeyedTree& tree, const Recordset& recipient, con
     node.checkBox = true;
     const bool active = !recipient.isNull("RecipientActive") && recipient.boolean("RecipientActive");
     node.greyed = !active;
+    markInactive(node);
     tree.addNode(node);
     const auto devices = sources.devices.find(node.info.key);
     if (devices == sources.devices.end())
@@ -133,6 +143,13 @@ bool populateRecipientsList(KeyedTree& tree, long eventKey, DeviceSelection& sel
         });
         frame.step([&] { recipients.close(); });
         whole = added;
+    });
+}
+
+void describeStates(KeyedTree& tree) {
+    tree.describeNodes([&tree](const std::string& key) {
+        const bool isRecipient = tree.info(key).nodeType == nodeTypeEventRecipient;
+        return isRecipient || tree.isGreyed(key) ? ui::activeWord(!tree.isGreyed(key)) : std::string();
     });
 }
 

@@ -20,6 +20,8 @@ using mdlDatabase::DeviceSelection;
 // False when something could not be read: whoever saved the selection then would take devices off the event.
 bool populateRecipientsList(ui::KeyedTree& tree, long eventKey, DeviceSelection& selectedDevices,
                             bool assignedOnly);
+// Has the tree tell a program for disabled people who and what is inactive, as its signs tell the eye.
+void describeStates(ui::KeyedTree& tree);
 // Ticks or clears a node and all that come after it at its level, with all below them.
 void checkAllChildren(ui::KeyedTree& tree, DeviceSelection& selectedDevices, const std::string& firstNode,
                       bool state);

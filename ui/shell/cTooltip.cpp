@@ -4,6 +4,7 @@
 #include <QCursor>
 #include <QEvent>
 #include <QGuiApplication>
+#include <QHelpEvent>
 #include <QScreen>
 #include <QToolTip>
 
@@ -27,7 +28,7 @@ QColor fromNumber(long color) {
 cTooltip::cTooltip(QObject* parent) : QObject(parent) {
     wait_.setSingleShot(true);
     pop_.setSingleShot(true);
-    connect(&wait_, &QTimer::timeout, this, &cTooltip::show);
+    connect(&wait_, &QTimer::timeout, this, [this] { show(QCursor::pos()); });
     connect(&pop_, &QTimer::timeout, this, &cTooltip::hide);
 }
 
@@ -200,15 +201,24 @@ bool cTooltip::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::Hide:
             hide();
             break;
-        case QEvent::ToolTip:
-            return true;  // this window stands in for the control's own tip
+        case QEvent::ToolTip: {
+            // This window stands in for the control's own tip. What is asked for where the pointer is not was
+            // asked for by a key, and comes at once.
+            const QPoint place = static_cast<QHelpEvent*>(event)->globalPos();
+            if (place != QCursor::pos()) {
+                hovered_ = qobject_cast<QWidget*>(watched);
+                show(place);
+            }
+            return true;
+        }
         default:
             break;
     }
     return QObject::eventFilter(watched, event);
 }
 
-void cTooltip::show() {
+void cTooltip::show(const QPoint& pointed) {
+    wait_.stop();
     const auto found =
         std::find_if(tools_.begin(), tools_.end(), [this](const Tool& t) { return t.control == hovered_; });
     if (!tip_ || found == tools_.end() || found->text.empty())
@@ -226,12 +236,12 @@ void cTooltip::show() {
         tip_->setMinimumWidth(0);
     }
     tip_->adjustSize();
-    QPoint place = QCursor::pos() + QPoint(2, 20);
-    if (const QScreen* screen = QGuiApplication::screenAt(QCursor::pos())) {
+    QPoint place = pointed + QPoint(2, 20);
+    if (const QScreen* screen = QGuiApplication::screenAt(pointed)) {
         const QRect area = screen->availableGeometry();
         place.setX(std::max(area.left(), std::min(place.x(), area.right() - tip_->width())));
         if (place.y() + tip_->height() > area.bottom())
-            place.setY(QCursor::pos().y() - tip_->height() - 4);
+            place.setY(pointed.y() - tip_->height() - 4);
     }
     tip_->move(place);
     tip_->show();

@@ -47,6 +47,8 @@ class cTooltip : public QObject {
     std::string ToolText(const QWidget* control) const;
     void setToolText(QWidget* control, const std::string& text);
 
+    // Takes the tip off the screen; the pointer has to come anew to bring it back.
+    void hide();
     // True while the tip is on the screen.
     bool isTipVisible() const;
 
@@ -60,8 +62,8 @@ class cTooltip : public QObject {
     };
     Tool* findTool(const QWidget* control);
     const Tool* findTool(const QWidget* control) const;
-    void show();
-    void hide();
+    // Beside that point of the screen.
+    void show(const QPoint& pointed);
 
     std::unique_ptr<QLabel> tip_;
     std::vector<Tool> tools_;

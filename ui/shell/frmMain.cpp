@@ -239,6 +239,7 @@ void frmMain::selectNode(std::string nodeKey) {
 void frmMain::tvNavigation_NodeClick(const std::string& clicked) {
     core::procedure(module, "tvNavigation_NodeClick", [&](core::Frame& frame) {
         const std::string nodeKey = clicked;  // copies: a save rebuilds the tree
+        tooltip_->hide();                     // a tip that a key has brought is that of the node before
         if (!tvNavigation->contains(nodeKey))
             return;
         const classNodeInfo info = tvNavigation->info(nodeKey);

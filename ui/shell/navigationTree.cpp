@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <set>
+#include <vector>
 
 #include "core/modLocalize.h"
 #include "core/state.h"
@@ -10,6 +11,7 @@
 #include "database/recipients.h"
 #include "platform/ado/ado.h"
 #include "ui/parts/rowText.h"
+#include "ui/parts/stateWords.h"
 
 using modLocalize::myLoadResString;
 using platform::Recordset;
@@ -44,12 +46,26 @@ void forEachRow(core::Frame& frame, Recordset& rows, const std::function<void()>
     frame.step([&] { rows.close(); });
 }
 
+// Whether an event is active, and why it notifies nobody all the same.
+std::vector<std::string> linesOfEvent(long eventKey) {
+    std::vector<std::string> lines{myLoadResString(mdlDatabase::isEventActive(eventKey) ? 1182 : 1183)};
+    const mdlDatabase::EventAnalysis analysis = mdlDatabase::analyzeEvent(eventKey);
+    for (const auto& [entry, text] :
+         {std::pair("Recipients", 1184L), {"ActiveRecipients", 1185L}, {"ActiveDevices", 1186L}}) {
+        const auto count = analysis.find(entry);
+        if (count != analysis.end() && count->second == 0)
+            lines.push_back(myLoadResString(text));
+    }
+    return lines;
+}
+
 }  // namespace
 
 NavigationTree::NavigationTree(ui::KeyedTree& tree)
     : tree_(tree),
       images_{QIcon(), QIcon(":/icons/category.svg"), QIcon(":/icons/complete.svg"),
               QIcon(":/icons/incomplete.svg"), QIcon(":/icons/inactive.svg")} {
+    tree_.describeNodes([this](const std::string& key) { return state(key); });
     connect(&tree, &ui::KeyedTree::nodeExpanded, this,
             [this](const std::string& key) { remember("tvNavigation_Expand", key, true); });
     connect(&tree, &ui::KeyedTree::nodeCollapsed, this,
@@ -238,13 +254,22 @@ std::string NavigationTree::toolTip(const std::string& nodeKey) const {
         if (info.nodeType != nodeTypeEvent)
             return;
         tip += "\n" + std::string(40, '-');
-        tip += "\n" + myLoadResString(mdlDatabase::isEventActive(info.key) ? 1182 : 1183);
-        const mdlDatabase::EventAnalysis analysis = mdlDatabase::analyzeEvent(info.key);
-        for (const auto& [entry, text] :
-             {std::pair("Recipients", 1184L), {"ActiveRecipients", 1185L}, {"ActiveDevices", 1186L}}) {
-            const auto count = analysis.find(entry);
-            if (count != analysis.end() && count->second == 0)
-                tip += "\n" + myLoadResString(text);
+        for (const std::string& line : linesOfEvent(info.key))
+            tip += "\n" + line;
+    });
+}
+
+std::string NavigationTree::state(const std::string& nodeKey) const {
+    return core::procedure(module, "stateOfNode", std::string(), [&](core::Frame& frame, std::string& state) {
+        classNodeInfo info;
+        frame.step([&] { info = tree_.info(nodeKey); });
+        if (info.nodeType == nodeTypeEvent) {
+            for (const std::string& line : linesOfEvent(info.key))
+                state += (state.empty() ? "" : ", ") + line;
+        } else if (info.nodeType == nodeTypeRecipient) {
+            state = ui::activeWord(mdlDatabase::isRecipientActive(info.key));
+            if (mdlDatabase::invalidRecipientDevices(info.key))
+                state += ", " + ui::unresolvedWord();
         }
     });
 }

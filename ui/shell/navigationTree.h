@@ -45,6 +45,8 @@ class NavigationTree : public QObject {
     std::optional<long> selectedKeyOf(long nodeType) const;
     // Text of the hover tip for a node.
     std::string toolTip(const std::string& nodeKey) const;
+    // The state that a node's sign and colour tell the eye, in words; empty for what has none.
+    std::string state(const std::string& nodeKey) const;
 
   private:
     // A root of the tree and what its children have in common.

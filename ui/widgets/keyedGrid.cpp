@@ -26,7 +26,8 @@ class ValueItem : public QTableWidgetItem {
   public:
     ValueItem(const KeyedGrid::Column& column, const KeyedGrid::Cell& cell)
         : column_(column), text_(shown(column) ? fromUtf8(cell.text) : QString()), value_(cell.value) {
-        setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+        setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable |
+                 (column.checkBox ? Qt::ItemIsUserCheckable : Qt::NoItemFlags));
         if (!value_.isValid())
             value_ = fromUtf8(cell.text);
         // A cell is one line high: line breaks of a long note show as blanks, the tip has the whole text.
@@ -37,8 +38,7 @@ class ValueItem : public QTableWidgetItem {
     }
 
     QVariant data(int role) const override {
-        const bool on = (role == Qt::DecorationRole || role == Qt::AccessibleTextRole) &&
-                        !column_.picture.isNull() && value_.toBool();
+        const bool on = role == Qt::DecorationRole && !column_.picture.isNull() && value_.toBool();
         switch (role) {
             case valueRole:
                 return value_;
@@ -52,8 +52,7 @@ class ValueItem : public QTableWidgetItem {
             case Qt::DecorationRole:
                 return on ? QVariant(column_.picture) : QVariant();
             case Qt::AccessibleTextRole:
-                // Who cannot see the picture is told what it stands for.
-                return on ? QVariant(fromUtf8(column_.header)) : QVariant();
+                return spoken();
             default:
                 return QTableWidgetItem::data(role);
         }
@@ -68,6 +67,13 @@ class ValueItem : public QTableWidgetItem {
     }
 
   private:
+    // Who cannot see the box or the picture is told what it stands for; whether a box is ticked is its state.
+    QVariant spoken() const {
+        if (column_.checkBox || (!column_.picture.isNull() && value_.toBool()))
+            return fromUtf8(column_.header);
+        return column_.picture.isNull() ? QVariant() : QVariant(fromUtf8(column_.header) + ": 0");
+    }
+
     static bool shown(const KeyedGrid::Column& column) { return !column.checkBox && column.picture.isNull(); }
 
     const KeyedGrid::Column& column_;
@@ -96,6 +102,11 @@ class CheckBoxDelegate : public QStyledItemDelegate {
         box.state |=
             index.data(Qt::CheckStateRole).toInt() == Qt::Checked ? QStyle::State_On : QStyle::State_Off;
         style->drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, painter, option.widget);
+    }
+
+    // Whoever hears of a click switches what the box stands for.
+    bool editorEvent(QEvent*, QAbstractItemModel*, const QStyleOptionViewItem&, const QModelIndex&) override {
+        return false;
     }
 };
 
@@ -354,6 +365,8 @@ void KeyedGrid::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void KeyedGrid::keyPressEvent(QKeyEvent* event) {
+    if (showTipByKey(*this, *event))
+        return;
     QTableWidget::keyPressEvent(event);
     if (!currentItem())
         return;

@@ -11,6 +11,7 @@
 
 #include "platform/failure.h"
 #include "ui/base/text.h"
+#include "ui/widgets/cellTip.h"
 
 namespace ui {
 
@@ -44,6 +45,16 @@ QBrush greyedText(const QWidget& tree) {
 }
 
 }  // namespace
+
+class KeyedTree::Item : public QTreeWidgetItem {
+  public:
+    QVariant data(int column, int role) const override {
+        if (role != Qt::AccessibleDescriptionRole)
+            return QTreeWidgetItem::data(column, role);
+        const auto* tree = static_cast<const KeyedTree*>(treeWidget());
+        return tree && tree->describe_ ? QVariant(fromUtf8(tree->describe_(tree->keyOf(this)))) : QVariant();
+    }
+};
 
 KeyedTree::KeyedTree(QWidget* parent) : QTreeWidget(parent) {
     header()->hide();
@@ -88,7 +99,7 @@ void KeyedTree::addNode(const NewNode& node) {
         order_.pop_back();
         throw platform::makeFailure(platform::elementNotFound, node.parent);
     }
-    auto item = std::make_unique<QTreeWidgetItem>();
+    auto item = std::make_unique<Item>();
     item->setText(0, fromUtf8(node.text));
     if (!node.icon.isNull())
         item->setIcon(0, node.icon);
@@ -293,6 +304,10 @@ void KeyedTree::mouseMoveEvent(QMouseEvent* event) {
 
 void KeyedTree::keyPressEvent(QKeyEvent* event) {
     const std::string before = selectedKey();
+    if (!before.empty() && isTipKey(*event))
+        emit pointerMoved(visualItemRect(currentItem()).center());  // the tip is that of this node then
+    if (showTipByKey(*this, *event))
+        return;
     {
         const QScopedValueRollback during(inEvent_, true);
         QTreeWidget::keyPressEvent(event);

@@ -5,9 +5,11 @@
 
 #include <QTreeWidget>
 #include <deque>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "ui/base/classNodeInfo.h"
@@ -22,6 +24,11 @@ class KeyedTree : public QTreeWidget {
 
     // For a tree whose clicks lead elsewhere: keys only move the selection, Enter and the space bar choose.
     void chooseByEnterOnly() { enterOnly_ = true; }
+
+    // What a program for disabled people says of a node behind its text: the state that its sign and its
+    // colour tell the eye. It is asked for when such a program wants it.
+    using Describe = std::function<std::string(const std::string& key)>;
+    void describeNodes(Describe describe) { describe_ = std::move(describe); }
 
     struct NewNode {
         std::string parent;  // key of the parent; empty for a root
@@ -102,6 +109,7 @@ class KeyedTree : public QTreeWidget {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
+    class Item;
     QTreeWidgetItem* find(std::string_view key) const;
     QTreeWidgetItem& get(std::string_view key) const;
     std::string keyOf(const QTreeWidgetItem* item) const;
@@ -125,6 +133,7 @@ class KeyedTree : public QTreeWidget {
     std::string pressedKey_;
     std::string chosenKey_;   // what was selected before the press
     std::string checkedKey_;  // whose box was switched by the present event
+    Describe describe_;
     int fills_ = 0;
     bool inEvent_ = false;
     bool enterOnly_ = false;

@@ -12,6 +12,7 @@ LimitsSign::LimitsSign(long long lowest, long long highest, QWidget* parent)
     : QWidget(parent), sign_(new QLabel(this)), text_(new QLabel(this)) {
     const int size = style()->pixelMetric(QStyle::PM_SmallIconSize);
     sign_->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
+    sign_->setAccessibleName("!");
     QSizePolicy keep = sign_->sizePolicy();
     keep.setRetainSizeWhenHidden(true);
     sign_->setSizePolicy(keep);

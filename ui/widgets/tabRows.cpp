@@ -1,6 +1,7 @@
 #include "ui/widgets/tabRows.h"
 
 #include <QAbstractButton>
+#include <QAccessibleWidget>
 #include <QButtonGroup>
 #include <QFrame>
 #include <QGridLayout>
@@ -8,6 +9,8 @@
 #include <QStyleOptionTab>
 #include <QStylePainter>
 #include <algorithm>
+
+#include "ui/base/controls.h"
 
 namespace ui {
 
@@ -66,14 +69,58 @@ class TabButton : public QAbstractButton {
     bool behind_ = false;
 };
 
+// The rows of tabs, apart from the pages.
+class TabStrip : public QWidget {
+  public:
+    using QWidget::QWidget;
+};
+
+// What a program for disabled people is told: a list of tabs, of which one is chosen.
+class AccessibleTab : public QAccessibleWidget {
+  public:
+    explicit AccessibleTab(QAbstractButton& tab)
+        : QAccessibleWidget(&tab, QAccessible::PageTab, QString()), tab_(tab) {}
+
+    QString text(QAccessible::Text kind) const override {
+        return kind == QAccessible::Name ? plainCaption(tab_.text()) : QAccessibleWidget::text(kind);
+    }
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.selectable = true;
+        state.selected = tab_.isChecked();
+        return state;
+    }
+    QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
+    void doAction(const QString& action) override {
+        if (action == pressAction())
+            tab_.click();
+        else
+            QAccessibleWidget::doAction(action);
+    }
+
+  private:
+    QAbstractButton& tab_;
+};
+
+QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
+    if (auto* tab = dynamic_cast<TabButton*>(object))
+        return new AccessibleTab(*tab);
+    if (auto* strip = dynamic_cast<TabStrip*>(object))
+        return new QAccessibleWidget(strip, QAccessible::PageTabList);
+    return nullptr;
+}
+
 }  // namespace
 
 TabRows::TabRows(int tabsPerRow, QWidget* parent)
     : QWidget(parent),
       tabsPerRow_(tabsPerRow),
-      rows_(new QGridLayout),
+      strip_(new TabStrip(this)),
+      rows_(new QGridLayout(strip_)),
       group_(new QButtonGroup(this)),
       pages_(new QStackedWidget) {
+    QAccessible::installFactory(makeAccessible);  // a second time does nothing
+    rows_->setContentsMargins(0, 0, 0, 0);
     rows_->setSpacing(0);
     for (int column = 0; column < tabsPerRow_; ++column)
         rows_->setColumnStretch(column, 1);
@@ -84,19 +131,21 @@ TabRows::TabRows(int tabsPerRow, QWidget* parent)
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->setSpacing(0);
-    whole->addLayout(rows_);
+    whole->addWidget(strip_);
     whole->addWidget(frame, 1);
     connect(group_, &QButtonGroup::idToggled, this, [this](int index, bool on) {
         if (!on)
             return;
         pages_->setCurrentIndex(index);
+        QAccessibleEvent chosen(&tab(index), QAccessible::Selection);
+        QAccessible::updateAccessibility(&chosen);
         emit currentChanged(index);
     });
 }
 
 int TabRows::addTab(QWidget* page) {
     const int index = pages_->addWidget(page);
-    auto* button = new TabButton(this);
+    auto* button = new TabButton(strip_);
     group_->addButton(button, index);
     tabs_.push_back(button);
     visible_.push_back(true);
@@ -123,6 +172,7 @@ void TabRows::placeTabs() {
 
 void TabRows::setTabText(int index, const QString& text) {
     tab(index).setText(text);
+    pages_->widget(index)->setAccessibleName(plainCaption(text));
 }
 
 QString TabRows::tabText(int index) const {

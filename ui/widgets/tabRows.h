@@ -39,6 +39,7 @@ class TabRows : public QWidget {
     QAbstractButton& tab(int index) const { return *tabs_[static_cast<std::size_t>(index)]; }
 
     int tabsPerRow_;
+    QWidget* strip_;
     QGridLayout* rows_;
     QButtonGroup* group_;
     QStackedWidget* pages_;

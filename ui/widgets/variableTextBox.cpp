@@ -7,6 +7,7 @@
 #include <QScrollBar>
 #include <QTextDocument>
 
+#include "ui/base/contrast.h"
 #include "ui/base/text.h"
 #include "ui/widgets/tokenColors.h"
 
@@ -14,10 +15,11 @@ namespace ui {
 
 namespace {
 
-// Blue, or on a dark ground the light blue that can be read there.
+// Blue, or on a dark ground a light blue; on a grey one as near to them as can be read there.
 QColor tokenColor(const QPalette& palette) {
-    constexpr int middle = 128;
-    return palette.color(QPalette::Base).lightness() < middle ? QColor(130, 177, 255) : QColor(0, 0, 255);
+    const QColor ground = palette.color(QPalette::Base);
+    return readable(farthestFrom({ground}) == Qt::white ? QColor(130, 177, 255) : QColor(0, 0, 255),
+                    {ground});
 }
 
 bool hasEndlessWord(const QString& text) {

@@ -6,16 +6,23 @@
 #include <QCheckBox>
 #include <QDialog>
 #include <QHeaderView>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QStyle>
 #include <QStyleOption>
+#include <QTextBlock>
+#include <QTextLayout>
 #include <QtTest/QTest>
 
 #include "support/windowScript.h"
+#include "ui/base/appearance.h"
+#include "ui/base/contrast.h"
 #include "ui/base/messageBoxes.h"
 #include "ui/widgets/keyedGrid.h"
+#include "ui/widgets/keyedTree.h"
 #include "ui/widgets/tabRows.h"
+#include "ui/widgets/variableTextBox.h"
 
 namespace {
 
@@ -44,6 +51,100 @@ TEST(Looks, SignsShowOnADarkGroundAndOnAChosenRow) {
     const QStyleOption option;
     EXPECT_EQ(QApplication::style()->generatedIconPixmap(QIcon::Selected, icon, &option).toImage(),
               icon.toImage());
+}
+
+// A palette as desktops have them, whose every colour follows from the ground.
+QPalette desktop(int lightness) {
+    QPalette palette(QColor(lightness, lightness, lightness), QColor(lightness, lightness, lightness));
+    if (lightness > 100 && lightness < 160)
+        palette.setColor(QPalette::Base, QColor(lightness, lightness, lightness));
+    return palette;
+}
+
+TEST(Looks, EveryTextCanBeReadOnItsGround) {
+    using Roles = std::pair<QPalette::ColorRole, QPalette::ColorRole>;
+    constexpr Roles texts[] = {{QPalette::WindowText, QPalette::Window},
+                               {QPalette::Text, QPalette::Base},
+                               {QPalette::Text, QPalette::AlternateBase},
+                               {QPalette::Text, QPalette::Window},  // of an entry of a menu
+                               {QPalette::PlaceholderText, QPalette::Base},
+                               {QPalette::ButtonText, QPalette::Button},
+                               {QPalette::HighlightedText, QPalette::Highlight},
+                               {QPalette::Link, QPalette::Base},
+                               {QPalette::LinkVisited, QPalette::Base},
+                               {QPalette::ToolTipText, QPalette::ToolTipBase}};
+    std::vector<QPalette> palettes{QApplication::style()->standardPalette(), QApplication::palette()};
+    for (int lightness = 0; lightness <= 255; lightness += 15)
+        palettes.push_back(desktop(lightness));
+    QPalette blind(Qt::darkGray, Qt::darkGray);
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled})
+        for (const auto& [text, ground] : texts)
+            blind.setColor(group, text, blind.color(group, ground));
+    palettes.push_back(blind);
+    for (const QPalette& asked : palettes) {
+        const QPalette palette = ui::readablePalette(asked);
+        for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled})
+            for (const auto& [text, ground] : texts)
+                EXPECT_GE(ui::contrast(palette.color(group, text), palette.color(group, ground)), 4.5)
+                    << "group " << group << ", role " << text << " on " << ground << " of "
+                    << qPrintable(asked.color(QPalette::Window).name());
+        // White on the highlight is what the eye looks for.
+        EXPECT_GE(ui::contrast(palette.color(QPalette::HighlightedText), palette.color(QPalette::Highlight)),
+                  4.5);
+        // Insertion variables are told from the text by their colour, on any ground.
+        ui::VariableTextBox box(ui::VariableTextBox::Lines::many);
+        box.setPalette(palette);
+        box.setStoredText("<Type>");
+        box.colorTokens({"<Type>"});
+        const QColor token =
+            box.document()->firstBlock().layout()->formats().at(0).format.foreground().color();
+        EXPECT_GE(ui::contrast(token, palette.color(QPalette::Base)), 4.5);
+    }
+    // The application's own, as the windows have it.
+    EXPECT_EQ(QApplication::palette().color(QPalette::Disabled, QPalette::ButtonText),
+              ui::readablePalette(QApplication::palette()).color(QPalette::Disabled, QPalette::ButtonText));
+}
+
+// What is drawn and not only what the palette says: the style makes its own grounds for buttons.
+TEST(Looks, TheCaptionOfAButtonCanBeReadOnWhatTheStyleDraws) {
+    for (int lightness = 0; lightness <= 255; lightness += 15)
+        for (const bool enabled : {true, false}) {
+            QPushButton button("I");
+            button.setPalette(ui::readablePalette(desktop(lightness)));
+            button.setEnabled(enabled);
+            button.setFixedSize(120, 32);
+            const QImage drawn = button.grab().toImage();
+            const auto group = enabled ? QPalette::Active : QPalette::Disabled;
+            const QColor text = button.palette().color(group, QPalette::ButtonText);
+            for (const int y : {10, 16, 22})  // where the caption's letters stand
+                EXPECT_GE(ui::contrast(text, drawn.pixelColor(30, y)), 4.5) << lightness << " at " << y;
+        }
+}
+
+TEST(Looks, OnlyThePartWithTheFocusLooksAsIfItHadIt) {
+    QDialog window;
+    ui::KeyedTree tree(&window);
+    QPushButton other("other", &window);
+    tree.resize(200, 100);
+    tree.addNode({.parent = {}, .key = "a", .text = "A", .icon = {}, .info = {}});
+    tree.select("a");
+    window.resize(300, 200);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    const auto ground = [&] {
+        QApplication::processEvents();
+        const QRect row = tree.visualItemRect(tree.topLevelItem(0));
+        return tree.viewport()->grab().toImage().pixelColor(row.right() - 5, row.center().y());
+    };
+    const auto shown = [&](QPalette::ColorGroup group, QPalette::ColorRole role) {
+        return tree.palette().color(group, role);
+    };
+    constexpr double same = 1.05;  // the style shades a row a little
+    tree.setFocus();
+    EXPECT_LT(ui::contrast(ground(), shown(QPalette::Active, QPalette::Highlight)), same);
+    other.setFocus();
+    EXPECT_LT(ui::contrast(ground(), shown(QPalette::Inactive, QPalette::Highlight)), same);
+    EXPECT_GT(ui::contrast(ground(), shown(QPalette::Active, QPalette::Base)), same) << "it is still chosen";
 }
 
 TEST(Looks, ABoxBelongsToTheDialogThatHasTheInput) {
