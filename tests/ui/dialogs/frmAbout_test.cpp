@@ -129,7 +129,7 @@ TEST_F(About, ShowsVersionAndMaker) {
     fs::copy_file(support::serviceProgram(), host.programFolder() / "QLNAdmin");
     inAbout([&](QWidget& about) {
         const auto text = [&](const char* name) { return about.findChild<QLabel*>(name)->text(); };
-        EXPECT_EQ(text("lblVersionTitle") + text("lblVersion"), "Version:1.3 Build13");
+        EXPECT_EQ(text("lblVersionTitle") + text("lblVersion"), "Version:2.0 Build0");
         const std::pair<const char*, long> labels[] = {{"lblMeridaneAddress1", 1007},
                                                        {"lblMeridaneAddress2", 1002},
                                                        {"lblMeridaneAddress3", 1003},
