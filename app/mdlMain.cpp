@@ -61,11 +61,12 @@ void checkEnvironment() {
                mdlVerInfo::productName() + myLoadResString(1256));
 }
 
-// An empty tree alone would look as if there were nothing yet.
-void tellOfDatabaseTrouble() {
+// False when the database cannot be used. An empty tree alone would look as if there were nothing yet.
+bool tellOfDatabaseTrouble() {
     const std::string trouble = mdlDatabase::databaseTrouble();
     if (!trouble.empty())
         platform::prompts().messageBox({trouble, mdlVerInfo::productName(), BoxIcon::critical});
+    return trouble.empty();
 }
 
 void createMainWindow() {
@@ -111,8 +112,11 @@ void Main(platform::WindowStation& station) {
         frame.step([&] { gProductName = myLoadResString(1205); });
         frame.step([&] { mdlUtility::removeKTNShortcuts(); });
         frame.step([&] { mdlDatabase::openDatabase(); });
-        frame.step([&] { tellOfDatabaseTrouble(); });
-        frame.step([&] { mdlDatabase::upgradeDatabase(); });
+        // The administrator is told that it is left as it is, so the steps that write to it do not run then.
+        bool usable = false;
+        frame.step([&] { usable = tellOfDatabaseTrouble(); });
+        if (usable)
+            frame.step([&] { mdlDatabase::upgradeDatabase(); });
         bool installed = false;
         frame.step([&] { installed = mdlUtility::installQLNService(); });
         if (!installed)
@@ -120,8 +124,9 @@ void Main(platform::WindowStation& station) {
         frame.step([&] { mdlCorvaneDatabase::openCorvaneDB(gCorvaneDb); });
         frame.step([&] { gIgnoreEventKey = mdlDatabase::getIgnoreEventKey(); });
         frame.step([&] { gViewsSupported = mdlCorvaneDatabase::determineViewsSupport(gCorvaneDb); });
-        frame.step([&] { mdlDatabase::rebuildAddressDetailsTable(); });
-        frame.step([&] { mdlDatabase::makeInitialDatabaseChanges(); });
+        if (usable)
+            frame.steps({core::Step([] { mdlDatabase::rebuildAddressDetailsTable(); }),
+                         core::Step([] { mdlDatabase::makeInitialDatabaseChanges(); })});
         frame.step([&] { createMainWindow(); });
         frame.step([&] { gMainWindow->loadNavigationTree(); });
         frame.step([&] { gMainWindow->selectNode(gMainWindow->nodeAt(1)); });

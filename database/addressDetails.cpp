@@ -93,15 +93,17 @@ void rewind(Recordset& list) {
 
 // Collects the deletion of all rows for the batch.
 bool removeAll(Rows& details) {
+    long left = details.count();
     while (details.next()) {
         if (!details.deleteCurrent())
             return false;
+        --left;
     }
-    return true;
+    return left == 0 && details.allRan();
 }
 
-// Adds one row to the batch.
-void rebuildRow(Frame& frame, Rows& devices, Rows& details, Directory& directory) {
+// Adds one row to the batch; false when it will not be there.
+bool rebuildRow(Frame& frame, Rows& devices, Rows& details, Directory& directory) {
     const std::string address = devices.text("DeviceAddress");
     const long type = devices.number("DeviceType");
     Details shown;
@@ -114,9 +116,10 @@ void rebuildRow(Frame& frame, Rows& devices, Rows& details, Directory& directory
     details.set("DisplayName", shown.displayName);
     details.set("AddressType", std::int64_t{shown.addressType});
     details.copy("DeviceKey", devices);
-    details.update();
+    const bool added = details.allRan() && details.update();
     frame.step([&] { rewind(directory.subscribers); });
     frame.step([&] { rewind(directory.distributionLists); });
+    return added;
 }
 
 // A directory that cannot say more than that it failed would fill the log, line after line.
@@ -132,8 +135,8 @@ Recordset quietlyOpened(const char* table) {
 
 }  // namespace
 
-void rebuildAddressDetailsTable() {
-    core::procedure(module, "rebuildAddressDetailsTable", [&](Frame& frame) {
+bool rebuildAddressDetailsTable() {
+    return core::procedure(module, "rebuildAddressDetailsTable", false, [&](Frame& frame, bool& whole) {
         Rows devices(frame);
         Rows details(frame);
         Directory directory;
@@ -149,10 +152,26 @@ void rebuildAddressDetailsTable() {
         frame.step([&] {
             directory.distributionLists = quietlyOpened(views ? "vw_DistributionList" : "DistributionList");
         });
-        while (devices.next())
-            rebuildRow(frame, devices, details, directory);
-        details.updateBatch();
+        bool all = true;
+        long unread = devices.count();
+        for (; devices.next(); --unread)
+            all = rebuildRow(frame, devices, details, directory) && all;
+        // A rest that could not be read would lose the rows that it has.
+        if (unread == 0)
+            whole = details.updateBatch() && all;
     });
+}
+
+bool hasDeviceWithoutDetails(long recipientKey) {
+    Recordset rows = openForReading(
+        {"SELECT DeviceRecipient.DeviceKey FROM (DeviceRecipient INNER JOIN Device ON "
+         "DeviceRecipient.DeviceKey = Device.DeviceKey) LEFT JOIN AddressDetails ON Device.DeviceKey = "
+         "AddressDetails.DeviceKey WHERE DeviceRecipient.RecipientKey = ? AND AddressDetails.DeviceKey IS "
+         "NULL",
+         {recipientKey}});
+    const bool missing = !rows.EOF_();
+    rows.close();
+    return missing;
 }
 
 }  // namespace mdlDatabase

@@ -132,6 +132,20 @@ Recordset getRecipientsForEvent(long eventKey) {
          {eventKey}});
 }
 
+std::map<long, bool> assignmentsOfEvent(long eventKey) {
+    Recordset rows =
+        openForReading({"SELECT DeviceKey, Active FROM EventDevice WHERE EventKey = ?", {eventKey}});
+    std::map<long, bool> assignments;
+    for (; !rows.EOF_(); rows.moveNext()) {
+        if (rows.isNull("DeviceKey"))
+            continue;
+        bool& active = assignments[rows.number("DeviceKey")];
+        active = active || rows.boolean("Active");
+    }
+    rows.close();
+    return assignments;
+}
+
 bool addRecipientToEvent(long eventKey, const DeviceSelection& selection, bool clearFirst) {
     return core::procedure(module, "addRecipientToEvent", false, [&](Frame& frame, bool& cleared) {
         // Beside rows that are still there the event would go to both the old and the new devices.

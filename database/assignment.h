@@ -2,6 +2,7 @@
 // with an inactive row is on it, silent. Devices of failover are never switched on without a question.
 #pragma once
 
+#include <map>
 #include <string>
 
 #include "core/dictionary.h"
@@ -15,6 +16,9 @@ std::string selectionKey(long deviceKey);
 
 // The devices assigned to an event with their recipients, by recipient name; left open for the caller.
 platform::Recordset getRecipientsForEvent(long eventKey);
+// All devices assigned to an event, also those that getRecipientsForEvent misses: device to whether it is on.
+// Of several rows for a device one that is on counts. Raises the engine's failures.
+std::map<long, bool> assignmentsOfEvent(long eventKey);
 // Adds a row for each device of the selection, after deleting all rows of the event where `clearFirst` says
 // so. A failover device that the administrator declines gets an inactive row.
 // False when the old rows could not be cleared: nothing is added then.

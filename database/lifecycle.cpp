@@ -93,6 +93,10 @@ bool copyExclusions(Frame& frame) {
     return copied;
 }
 
+std::string connectionString(const std::string& path) {
+    return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path + databaseName;
+}
+
 // What databaseTrouble found last.
 bool troubled = false;
 
@@ -146,9 +150,7 @@ void openDatabase() {
             }
         });
         frame.step([&] { core::gDatabase.close(); });
-        frame.step([&] {
-            core::gDatabase.open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path + databaseName);
-        });
+        frame.step([&] { core::gDatabase.open(connectionString(path)); });
     });
 }
 
@@ -159,7 +161,13 @@ std::string databaseTrouble() {
         troubled = !reason.empty();
         if (!troubled)
             return;
-        const std::string folder = absolute(getDatabasePath());
+        const std::string path = getDatabasePath();
+        // Where the file is damaged a write may take a page that still holds what could be rescued.
+        if (core::gDatabase.state() == platform::ObjectState::open) {
+            core::gDatabase.close();
+            frame.step([&] { core::gDatabase.open(connectionString(path) + ";Mode=Read"); });
+        }
+        const std::string folder = absolute(path);
         const std::string backup = folder + backupName;
         trouble = "The database cannot be used:\n" + folder + databaseName + "\n\n" + reason +
                   "\n\nIt was left as it is. " +

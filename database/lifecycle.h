@@ -10,7 +10,8 @@ std::string getDatabasePath();
 // Opens gDatabase, after copying the template when there is no database yet.
 void openDatabase();
 // What keeps the database from being used, in words for the administrator: what is wrong with which file,
-// that it was left as it is, and where the backup lies. Empty when nothing does.
+// that it was left as it is, and where the backup lies. Empty when nothing does. Otherwise the connection can
+// only read from then on, until openDatabase.
 std::string databaseTrouble();
 // Copies the database to `fileName` in its folder; false when the target is read-only, or when the database
 // cannot be used: a backup that can be is worth more.

@@ -11,6 +11,9 @@
 
 namespace mdlDatabase {
 
+// The base of the numbers of our own failures.
+inline constexpr long objectError = -2147221504;
+
 // Reads only: client side, so that rows can be counted and searched. Raises the engine's failures.
 inline platform::Recordset openForReading(const platform::Query& query) {
     platform::Recordset rows;
@@ -32,7 +35,6 @@ inline platform::Recordset queryProcedure(std::string_view name, const platform:
 inline bool activeProcedure(std::string_view name, std::string_view thing, const platform::Query& query,
                             long key) {
     return core::procedure("mdlDatabase", name, false, [&](core::Frame& frame, bool& active) {
-        constexpr long objectError = -2147221504;
         Rows row(frame);
         row.openForReading(query);
         if (row.hasRow())

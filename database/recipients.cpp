@@ -3,6 +3,7 @@
 #include "core/classLog.h"
 #include "core/modLocalize.h"
 #include "core/procedure.h"
+#include "database/addressDetails.h"
 #include "database/confirmation.h"
 #include "database/devices.h"
 #include "database/openRecordset.h"
@@ -67,6 +68,9 @@ Recordset getRecipients() {
 }
 
 Recordset openRecipientWithDevices(long recipientKey) {
+    if (hasDeviceWithoutDetails(recipientKey))
+        throw platform::Failure(objectError + 1002, "A device has no address details.  RecipientKey = " +
+                                                        std::to_string(recipientKey));
     return openForReading(
         {"SELECT Recipients.RecipientKey, Recipients.RecipientName, Recipients.RecipientActive, "
          "Device.DeviceKey, Device.DeviceType, Device.DeviceAddress, Device.DeviceActive, "

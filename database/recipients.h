@@ -13,9 +13,10 @@ namespace mdlDatabase {
 platform::Recordset getRecipient(long recipientKey);
 // All recipients by name.
 platform::Recordset getRecipients();
-// A row for each of a recipient's devices that has address details, with these and his name and state: none
-// for a recipient without any. These three are statements of the caller's procedure, who closes what they
-// open: they raise the engine's failures.
+// A row for each of a recipient's devices, with its address details and his name and state: none for a
+// recipient without any. A device that has no details raises a failure of our own, number 1002 above the
+// object-error base: whoever saves rows that miss it deletes it. These three are statements of the caller's
+// procedure, who closes what they open: they raise the engine's failures.
 platform::Recordset openRecipientWithDevices(long recipientKey);
 // His name and state alone, for one without such a row.
 platform::Recordset openRecipientAlone(long recipientKey);

@@ -18,6 +18,7 @@
 
 #include "core/classLog.h"
 #include "core/state.h"
+#include "database/settings.h"
 #include "platform/files/files.h"
 #include "platform/machine/host.h"
 #include "platform/registry/registry.h"
@@ -26,6 +27,7 @@
 #include "support/serviceHost.h"
 #include "support/serviceWindows.h"
 #include "ui/shell/frmMain.h"
+#include "ui/widgets/keyedTree.h"
 
 namespace {
 
@@ -172,6 +174,42 @@ TEST_F(Start, ComesUpWithoutAUsableDatabaseOrLog) {
     expectServiceWarning();
     EXPECT_EQ(runMain(), -1) << "neither database, nor template, nor log";
     EXPECT_FALSE(fs::exists(host.databaseFile()));
+}
+
+// The most of a damaged file can be read, so its windows show what there is, and nothing is written to it.
+TEST_F(Start, LeavesADamagedDatabaseAsItIs) {
+    makeReady();
+    host.openConfiguration();
+    const long root =
+        std::stol(support::query(host.databaseFile(),
+                                 "SELECT rootpage FROM sqlite_master WHERE name = 'NotificationLog'")
+                      .at(0));
+    const long pageSize = std::stol(support::query(host.databaseFile(), "PRAGMA page_size").at(0));
+    support::run(host.databaseFile(),
+                 "INSERT INTO Recipients VALUES (1, 'Ana', -1); INSERT INTO Device VALUES (1, 2, '55', -1);"
+                 "INSERT INTO DeviceRecipient VALUES (1, 1)");
+    core::gDatabase.close();
+    std::string damaged = platform::files::readFile(host.databaseFile());
+    damaged.replace(static_cast<std::size_t>((root - 1) * pageSize), 8, 8, '\xff');
+    platform::files::writeFile(host.databaseFile(), damaged);
+    core::gDatabase.open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + host.databaseFile().string());
+    const std::string reason = core::gDatabase.damage();
+    ASSERT_NE(reason, "");
+    prompts.expect({"The database cannot be used:\n" + host.databaseFile().string() + "\n\n" + reason +
+                        "\n\nIt was left as it is. There is no backup.",
+                    "QLNAdmin", BoxIcon::critical},
+                   BoxAnswer::ok);
+    expectServiceWarning();
+    EXPECT_EQ(runMain(), -1);
+    ASSERT_NE(gMainWindow, nullptr);
+    EXPECT_TRUE(gMainWindow->tvNavigation->contains("RecipientKey:1"));
+    // Whatever a window still tries.
+    mdlDatabase::setConfigurationSetting("MaxDiag", "-1");
+    EXPECT_GE(host.countInLog("ERROR", "setConfigurationSetting", "Err.Number"), 1);
+    support::ManualClock clock;
+    EXPECT_THROW(mdlMain::myFinalExit(), support::ProcessEnded);
+    EXPECT_EQ(platform::files::readFile(host.databaseFile()), damaged);
+    EXPECT_FALSE(backupExists());
 }
 
 TEST_F(Start, ComesUpInItsOrderAndEndsWithABackup) {

@@ -130,4 +130,17 @@ TEST_F(AddressDetails, ATableThatCannotBeReplacedIsKeptAndTold) {
     expectKept();
 }
 
+TEST_F(AddressDetails, ARebuildTellsItsSuccessAndWhoHasDevicesWithoutARow) {
+    EXPECT_TRUE(hasDeviceWithoutDetails(1));
+    EXPECT_FALSE(hasDeviceWithoutDetails(2));
+    EXPECT_THROW(openRecipientWithDevices(1), platform::Failure);
+    run("CREATE TRIGGER held BEFORE INSERT ON AddressDetails BEGIN SELECT raise(ABORT, 'held'); END");
+    EXPECT_FALSE(rebuildAddressDetailsTable());
+    EXPECT_EQ(details(), Lines{"old|old|3|77"});
+    run("DROP TRIGGER held");
+    EXPECT_TRUE(rebuildAddressDetailsTable());
+    EXPECT_FALSE(hasDeviceWithoutDetails(1));
+    EXPECT_EQ(openRecipientWithDevices(1).recordCount(), 8);
+}
+
 }  // namespace

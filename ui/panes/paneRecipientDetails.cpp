@@ -297,6 +297,13 @@ void paneRecipientDetails::blank() {
 Filled paneRecipientDetails::fill(core::Frame& frame, long recipientKey) {
     Recordset rows;
     bool none = true;
+    // After a rebuild that failed, as beside a lock, the next one may succeed. Required: one whose devices
+    // have no details is shown by his name alone; as his next save would delete them, this is so for one
+    // without devices only.
+    frame.step([&] {
+        if (mdlDatabase::hasDeviceWithoutDetails(recipientKey))
+            mdlDatabase::rebuildAddressDetailsTable();
+    });
     if (!frame.step([&] { rows = mdlDatabase::openRecipientWithDevices(recipientKey); }) ||
         !frame.step([&] { none = rows.EOF_(); }))
         return Filled::unreadable;

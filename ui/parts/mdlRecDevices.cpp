@@ -6,6 +6,7 @@
 #include <set>
 #include <vector>
 
+#include "core/classLog.h"
 #include "core/modLocalize.h"
 #include "core/procedure.h"
 #include "core/state.h"
@@ -44,7 +45,22 @@ Sources readSources(long eventKey) {
         sources.assigned.insert(rows.number("RecipientKey"));
     }
     rows.close();
+    for (const auto& [device, active] : mdlDatabase::assignmentsOfEvent(eventKey))
+        sources.assignments.try_emplace(device, active);
     return sources;
+}
+
+// What is on the event and has no node, for want of address details, counts as ticked: the next save would
+// switch it off, or take it off, and nobody would see why.
+void keepUnshown(const Frame& frame, const KeyedTree& tree, const Sources& sources,
+                 DeviceSelection& selectedDevices) {
+    for (const auto& [device, active] : sources.assignments) {
+        const std::string key = mdlDatabase::selectionKey(device);
+        if (!active || tree.contains(key))
+            continue;
+        core::gLog().log("Stays on the event without being shown: " + key, core::logWarning, frame.tag());
+        recordDeviceState(selectedDevices, key, true);
+    }
 }
 
 std::string deviceText(const RecipientDevice& device) {
@@ -142,6 +158,7 @@ bool populateRecipientsList(KeyedTree& tree, long eventKey, DeviceSelection& sel
                 tree.ensureVisible(tree.keyAt(1));
         });
         frame.step([&] { recipients.close(); });
+        frame.step([&] { keepUnshown(frame, tree, sources, selectedDevices); });
         whole = added;
     });
 }

@@ -225,7 +225,7 @@ TEST_F(RecipientPanes, KindsThatAreNotOfferedAreLeftOutOfTheDevices) {
         EXPECT_EQ(tabs->isTabVisible(tab), tab != 1 && tab != 4 && tab != 6) << tab;
     EXPECT_EQ(host.countInLog("ERROR"), 0);
 
-    run("DELETE FROM AddressDetails WHERE DeviceKey < 15");
+    run("DELETE FROM AddressDetails WHERE DeviceKey < 15; DELETE FROM Device WHERE DeviceKey < 15");
     show(1);
     EXPECT_EQ(linesOf("tvRecipientDevices"), (Lines{"Syslog", " host"}));
     EXPECT_EQ(host.countInLog("ERROR", "displayDevicesForRecipient", "Err.Number = 424"), 1);
