@@ -103,6 +103,57 @@ TEST(OddInputAlone, ASubjectStaysOnOneLineHoweverItComes) {
     EXPECT_EQ(subject.storedText().find('\n'), std::string::npos);
 }
 
+TEST_F(OddInput, NoOtherButtonMovesAList) {
+    script.expect("dlgRecipient", [&](QWidget& dialog) {
+        person::showPage(*dialog.findChild<ui::DeviceTabs*>(), 3);
+        auto* box = dialog.findChild<QLineEdit*>("txtSMTPAddress");
+        auto* list = dialog.findChild<ui::EntryList*>("lstSMTPAddresses");
+        for (const char* address : {"a@b\n", "c@d\n"})
+            person::type(*box, address);
+        const auto press = [&](int row, Qt::MouseButton button) {
+            QTest::mouseClick(list->viewport(), button, {}, list->visualItemRect(list->item(row)).center());
+        };
+        press(0, Qt::LeftButton);
+        for (const Qt::MouseButton other : {Qt::MiddleButton, Qt::RightButton, Qt::BackButton}) {
+            press(1, other);
+            EXPECT_EQ(list->chosenEntry(), 0);
+        }
+        person::click(dialog, "cmdDeleteSMTPAddress");
+        EXPECT_EQ(list->entryText(0), "c@d");
+        dialog.close();
+    });
+    dlgRecipient(nullptr).displayForm();
+
+    // The box names the source only, which events may share.
+    const long first = add("Alarm", "5");
+    add("Alarm", "6");
+    open();
+    const auto pressRow = [&](int row, Qt::MouseButton button) {
+        QTest::mouseClick(grid->viewport(), button, {}, grid->cellRectangle(row, "EventSource").center());
+    };
+    const int row = grid->cellValue(2, "EventKey").toInt() == first ? 2 : 3;
+    pressRow(row, Qt::LeftButton);
+    pressRow(5 - row, Qt::MiddleButton);
+    pressRow(5 - row, Qt::RightButton);
+    prompts.expect({"Are your sure you want to delete event: Alarm", "Delete Selected Event?",
+                    platform::BoxIcon::question, platform::BoxButtons::yesNo},
+                   platform::BoxAnswer::yes);
+    press("cmdDeleteSelectedEvent");
+    EXPECT_EQ(rows("SELECT EventId FROM Events WHERE EventSource = 'Alarm'"), std::vector<std::string>{"6"});
+
+    // The lists of the exclusions take a double click for a move.
+    host.setRegistry(uiTest::sourcesKey + std::string("MeridaneCorvane_A"), "EventMessageFile", "x");
+    script.expect("dlgExclusions", [&](QWidget& dialog) {
+        auto* list = dialog.findChild<ui::TextList*>("lstAvailableSources");
+        const QPoint place = list->visualItemRect(list->item(0)).center();
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseDClick(list->viewport(), Qt::MiddleButton, {}, place);
+        EXPECT_EQ(list->count(), 1);
+        dialog.close();
+    });
+    dlgExclusions(nullptr).displayForm();
+}
+
 // Everywhere: line ends would forge headers of a mail, lines of the log and texts of boxes.
 TEST_F(OddInput, EveryBoxOfOneLineKeepsWhatIsPastedOnOneLine) {
     const QString odd = QString("a@b\r\nc\nd") + QChar(0x2028) + "e";
