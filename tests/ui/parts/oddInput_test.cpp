@@ -12,6 +12,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
 #include <QTextBlock>
 #include <QTextLayout>
 #include <QtTest/QTest>
@@ -254,7 +255,7 @@ TEST(OddInputAlone, AnInsertionBehindItKeepsTheFirstCharactersBlue) {
     EXPECT_TRUE(firstIsBlue());
 }
 
-TEST_F(OddInput, LongNamesWidenNoWindow) {
+TEST_F(OddInput, LongNamesLeaveNoWindowLargerThanTheScreen) {
     addLongSource(255);
     const auto check = [](QWidget& dialog) {
         EXPECT_LT(dialog.width(), 900);
@@ -267,12 +268,41 @@ TEST_F(OddInput, LongNamesWidenNoWindow) {
     dlgAddExclusion(nullptr).displayForm();
 
     ui::MessageBoxes boxes;
-    script.expect("messageBox", [](QWidget& box) {
-        EXPECT_LT(box.width(), 900);
-        QTest::mouseClick(static_cast<QMessageBox&>(box).button(QMessageBox::No), Qt::LeftButton);
+    std::string lines;
+    for (int i = 0; i < 1000; ++i)
+        lines += "line\n";
+    std::string wide;
+    for (int i = 0; i < 20'000; ++i)
+        wide += "\xf0\x9d\x95\x8e";  // beyond 16 bits
+    for (const std::string& name : {std::string(200, 'N'), std::string(100'000, 'W'), lines, wide}) {
+        script.expect("messageBox", [&](QWidget& box) {
+            const QRect screen = box.screen()->availableGeometry();
+            EXPECT_LT(box.width(), 900);
+            EXPECT_LT(box.height(), screen.height());
+            const QString text = static_cast<QMessageBox&>(box).text();
+            EXPECT_TRUE(text.startsWith("Delete ") && text.endsWith(" or not?")) << qPrintable(text);
+            EXPECT_TRUE(text.isValidUtf16());
+            person::click(*static_cast<QMessageBox&>(box).button(QMessageBox::No));
+        });
+        boxes.messageBox({"Delete " + name + " or not?", "Title", platform::BoxIcon::question,
+                          platform::BoxButtons::yesNo});
+        script.expect("inputBox", [](QWidget& box) {
+            EXPECT_LT(box.height(), box.screen()->availableGeometry().height());
+            QTest::keyClick(&box, Qt::Key_Escape);
+        });
+        boxes.inputBox(name, "Title", name);
+    }
+    // The whole text is a click away, and Escape still answers.
+    script.expect("messageBox", [&](QWidget& box) {
+        EXPECT_EQ(static_cast<QMessageBox&>(box).detailedText().count("line"), 1000);
+        for (QAbstractButton* button : box.findChildren<QAbstractButton*>())
+            if (button->text().startsWith("Show"))
+                person::click(*button);
+        EXPECT_LT(box.height(), box.screen()->availableGeometry().height());
+        QTest::keyClick(&box, Qt::Key_Escape);
     });
-    boxes.messageBox({"Delete " + std::string(200, 'N'), "Title", platform::BoxIcon::question,
-                      platform::BoxButtons::yesNo});
+    EXPECT_EQ(boxes.messageBox({lines, "Title", platform::BoxIcon::information, platform::BoxButtons::ok}),
+              platform::BoxAnswer::ok);
 }
 
 TEST_F(OddInput, ASourceThatAnExclusionCannotHoldIsToldAndNotOffered) {
