@@ -62,7 +62,11 @@ BoxAnswer MessageBoxes::messageBox(const MessageBox& box) {
     window.setIcon(iconOf(box.icon));
     window.setWindowTitle(fromUtf8(box.title));
     window.setTextFormat(Qt::PlainText);  // texts hold names and addresses as people typed them
-    window.setText(breakable(fromUtf8(box.text)));
+    const QString whole = fromUtf8(box.text);
+    const QString shown = withoutMiddle(whole);
+    window.setText(breakable(shown));
+    if (shown != whole)
+        window.setDetailedText(breakable(whole));  // it scrolls
     switch (box.buttons) {
         case BoxButtons::ok:
             window.setStandardButtons(QMessageBox::Ok);
@@ -92,7 +96,7 @@ std::optional<std::string> MessageBoxes::inputBox(const std::string& text, const
     QInputDialog window(ownerOfBox());
     window.setObjectName("inputBox");
     window.setWindowTitle(fromUtf8(title));
-    window.setLabelText(breakable(fromUtf8(text)));
+    window.setLabelText(breakable(withoutMiddle(fromUtf8(text))));
     window.setTextValue(fromUtf8(initial));
     constexpr int width = 420;  // for a file's name
     window.resize(width, window.sizeHint().height());

@@ -18,6 +18,10 @@ inline std::string toUtf8(const QString& text) {
 // The text with places in its long words at which a line may be broken, so that it fits a window.
 QString breakable(const QString& text);
 
+// The text without its middle when it has more than a box can show: names have no limit, and the buttons
+// below are to stay on the screen.
+QString withoutMiddle(const QString& text);
+
 // The text with a blank for each line break, of whatever kind.
 QString onOneLine(QString text);
 

@@ -8,12 +8,14 @@
 #include "platform/failure.h"
 #include "ui/base/text.h"
 #include "ui/widgets/cellTip.h"
+#include "ui/widgets/leftButton.h"
 
 namespace ui {
 
 EntryList::EntryList(QWidget* parent) : QListWidget(parent) {
     setSelectionMode(QAbstractItemView::SingleSelection);
     setUniformItemSizes(true);
+    chooseByLeftButtonOnly(*this);
     // An address that does not fit is cut and has a tip, so that the few lines need no scroll bar below.
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setTextElideMode(Qt::ElideMiddle);

@@ -3,11 +3,14 @@
 #include <QHeaderView>
 #include <QTableView>
 
+#include "ui/widgets/leftButton.h"
+
 namespace ui {
 
 void giveGridLook(QTableView& grid) {
     grid.setSelectionBehavior(QAbstractItemView::SelectRows);
     grid.setSelectionMode(QAbstractItemView::SingleSelection);
+    chooseByLeftButtonOnly(grid);
     grid.setAlternatingRowColors(true);
     grid.setShowGrid(false);
     grid.setWordWrap(false);

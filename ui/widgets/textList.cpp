@@ -4,12 +4,14 @@
 
 #include "platform/failure.h"
 #include "ui/base/text.h"
+#include "ui/widgets/leftButton.h"
 
 namespace ui {
 
 TextList::TextList(QWidget* parent) : QListWidget(parent) {
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setUniformItemSizes(true);
+    chooseByLeftButtonOnly(*this);
     connect(this, &QListWidget::itemDoubleClicked, this,
             [this](QListWidgetItem* item) { emit rowDoubleClicked(row(item)); });
 }

@@ -12,6 +12,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
 #include <QTextBlock>
 #include <QTextLayout>
 #include <QtTest/QTest>
@@ -101,6 +102,57 @@ TEST(OddInputAlone, ASubjectStaysOnOneLineHoweverItComes) {
     QGuiApplication::sendEvent(&subject, &method);
     EXPECT_EQ(subject.document()->blockCount(), 1);
     EXPECT_EQ(subject.storedText().find('\n'), std::string::npos);
+}
+
+TEST_F(OddInput, NoOtherButtonMovesAList) {
+    script.expect("dlgRecipient", [&](QWidget& dialog) {
+        person::showPage(*dialog.findChild<ui::DeviceTabs*>(), 3);
+        auto* box = dialog.findChild<QLineEdit*>("txtSMTPAddress");
+        auto* list = dialog.findChild<ui::EntryList*>("lstSMTPAddresses");
+        for (const char* address : {"a@b\n", "c@d\n"})
+            person::type(*box, address);
+        const auto press = [&](int row, Qt::MouseButton button) {
+            QTest::mouseClick(list->viewport(), button, {}, list->visualItemRect(list->item(row)).center());
+        };
+        press(0, Qt::LeftButton);
+        for (const Qt::MouseButton other : {Qt::MiddleButton, Qt::RightButton, Qt::BackButton}) {
+            press(1, other);
+            EXPECT_EQ(list->chosenEntry(), 0);
+        }
+        person::click(dialog, "cmdDeleteSMTPAddress");
+        EXPECT_EQ(list->entryText(0), "c@d");
+        dialog.close();
+    });
+    dlgRecipient(nullptr).displayForm();
+
+    // The box names the source only, which events may share.
+    const long first = add("Alarm", "5");
+    add("Alarm", "6");
+    open();
+    const auto pressRow = [&](int row, Qt::MouseButton button) {
+        QTest::mouseClick(grid->viewport(), button, {}, grid->cellRectangle(row, "EventSource").center());
+    };
+    const int row = grid->cellValue(2, "EventKey").toInt() == first ? 2 : 3;
+    pressRow(row, Qt::LeftButton);
+    pressRow(5 - row, Qt::MiddleButton);
+    pressRow(5 - row, Qt::RightButton);
+    prompts.expect({"Are your sure you want to delete event: Alarm", "Delete Selected Event?",
+                    platform::BoxIcon::question, platform::BoxButtons::yesNo},
+                   platform::BoxAnswer::yes);
+    press("cmdDeleteSelectedEvent");
+    EXPECT_EQ(rows("SELECT EventId FROM Events WHERE EventSource = 'Alarm'"), std::vector<std::string>{"6"});
+
+    // The lists of the exclusions take a double click for a move.
+    host.setRegistry(uiTest::sourcesKey + std::string("MeridaneCorvane_A"), "EventMessageFile", "x");
+    script.expect("dlgExclusions", [&](QWidget& dialog) {
+        auto* list = dialog.findChild<ui::TextList*>("lstAvailableSources");
+        const QPoint place = list->visualItemRect(list->item(0)).center();
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseDClick(list->viewport(), Qt::MiddleButton, {}, place);
+        EXPECT_EQ(list->count(), 1);
+        dialog.close();
+    });
+    dlgExclusions(nullptr).displayForm();
 }
 
 // Everywhere: line ends would forge headers of a mail, lines of the log and texts of boxes.
@@ -203,7 +255,7 @@ TEST(OddInputAlone, AnInsertionBehindItKeepsTheFirstCharactersBlue) {
     EXPECT_TRUE(firstIsBlue());
 }
 
-TEST_F(OddInput, LongNamesWidenNoWindow) {
+TEST_F(OddInput, LongNamesLeaveNoWindowLargerThanTheScreen) {
     addLongSource(255);
     const auto check = [](QWidget& dialog) {
         EXPECT_LT(dialog.width(), 900);
@@ -216,12 +268,41 @@ TEST_F(OddInput, LongNamesWidenNoWindow) {
     dlgAddExclusion(nullptr).displayForm();
 
     ui::MessageBoxes boxes;
-    script.expect("messageBox", [](QWidget& box) {
-        EXPECT_LT(box.width(), 900);
-        QTest::mouseClick(static_cast<QMessageBox&>(box).button(QMessageBox::No), Qt::LeftButton);
+    std::string lines;
+    for (int i = 0; i < 1000; ++i)
+        lines += "line\n";
+    std::string wide;
+    for (int i = 0; i < 20'000; ++i)
+        wide += "\xf0\x9d\x95\x8e";  // beyond 16 bits
+    for (const std::string& name : {std::string(200, 'N'), std::string(100'000, 'W'), lines, wide}) {
+        script.expect("messageBox", [&](QWidget& box) {
+            const QRect screen = box.screen()->availableGeometry();
+            EXPECT_LT(box.width(), 900);
+            EXPECT_LT(box.height(), screen.height());
+            const QString text = static_cast<QMessageBox&>(box).text();
+            EXPECT_TRUE(text.startsWith("Delete ") && text.endsWith(" or not?")) << qPrintable(text);
+            EXPECT_TRUE(text.isValidUtf16());
+            person::click(*static_cast<QMessageBox&>(box).button(QMessageBox::No));
+        });
+        boxes.messageBox({"Delete " + name + " or not?", "Title", platform::BoxIcon::question,
+                          platform::BoxButtons::yesNo});
+        script.expect("inputBox", [](QWidget& box) {
+            EXPECT_LT(box.height(), box.screen()->availableGeometry().height());
+            QTest::keyClick(&box, Qt::Key_Escape);
+        });
+        boxes.inputBox(name, "Title", name);
+    }
+    // The whole text is a click away, and Escape still answers.
+    script.expect("messageBox", [&](QWidget& box) {
+        EXPECT_EQ(static_cast<QMessageBox&>(box).detailedText().count("line"), 1000);
+        for (QAbstractButton* button : box.findChildren<QAbstractButton*>())
+            if (button->text().startsWith("Show"))
+                person::click(*button);
+        EXPECT_LT(box.height(), box.screen()->availableGeometry().height());
+        QTest::keyClick(&box, Qt::Key_Escape);
     });
-    boxes.messageBox({"Delete " + std::string(200, 'N'), "Title", platform::BoxIcon::question,
-                      platform::BoxButtons::yesNo});
+    EXPECT_EQ(boxes.messageBox({lines, "Title", platform::BoxIcon::information, platform::BoxButtons::ok}),
+              platform::BoxAnswer::ok);
 }
 
 TEST_F(OddInput, ASourceThatAnExclusionCannotHoldIsToldAndNotOffered) {
