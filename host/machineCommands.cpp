@@ -30,44 +30,51 @@ void tellOfLeft(const std::vector<std::string>& names) {
         std::printf("Left out, because no key of a registry can have this name: %s\n", name.c_str());
 }
 
-// Gives what was found of mail, and writes it down for the service.
-std::string setUpMail() {
-    const std::string domain = host::mailName();
-    host::setValue(std::string(productKey) + "Mail", "Domain", domain);
-    if (!host::hasMailServer())
-        return "no mail server answers on 127.0.0.1, so mails go into the host's own mailboxes (qlnhost "
-               "mail); "
-               "a relay is set with: registry set \"" +
-               std::string(productKey) + "Mail\" Relay smtp://HOST:PORT";
-    host::setValue(std::string(productKey) + "Mail", "Relay", std::string("smtp://127.0.0.1:25"));
-    return "by the mail server on 127.0.0.1, to addresses at " + domain;
+struct Mail {
+    std::string domain;
+    bool hasServer = false;
+};
+// What was found of mail, written down for the service.
+Mail setUpMail() {
+    const Mail mail{host::mailName(), host::hasMailServer()};
+    host::setValue(std::string(productKey) + "Mail", "Domain", mail.domain);
+    if (mail.hasServer)
+        host::setValue(std::string(productKey) + "Mail", "Relay", std::string("smtp://127.0.0.1:25"));
+    return mail;
 }
 
-void tell(const host::MachineHost& made, const service::JournalSources& journal, const std::string& mail) {
+// What was found, and what is to be done about it: a command stands on a line of its own, to be copied.
+void tell(const host::MachineHost& made, const service::JournalSources& journal, const Mail& mail) {
     const std::string root = made.root.string();
-    std::printf("Made this machine's host in %s.\n", root.c_str());
+    const auto say = [](const std::string& line) { std::printf("%s\n", line.c_str()); };
+    const auto command = [&](const std::string& line) { say("    qlnhost --host '" + root + "' " + line); };
+    say("Made this machine's host in " + root + ".");
     if (!journal.problem.empty())
-        std::printf("Journal: %s\n", journal.problem.c_str());
-    std::printf(
-        "Sources: %zu that the journal knows; later ones come with: qlnhost --host %s sources refresh\n",
-        made.sources, root.c_str());
+        say("\nJournal: " + journal.problem);
+    say("\nSources: the journal knows " + std::to_string(made.sources) + ". Later ones are registered by");
+    command("sources refresh");
     tellOfLeft(made.left);
-    std::printf("People: %ld in the directory; others come with: qlnhost --host %s directory import FILE\n",
-                made.people, root.c_str());
-    std::printf("Mail: %s\n", mail.c_str());
-    std::printf(
-        "To be set up where it is wanted: pager, SNMP, syslog over TLS; qlnhost --host %s transports "
-        "says how each stands\n",
-        root.c_str());
-    std::printf(
-        "Account of the service: %s; should the console ask for its password, set one with: qlnhost "
-        "--host %s accounts set '%s'\n",
-        made.account.c_str(), root.c_str(), made.account.c_str());
-    std::printf(
-        "The service: qlnhost --host %s services run; at every start of the machine: "
-        "quillon-services.service(8)\n",
-        root.c_str());
-    std::printf("The console: %s\n", (made.root / "QLNAdmin" / "QLNAdmin").c_str());
+    say("\nPeople: " + std::to_string(made.people) + " in the directory. Others come with");
+    command("directory import FILE");
+    if (mail.hasServer) {
+        say("\nMail: by the mail server on 127.0.0.1, to addresses at " + mail.domain + ".");
+    } else {
+        say("\nMail: no mail server answers on 127.0.0.1, so mails go into the host's own mailboxes. A relay "
+            "is "
+            "set with");
+        command("registry set '" + std::string(productKey) + "Mail' Relay smtp://HOST:PORT");
+    }
+    say("\nPager, SNMP traps, syslog over TLS: set up where they are wanted, see HbQlnSvc(8). How each "
+        "stands "
+        "says");
+    command("transports");
+    say("\nThe service runs under the account " + made.account +
+        ". Should the console ask for its password, set one with");
+    command("accounts set '" + made.account + "'");
+    say("\nIt is started, and started again after a crash, by");
+    command("services run");
+    say("and with your sessions by: systemctl --user enable --now quillon-services");
+    say("\nThe console: " + (made.root / "QLNAdmin" / "QLNAdmin").string());
 }
 
 }  // namespace

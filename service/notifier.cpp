@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/epoll.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -64,6 +65,18 @@ platform::Descriptor watchAll(std::initializer_list<int> descriptors) {
     return all;
 }
 
+// Two services on one outbox would each send what waits in it.
+platform::Descriptor lockBeside(const std::filesystem::path& file) {
+    const std::string path = file.string() + ".lock";
+    platform::Descriptor lock(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (!lock)
+        throw platform::failureFromErrno(errno, path);
+    if (::flock(lock.get(), LOCK_EX | LOCK_NB) != 0)
+        throw platform::Failure(platform::permissionDenied,
+                                "another process works on " + file.string() + " already; this one waits");
+    return lock;
+}
+
 }  // namespace
 
 Notifier::Notifier(NotifierOptions options, std::vector<std::unique_ptr<Source>> sources)
@@ -105,6 +118,8 @@ void Notifier::begin() {
 void Notifier::openOutbox() {
     if (outbox_)
         return;
+    if (!outboxLock_)
+        outboxLock_ = lockBeside(options_.outboxFile);
     const bool isFirst = !std::filesystem::exists(options_.outboxFile);
     const std::int64_t firstKey = newestLogKey(configuration_.connection()) + 1;
     outbox_ = std::make_unique<Outbox>(options_.outboxFile, firstKey);

@@ -68,6 +68,7 @@ class Notifier : public Work {
     std::vector<std::unique_ptr<Source>> sources_;
     std::map<std::string, std::string> beginnings_;  // of the sources, should an outbox have to be made
     Configuration configuration_;
+    platform::Descriptor outboxLock_;
     std::unique_ptr<Outbox> outbox_;
     FolderWatch logsWatch_;
     platform::Descriptor wake_;

@@ -28,6 +28,8 @@ void playEvents(const Play& play);
 void playRecipients(const Play& play);
 // An event, its recipients and the questions on its way to being watched for.
 void playAssignment(const Play& play);
+// A record of that event, the mail that it leads to, and the list that tells of it.
+void playNotification(const Play& play);
 void playExclusions(const Play& play);
 // Options, import, log file, help, languages.
 void playTools(const Play& play);

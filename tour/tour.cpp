@@ -65,6 +65,7 @@ void playFirst(const tour::Play& play) {
     tour::playEvents(play);
     tour::playRecipients(play);
     tour::playAssignment(play);
+    tour::playNotification(play);
     tour::playExclusions(play);
     tour::playTools(play);
     insist(play.script.finished(), "a window that was expected never came");

@@ -37,6 +37,7 @@ FirstRunWindow::FirstRunWindow(QString tree, const Texts& texts)
     connect(buttons_, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(buttons_, &QDialogButtonBox::accepted, this, &QDialog::accept);
     setMinimumWidth(fontMetrics().averageCharWidth() * 72);
+    resize(minimumWidth(), layout->heightForWidth(minimumWidth()));
 }
 
 QCommandLinkButton* FirstRunWindow::addChoice(const char* caption, const char* meaning, Choice choice) {
@@ -75,8 +76,8 @@ void FirstRunWindow::show(const Outcome& outcome) {
         buttons_->button(QDialogButtonBox::Cancel)->hide();
     }
     const QFontMetrics metrics(told_->font());
-    told_->setMinimumHeight(metrics.lineSpacing() * 14);
-    resize(qMax(width(), metrics.averageCharWidth() * 90), sizeHint().height());
+    told_->setMinimumHeight(metrics.lineSpacing() * 24);
+    resize(qMax(width(), metrics.averageCharWidth() * 110), sizeHint().height());
 }
 
 }  // namespace firstRun

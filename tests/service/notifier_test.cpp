@@ -84,8 +84,7 @@ class NotifierTest : public testing::Test {
     std::filesystem::path outboxFile() const { return host.root() / "Service" / "HbQlnSvc.db"; }
     void run(const std::string& statements) { support::run(host.databaseFile(), statements); }
     Texts rows(const std::string& statement) { return support::query(host.databaseFile(), statement); }
-    void restart() {
-        notifier.reset();
+    std::unique_ptr<Notifier> makeNotifier() {
         NotifierOptions options;
         options.databaseFile = host.databaseFile();
         options.outboxFile = outboxFile();
@@ -99,8 +98,13 @@ class NotifierTest : public testing::Test {
         std::vector<std::unique_ptr<Source>> sources;
         sources.push_back(std::make_unique<HostLog>("Application"));
         sources.push_back(std::make_unique<HostLog>("System"));
-        notifier = std::make_unique<Notifier>(std::move(options), std::move(sources));
-        notifier->begin();
+        auto made = std::make_unique<Notifier>(std::move(options), std::move(sources));
+        made->begin();
+        return made;
+    }
+    void restart() {
+        notifier.reset();
+        notifier = makeNotifier();
         look();
     }
     void write(const std::string& source, std::uint32_t id, const std::string& description = {},
@@ -301,6 +305,24 @@ TEST_F(NotifierTest, APassingFaultOfTheSetUpLosesNothing) {
     EXPECT_EQ(told(), (Texts{"a@b: S 51 / B ",
                              "a@b: S 51 / B held\r\n1 record of this event had been held back, from " + when +
                                  " to " + when + "."}));
+}
+
+TEST_F(NotifierTest, ASecondServiceOnTheSameOutboxWaitsForItsTurn) {
+    const auto second = makeNotifier();
+    second->look();
+    EXPECT_TRUE(isLogged("another process works on"));
+    write("Disk", 51);
+    second->look();
+    EXPECT_EQ(told(), Texts{});
+    look();
+    EXPECT_EQ(told().size(), 1u);
+    notifier.reset();
+    write("Fan", 2);
+    for (int i = 0; i < 20 && rows("SELECT Count(*) FROM NotificationLog") == Texts{"2"}; ++i) {
+        second->look();
+        ::poll(nullptr, 0, 10);
+    }
+    EXPECT_EQ(told().size(), 2u);
 }
 
 TEST_F(NotifierTest, OldRowsOfTheHistoryGo) {
