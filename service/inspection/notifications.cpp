@@ -166,7 +166,8 @@ Notification Notifications::notificationOf(const Recordset& row) {
     Notification result;
     before_ = std::get<std::int64_t>(row.value("Place"));
     result.place = static_cast<std::uint64_t>(before_);
-    if (const auto* key = std::get_if<std::int64_t>(&row.value("LogKey")))
+    const platform::Value logKey = row.value("LogKey");
+    if (const auto* key = std::get_if<std::int64_t>(&logKey))
         result.key = *key;
     result.time = textOf(row, "LogTime");
     result.source = textOf(row, "EventSource");
