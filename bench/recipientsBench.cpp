@@ -102,7 +102,7 @@ long readRecipients(long event) {
 
 long analyzed(long event) {
     const EventAnalysis counts = analyzeEvent(event);
-    return counts.at("ActiveDevices") * 10000 + counts.at("Recipients") * 100 + counts.at("ActiveRecipients");
+    return counts.activeDevices * 10000 + counts.recipients * 100 + counts.activeRecipients;
 }
 
 // Saves of the recipient with 20 devices. Each save renames him, changes two addresses, takes one device away
@@ -135,7 +135,7 @@ class Saves {
         RecipientRecord record;
         const std::string number = std::to_string(++number_);
         record.name = "Name " + number;
-        record.syslogEnabled = 1;
+        record.syslogEnabled = true;
         record.syslogHostAddress = "host" + number;
         devices_.bind(1, bigRecipient);
         while (devices_.row()) {

@@ -12,6 +12,7 @@
 #include "platform/ado/ado.h"
 #include "platform/failure.h"
 #include "platform/files/files.h"
+#include "platform/machine/caseFold.h"
 #include "platform/machine/clock.h"
 #include "platform/machine/debugger.h"
 #include "platform/machine/host.h"
@@ -148,10 +149,7 @@ int logRetentionDays(std::uint64_t freeBytes) {
 
 classLog::classLog(std::filesystem::path directory) : logDirectory_(std::move(directory)) {
     strLogFile_ = makeLogFileName();
-    std::string commandLine = platform::program::commandLine();
-    for (char& c : commandLine)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    debugOutput_ = commandLine.find("debug") != std::string::npos;
+    debugOutput_ = platform::foldAscii(platform::program::commandLine()).find("debug") != std::string::npos;
     checkSizeOfLogs();
 }
 

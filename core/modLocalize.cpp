@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <filesystem>
 
 #include "core/boxOnFailure.h"
 #include "core/state.h"
 #include "platform/failure.h"
 #include "platform/files/files.h"
+#include "platform/machine/caseFold.h"
 #include "platform/machine/host.h"
 #include "platform/machine/language.h"
 
@@ -38,18 +38,13 @@ constexpr std::array<Language, 40> languages{{
 
 std::function<void()> windowFontsHook;
 
-bool equalIgnoringCase(std::string_view a, std::string_view b) {
-    return std::ranges::equal(
-        a, b, [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
-}
-
 // The library's file: the name as the program spells it, else the first one that differs in case only.
 std::filesystem::path findLibrary(const std::string& code) {
     const std::filesystem::path folder = platform::program::folder();
     const std::string name = "QLNbrandingres_" + code + ".dll";
     if (!platform::files::fileExists(folder / name) && platform::files::folderExists(folder))
         for (const auto& file : platform::files::listFiles(folder))
-            if (equalIgnoringCase(file.name, name))
+            if (platform::equalsIgnoringAsciiCase(file.name, name))
                 return folder / file.name;
     return folder / name;
 }
@@ -57,7 +52,8 @@ std::filesystem::path findLibrary(const std::string& code) {
 void collectLanguages() {
     core::gLanguages.clear();
     for (const auto& file : platform::files::listFiles(platform::program::folder()))
-        if (equalIgnoringCase(std::string_view(file.name).substr(0, libraryPrefix.size()), libraryPrefix))
+        if (platform::equalsIgnoringAsciiCase(std::string_view(file.name).substr(0, libraryPrefix.size()),
+                                              libraryPrefix))
             core::gLanguages.push_back(file.name.substr(libraryPrefix.size(), codeLength));
 }
 

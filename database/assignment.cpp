@@ -9,6 +9,7 @@
 #include "database/confirmation.h"
 #include "database/devices.h"
 #include "database/openRecordset.h"
+#include "platform/machine/characters.h"
 
 using core::Frame;
 using modLocalize::myLoadResString;
@@ -45,8 +46,7 @@ long deviceKeyOf(const std::string& key) {
 
 // Aligned by characters: a language may give a type a name beyond ASCII.
 std::string rightAligned(const std::string& text, std::size_t width) {
-    const auto characters = static_cast<std::size_t>(
-        std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+    const std::size_t characters = platform::countCharacters(text);
     return std::string(characters < width ? width - characters : 0, ' ') + text;
 }
 

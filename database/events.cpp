@@ -22,8 +22,6 @@ namespace {
 
 constexpr char module[] = "mdlDatabase";
 
-enum ContentType : long { voiceContent = 1, emailContent = 3 };
-
 // The statement with the columns in their place.
 Query eventQuery(std::string_view columns, long eventKey) {
     return {"SELECT " + std::string(columns) + " FROM Events WHERE EventKey = ?", {eventKey}};
@@ -213,12 +211,10 @@ long mapEventType(long number, bool toIndex) {
 void setDefaultContentForEvent(long eventKey) {
     core::procedure(module, "setDefaultContentForEvent", [&](Frame& frame) {
         EventContent content;
-        frame.step([&] { content.contentAttachment = getDefaultContent(1).text; });
-        frame.step([&] {
-            const DefaultContent email = getDefaultContent(3);
-            content.contentSubject = email.parts.at("Subject");
-            content.contentNote = email.parts.at("Body");
-        });
+        content.contentAttachment = getDefaultContent(voiceContent).voiceFile;
+        const DefaultContent mail = getDefaultContent(emailContent);
+        content.contentSubject = mail.subject;
+        content.contentNote = mail.body;
         writeContent(frame, eventKey, voiceContent, content);
         writeContent(frame, eventKey, emailContent, content);
     });

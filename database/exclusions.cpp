@@ -99,14 +99,13 @@ void replaceExclusions(const core::Dictionary<long>& exclusions) {
 EventAnalysis analyzeEvent(long eventKey) {
     return core::procedure(module, "analyzeEvent", EventAnalysis(),
                            [&](Frame& frame, EventAnalysis& analysis) {
-        analysis = {{"ActiveDevices", 0}, {"Recipients", 0}, {"ActiveRecipients", 0}};
         Rows rows(frame, getRecipientsForEvent(eventKey));
         if (rows.count() < 1)
             return;
         while (rows.next()) {
             const long key = rows.number("RecipientKey");
             if (rows.boolean("Active") && key != -1 && isRecipientActive(key))
-                ++analysis["ActiveDevices"];
+                ++analysis.activeDevices;
         }
         rows.rewind();
         // The rows of a recipient lie next to each other, because the query sorts them
@@ -117,24 +116,21 @@ EventAnalysis analyzeEvent(long eventKey) {
             if (key == before)
                 continue;
             before = key;
-            ++analysis["Recipients"];
+            ++analysis.recipients;
             if (isRecipientActive(key))
-                ++analysis["ActiveRecipients"];
+                ++analysis.activeRecipients;
         }
         rows.close();
     });
 }
 
-long getEventState(long eventKey) {
-    return core::procedure(module, "getEventState", 0L, [&](Frame&, long& state) {
+EventState getEventState(long eventKey) {
+    return core::procedure(module, "getEventState", eventComplete, [&](Frame&, EventState& state) {
         const EventAnalysis analysis = analyzeEvent(eventKey);
-        for (const char* entry : {"Recipients", "ActiveRecipients", "ActiveDevices"}) {
-            const auto count = analysis.find(entry);
-            if (count == analysis.end() || count->second == 0)
-                state = 1;
-        }
+        if (analysis.recipients == 0 || analysis.activeRecipients == 0 || analysis.activeDevices == 0)
+            state = eventIncomplete;
         if (!isEventActive(eventKey))
-            state = 2;
+            state = eventInactive;
     });
 }
 
@@ -155,10 +151,10 @@ std::set<long> eventsThatNotify() {
     });
 }
 
-long stateOfEvent(const Recordset& event, const std::set<long>& thatNotify) {
+EventState stateOfEvent(const Recordset& event, const std::set<long>& thatNotify) {
     if (event.isNull("EventActive") || !event.boolean("EventActive"))
-        return 2;
-    return thatNotify.contains(event.number("EventKey")) ? 0 : 1;
+        return eventInactive;
+    return thatNotify.contains(event.number("EventKey")) ? eventComplete : eventIncomplete;
 }
 
 }  // namespace mdlDatabase

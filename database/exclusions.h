@@ -32,16 +32,22 @@ bool deleteExclusion(long exclusionKey);
 // Rewrites the whole table from source to id, with new keys; the new rows come all or none.
 void replaceExclusions(const core::Dictionary<long>& exclusions);
 
-// Entries "ActiveDevices", "Recipients" and "ActiveRecipients". A device that was cut off for its lost entry
+// Whom an event would be told to. A device that was cut off for its lost entry
 // counts like any other; only its recipient's state shows it.
-using EventAnalysis = std::map<std::string, long>;
+struct EventAnalysis {
+    long activeDevices = 0;     // rows of the event that are active and whose recipient is
+    long recipients = 0;        // those with at least one row
+    long activeRecipients = 0;  // those of them who are active
+    bool operator==(const EventAnalysis&) const = default;
+};
 EventAnalysis analyzeEvent(long eventKey);
 // The keys of all events that somebody would be notified of: those whose counts are all above 0, in one
 // statement. Empty on failure.
 std::set<long> eventsThatNotify();
-// State as a tree icon: 0 complete, 1 incomplete, 2 inactive (which wins).
-long getEventState(long eventKey);
+// As a tree icon. Inactive wins; complete is one whose counts are all above 0.
+enum EventState : long { eventComplete = 0, eventIncomplete, eventInactive };
+EventState getEventState(long eventKey);
 // The same for a row of getEvents, whose failures it raises.
-long stateOfEvent(const platform::Recordset& event, const std::set<long>& thatNotify);
+EventState stateOfEvent(const platform::Recordset& event, const std::set<long>& thatNotify);
 
 }  // namespace mdlDatabase

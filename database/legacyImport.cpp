@@ -107,17 +107,15 @@ void importLegacyEvents(const std::function<bool(std::string_view)>& isValidEven
             // An event without an id is not written; its failure is in the log.
             const std::string id = events.ids.contains(key) ? events.ids.item(key) : std::string();
             NewEvent event = importedEvent(source, id);
-            frame.step([&] {
-                const auto email = getDefaultContent(3).parts;
-                event.content.contentSubject = email.at("Subject");
-                event.content.contentNote = email.at("Body");
-            });
+            const DefaultContent mail = getDefaultContent(emailContent);
+            event.content.contentSubject = mail.subject;
+            event.content.contentNote = mail.body;
             frame.step([&] {
                 if (!isValidEventSource(source)) {
                     tellInvalidSource(source, id);
                     return;
                 }
-                event.content.contentAttachment = getDefaultContent(1).text;
+                event.content.contentAttachment = getDefaultContent(voiceContent).voiceFile;
                 addNewEvent(event);
             });
         }

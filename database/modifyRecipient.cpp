@@ -9,6 +9,7 @@
 #include "database/devices.h"
 #include "database/recipients.h"
 #include "database/rows.h"
+#include "platform/machine/caseFold.h"
 
 using core::Frame;
 
@@ -36,12 +37,6 @@ struct StoredDevice {
     std::string address;
     bool active = false;
 };
-
-bool sameNodeKey(std::string_view left, std::string_view right) {
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [&](char a, char b) { return lower(a) == lower(b); });
-}
 
 // What the blocks of one save share, and the few statements that they are made of.
 class Save {
@@ -166,7 +161,7 @@ void saveList(Save& save, const DeviceKind& kind, const std::vector<AddressEntry
     for (std::optional<StoredDevice> stored = save.first(kind); stored; stored = save.next(kind)) {
         const std::string nodeKey = std::string(nodeKeyPrefix) + std::to_string(stored->key);
         const auto entry = std::find_if(entries.begin(), entries.end(), [&](const AddressEntry& each) {
-            return sameNodeKey(each.nodeKey, nodeKey);
+            return platform::equalsIgnoringAsciiCase(each.nodeKey, nodeKey);
         });
         if (entry == entries.end()) {
             save.log(save.line("Deleting", kind, stored->address));
@@ -222,7 +217,6 @@ void modifyRecipient(long recipientKey, const RecipientRecord& record) {
                              core::logError, frame.tag());
             return;
         }
-        // The check box's number goes in as it is; the column reads 1 and 0 as true and false.
         recipient.set("RecipientName", record.name);
         recipient.set("RecipientActive", record.active);
         recipient.update();
@@ -233,9 +227,9 @@ void modifyRecipient(long recipientKey, const RecipientRecord& record) {
         saveSingleAddress(save, emailKind, record.emailDirectoryId);
         saveList(save, pagerKind, record.pagerNumbers);
         saveList(save, smtpKind, record.smtpAddresses);
-        saveSwitch(save, snmpTrapKind, record.snmpTrapEnabled == 1, snmpTrapAddress);
-        saveSwitch(save, syslogKind, record.syslogEnabled == 1, record.syslogHostAddress);
-        saveSwitch(save, failoverKind, record.failoverEnabled == 1, failoverAddress);
+        saveSwitch(save, snmpTrapKind, record.snmpTrapEnabled, snmpTrapAddress);
+        saveSwitch(save, syslogKind, record.syslogEnabled, record.syslogHostAddress);
+        saveSwitch(save, failoverKind, record.failoverEnabled, failoverAddress);
         save.deleteCollected();
         recipient.close();
         save.close();

@@ -13,18 +13,17 @@ struct AddressEntry {
     std::string address;
 };
 
-// Switches hold the number of their check box, 1 or 0.
 struct RecipientRecord {
     std::string name;
-    long active = 1;                   // a new recipient is active in any case
+    bool active = true;                // a new recipient is active in any case
     std::string voiceMailDirectoryId;  // empty for no device, as the next one
     std::string emailDirectoryId;
     std::vector<AddressEntry> pagerNumbers;  // in the order of the list, as the next one
     std::vector<AddressEntry> smtpAddresses;
-    long snmpTrapEnabled = 0;
-    long syslogEnabled = 0;
+    bool snmpTrapEnabled = false;
+    bool syslogEnabled = false;
     std::string syslogHostAddress;
-    long failoverEnabled = 0;
+    bool failoverEnabled = false;
 };
 
 }  // namespace mdlDatabase

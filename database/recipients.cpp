@@ -38,9 +38,9 @@ std::vector<NewDevice> devicesOf(const RecipientRecord& record, long recipientKe
         add(true, pager, number.address);
     for (const AddressEntry& address : record.smtpAddresses)
         add(true, smtpAddress, address.address);
-    add(record.snmpTrapEnabled == 1, snmpTrap, snmpTrapAddress);
-    add(record.syslogEnabled == 1, syslog, record.syslogHostAddress);
-    add(record.failoverEnabled == 1, failover, failoverAddress);
+    add(record.snmpTrapEnabled, snmpTrap, snmpTrapAddress);
+    add(record.syslogEnabled, syslog, record.syslogHostAddress);
+    add(record.failoverEnabled, failover, failoverAddress);
     return devices;
 }
 
@@ -186,17 +186,18 @@ std::set<long> recipientsWithInvalidDevices() {
     });
 }
 
-long stateOfRecipient(const Recordset& recipient, const std::set<long>& withInvalidDevices) {
+RecipientState stateOfRecipient(const Recordset& recipient, const std::set<long>& withInvalidDevices) {
     if (withInvalidDevices.contains(recipient.number("RecipientKey")))
-        return 1;
-    return !recipient.isNull("RecipientActive") && recipient.boolean("RecipientActive") ? 0 : 2;
+        return recipientUnresolved;
+    return !recipient.isNull("RecipientActive") && recipient.boolean("RecipientActive") ? recipientActive
+                                                                                        : recipientInactive;
 }
 
-long getRecipientState(long recipientKey) {
-    return core::procedure(module, "getRecipientState", 0L, [&](Frame&, long& state) {
-        state = isRecipientActive(recipientKey) ? 0 : 2;
+RecipientState getRecipientState(long recipientKey) {
+    return core::procedure(module, "getRecipientState", recipientActive, [&](Frame&, RecipientState& state) {
+        state = isRecipientActive(recipientKey) ? recipientActive : recipientInactive;
         if (invalidRecipientDevices(recipientKey))
-            state = 1;
+            state = recipientUnresolved;
     });
 }
 

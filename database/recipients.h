@@ -40,11 +40,13 @@ void setRecipientActiveState(long recipientKey, bool active);
 bool isRecipientActive(long recipientKey);
 // True when a device of the recipient has no entry in the directory.
 bool invalidRecipientDevices(long recipientKey);
-// State as a tree icon: 0 active, 1 has an unresolved device (outweighs the others), 2 inactive.
-long getRecipientState(long recipientKey);
+// As a tree icon. A device without its entry in the directory outweighs the others.
+enum RecipientState : long { recipientActive = 0, recipientUnresolved, recipientInactive };
+RecipientState getRecipientState(long recipientKey);
 // The same for all recipients at once, for the tree: who has an unresolved device, in one statement (empty on
 // failure), and with it the state of a row of getRecipients, which raises the row's failures.
 std::set<long> recipientsWithInvalidDevices();
-long stateOfRecipient(const platform::Recordset& recipient, const std::set<long>& withInvalidDevices);
+RecipientState stateOfRecipient(const platform::Recordset& recipient,
+                                const std::set<long>& withInvalidDevices);
 
 }  // namespace mdlDatabase

@@ -82,13 +82,12 @@ DefaultContent getDefaultContent(long contentType) {
         const auto orDefault = [](const std::string& setting, auto makeDefault) {
             return setting.empty() ? std::string(makeDefault()) : setting;
         };
-        if (contentType == 1) {
-            content.text =
+        if (contentType == voiceContent) {
+            content.voiceFile =
                 orDefault(getConfigurationSetting("DefaultWavAttachment"), [] { return defaultVoiceFile; });
-        } else if (contentType == 3) {
-            content.parts["Subject"] =
-                orDefault(getConfigurationSetting("DefaultEmailSubject"), defaultSubject);
-            content.parts["Body"] = orDefault(getConfigurationSetting("DefaultEmailBody"), defaultBody);
+        } else if (contentType == emailContent) {
+            content.subject = orDefault(getConfigurationSetting("DefaultEmailSubject"), defaultSubject);
+            content.body = orDefault(getConfigurationSetting("DefaultEmailBody"), defaultBody);
         }
     });
 }
@@ -108,9 +107,9 @@ void makeInitialDatabaseChanges() {
             });
         };
         const auto normalPriority = [] { return std::to_string(mapPriority(1)); };
-        fill("DefaultWavAttachment", [] { return getDefaultContent(1).text; });
-        fill("DefaultEmailSubject", [] { return getDefaultContent(3).parts.at("Subject"); });
-        fill("DefaultEmailBody", [] { return getDefaultContent(3).parts.at("Body"); });
+        fill("DefaultWavAttachment", [] { return getDefaultContent(voiceContent).voiceFile; });
+        fill("DefaultEmailSubject", [] { return getDefaultContent(emailContent).subject; });
+        fill("DefaultEmailBody", [] { return getDefaultContent(emailContent).body; });
         fill("DefaultEmailPriority", normalPriority);
         fill("DefaultVoiceMailPriority", normalPriority);
     });

@@ -1,10 +1,11 @@
 // Keys of new rows, the settings in Configuration, and the default content of new events.
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "database/contentType.h"
 
 namespace mdlDatabase {
 
@@ -17,11 +18,13 @@ std::string getConfigurationSetting(std::string_view settingName);
 std::optional<std::string> readConfigurationSetting(std::string_view settingName);
 void setConfigurationSetting(std::string_view settingName, std::string_view value);
 
-// Default content of a new event: a file name for 1 (voice), "Subject" and "Body" for 3 (e-mail), nothing
-// for any other type.
+// Default content of a new event: the voice file, or subject and body of the mail. A content type has its own
+// of these, and the others are empty; another number has none.
 struct DefaultContent {
-    std::string text;                          // type 1
-    std::map<std::string, std::string> parts;  // type 3
+    std::string voiceFile;
+    std::string subject;
+    std::string body;
+    bool operator==(const DefaultContent&) const = default;
 };
 DefaultContent getDefaultContent(long contentType);
 

@@ -3,6 +3,7 @@
 #include "platform/ado/ado.h"
 #include "platform/ado/dialect.h"
 #include "platform/ado/statement.h"
+#include "platform/machine/caseFold.h"
 
 namespace platform {
 
@@ -11,7 +12,7 @@ namespace {
 constexpr char keyConstraint[] = " CONSTRAINT \"PrimaryKey\" PRIMARY KEY";
 
 bool isKey(const Catalog::Table& table, const Catalog::Column& column) {
-    return ado::equalsIgnoringCase(column.name, table.primaryKey);
+    return equalsIgnoringAsciiCase(column.name, table.primaryKey);
 }
 
 void validate(const Catalog::Table& table) {

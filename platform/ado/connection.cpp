@@ -12,6 +12,7 @@
 #include "platform/ado/dialect.h"
 #include "platform/ado/odbc.h"
 #include "platform/ado/statement.h"
+#include "platform/machine/caseFold.h"
 #include "platform/machine/host.h"
 #include "platform/registry/registry.h"
 
@@ -141,16 +142,16 @@ Target parseConnectionString(std::string_view text) {
         const std::size_t equals = setting.find('=');
         if (equals == std::string_view::npos)
             continue;
-        const std::string key = ado::lowerCase(ado::trimmed(setting.substr(0, equals)));
+        const std::string key = foldAscii(ado::trimmed(setting.substr(0, equals)));
         const std::string value(ado::trimmed(setting.substr(equals + 1)));
         if (key == "provider")
-            provider = ado::lowerCase(value);
+            provider = foldAscii(value);
         else if (key == "data source")
             target.dataSource = value;
         else if (key == "initial catalog")
             target.catalog = value;
         else if (key == "mode")
-            target.readOnly = ado::lowerCase(value) == "read";
+            target.readOnly = foldAscii(value) == "read";
     }
     // A catalog wins: for the directory's provider the data source would name a server.
     if (!target.catalog.empty())
@@ -165,14 +166,12 @@ Target parseConnectionString(std::string_view text) {
 
 // The data source that the host names for its directory; empty for the embedded one.
 std::string directoryDataSource() {
-    const auto value = registry().value(directoryKey, "DataSource");
-    const std::string* name = value ? std::get_if<std::string>(&*value) : nullptr;
-    return name ? *name : std::string();
+    return registry().text(directoryKey, "DataSource").value_or(std::string());
 }
 
 // The host has one directory of one name.
 void requireDirectory(const std::string& catalog) {
-    if (!ado::equalsIgnoringCase(catalog, "CorvaneDb"))
+    if (!equalsIgnoringAsciiCase(catalog, "CorvaneDb"))
         throw describe(SQLITE_CANTOPEN, engineText(nullptr, SQLITE_CANTOPEN), catalog, true, {});
 }
 

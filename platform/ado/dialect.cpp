@@ -4,6 +4,7 @@
 #include <array>
 
 #include "platform/ado/ado.h"
+#include "platform/machine/caseFold.h"
 #include "platform/machine/clock.h"
 
 namespace platform {
@@ -25,18 +26,14 @@ bool isWordCharacter(char c) noexcept {
     return isDigit(c) || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == '$' ||
            static_cast<unsigned char>(c) >= 0x80;
 }
-char lower(char c) noexcept {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 // 12, 0x1F, 5e3 and the 5e of 5e-3.
 bool isNumber(std::string_view word) {
-    if (word.size() > 2 && word[0] == '0' && lower(word[1]) == 'x')
+    if (word.size() > 2 && word[0] == '0' && foldAscii(word[1]) == 'x')
         return std::all_of(word.begin() + 2, word.end(), isHexDigit);
     const std::size_t digits = std::min(word.find_first_not_of("0123456789"), word.size());
     if (digits == word.size())
         return true;
-    return lower(word[digits]) == 'e' && std::all_of(word.begin() + digits + 1, word.end(), isDigit);
+    return foldAscii(word[digits]) == 'e' && std::all_of(word.begin() + digits + 1, word.end(), isDigit);
 }
 
 std::size_t pastClosing(std::string_view source, std::size_t from, std::string_view closing) {
@@ -100,17 +97,6 @@ bool Lexer::next(Token& token) {
     return true;
 }
 
-bool equalsIgnoringCase(std::string_view left, std::string_view right) noexcept {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char a, char b) { return lower(a) == lower(b); });
-}
-
-std::string lowerCase(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), lower);
-    return result;
-}
-
 std::string_view trimmed(std::string_view text) noexcept {
     while (!text.empty() && isBlank(text.front()))
         text.remove_prefix(1);
@@ -150,16 +136,16 @@ std::string withRowId(std::string_view translated, std::string_view idColumn) {
         else if (token.text == ")")
             --depth;
         if (token.kind != TokenKind::blank) {
-            if (first && !equalsIgnoringCase(token.text, "SELECT"))
+            if (first && !equalsIgnoringAsciiCase(token.text, "SELECT"))
                 return {};
             first = false;
         }
         if (depth == 0 && token.kind == TokenKind::word) {
             for (const std::string_view word : notOneRowEach) {
-                if (equalsIgnoringCase(token.text, word))
+                if (equalsIgnoringAsciiCase(token.text, word))
                     return {};
             }
-            if (!done && equalsIgnoringCase(token.text, "FROM")) {
+            if (!done && equalsIgnoringAsciiCase(token.text, "FROM")) {
                 result += ", rowid AS " + quotedName(idColumn) + ' ';
                 done = true;
             }

@@ -30,9 +30,6 @@ class Lexer {
     std::size_t position_ = 0;
 };
 
-bool equalsIgnoringCase(std::string_view left, std::string_view right) noexcept;
-// ASCII letters only, as the engine's NOCASE does it.
-std::string lowerCase(std::string_view text);
 std::string_view trimmed(std::string_view text) noexcept;
 
 // A name between double quotes.

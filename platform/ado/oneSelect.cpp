@@ -6,6 +6,7 @@
 
 #include "platform/ado/ado.h"
 #include "platform/ado/dialect.h"
+#include "platform/machine/caseFold.h"
 
 namespace platform::ado {
 
@@ -27,7 +28,8 @@ constexpr std::array<std::string_view, 6> setOperators{"(", "UNION", "ALL", "EXC
 }
 
 bool contains(const auto& words, std::string_view word) {
-    return std::ranges::any_of(words, [&](std::string_view each) { return equalsIgnoringCase(each, word); });
+    return std::ranges::any_of(words,
+                               [&](std::string_view each) { return equalsIgnoringAsciiCase(each, word); });
 }
 
 // A literal whose extent every server sees alike: it ends, holds no backslash, and has no letter before it
@@ -46,7 +48,7 @@ void checkLiteral(const Token& token, TokenKind before, std::string_view stateme
 void checkWord(std::string_view word, std::string_view before, std::string_view statement) {
     if (contains(foreignWords, word))
         refuse("no part of a SELECT: " + std::string(word), statement);
-    if (equalsIgnoringCase(word, "SELECT") && !before.empty() && !contains(setOperators, before))
+    if (equalsIgnoringAsciiCase(word, "SELECT") && !before.empty() && !contains(setOperators, before))
         refuse("more than one statement", statement);
     if (word.find_first_of("$?:@") != std::string_view::npos)
         refuse("no name: " + std::string(word), statement);
@@ -76,7 +78,7 @@ void requireOneSelect(std::string_view statement) {
     for (Token token{}; lexer.next(token); kindBefore = token.kind) {
         if (before == ";" && token.kind != TokenKind::blank)
             refuse("more than one statement", statement);
-        if (before.empty() && token.kind == TokenKind::word && !equalsIgnoringCase(token.text, "SELECT"))
+        if (before.empty() && token.kind == TokenKind::word && !equalsIgnoringAsciiCase(token.text, "SELECT"))
             throw Failure(providerError, "the directory is read-only [" + std::string(statement) + "]",
                           "ODBC");
         checkToken(token, before, kindBefore, statement);

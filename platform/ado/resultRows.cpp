@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/ado/dialect.h"
+#include "platform/machine/caseFold.h"
 
 namespace platform::ado {
 
@@ -80,7 +81,7 @@ void ResultRows::makeWritable() {
 
 std::size_t ResultRows::fieldIndex(std::string_view name) const {
     for (std::size_t i = 0; i < fields_.size(); ++i) {
-        if (fields_[i].name.size() == name.size() && equalsIgnoringCase(fields_[i].name, name))
+        if (fields_[i].name.size() == name.size() && equalsIgnoringAsciiCase(fields_[i].name, name))
             return i;
     }
     throw makeFailure(itemNotFound, name);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/ado/dialect.h"
+#include "platform/machine/caseFold.h"
 
 namespace platform::ado {
 
@@ -17,7 +18,7 @@ constexpr std::size_t keptStatements = 64;
 bool worthKeeping(std::string_view text) {
     const std::string_view word = trimmed(text).substr(0, 6);
     for (const std::string_view kind : {"SELECT", "INSERT", "UPDATE", "DELETE", "COMMIT"}) {
-        if (equalsIgnoringCase(word, kind))
+        if (equalsIgnoringAsciiCase(word, kind))
             return true;
     }
     return false;

@@ -6,6 +6,8 @@
 #include "platform/ado/ado.h"
 #include "platform/ado/dialect.h"
 #include "platform/ado/statement.h"
+#include "platform/machine/caseFold.h"
+#include "platform/machine/characters.h"
 #include "platform/machine/clock.h"
 
 namespace platform {
@@ -32,15 +34,6 @@ double realNumber(std::string_view text) {
     if (error == std::errc::result_out_of_range)
         throw makeFailure(overflow);
     return number;
-}
-
-std::size_t characterCount(std::string_view text) {
-    std::size_t count = 0;
-    for (const char c : text) {
-        if ((static_cast<unsigned char>(c) & 0xC0) != 0x80)
-            ++count;
-    }
-    return count;
 }
 
 template <typename Type>
@@ -103,9 +96,9 @@ std::int64_t rounded(double number) {
 std::int64_t booleanOf(const Value& value) {
     if (const auto* text = std::get_if<std::string>(&value)) {
         const std::string_view word = trimmed(*text);
-        if (equalsIgnoringCase(word, "true"))
+        if (equalsIgnoringAsciiCase(word, "true"))
             return -1;
-        if (equalsIgnoringCase(word, "false"))
+        if (equalsIgnoringAsciiCase(word, "false"))
             return 0;
         return realNumber(word) != 0 ? -1 : 0;
     }
@@ -127,7 +120,7 @@ long longOf(const Value& value) {
 void setKind(Field& field, std::string_view declaredType) {
     const std::size_t bracket = std::min(declaredType.find('('), declaredType.size());
     const std::string_view word = trimmed(declaredType.substr(0, bracket));
-    const auto is = [&](std::string_view name) { return equalsIgnoringCase(word, name); };
+    const auto is = [&](std::string_view name) { return equalsIgnoringAsciiCase(word, name); };
     if (is("INTEGER") || is("LONG"))
         field.kind = FieldKind::integer;
     else if (is("SHORT"))
@@ -158,7 +151,7 @@ Value converted(const Field& field, Value value) {
             return momentOf(value);
         case FieldKind::text: {
             std::string text = valueText(value);
-            if (field.limit != 0 && characterCount(text) > field.limit)
+            if (field.limit != 0 && countCharacters(text) > field.limit)
                 throw makeFailure(textTooLong);
             return text;
         }
@@ -169,7 +162,7 @@ Value converted(const Field& field, Value value) {
 }
 
 std::string searchKey(const Value& value) {
-    return std::holds_alternative<std::string>(value) ? lowerCase(std::get<std::string>(value))
+    return std::holds_alternative<std::string>(value) ? foldAscii(std::get<std::string>(value))
                                                       : valueText(value);
 }
 

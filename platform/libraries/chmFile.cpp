@@ -2,14 +2,13 @@
 
 #include <chm_lib.h>
 
-#include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <fstream>
 #include <memory>
 
 #include "platform/failure.h"
 #include "platform/libraries/chmStructure.h"
+#include "platform/machine/caseFold.h"
 
 namespace platform {
 
@@ -21,10 +20,7 @@ constexpr std::uint64_t mostTogether = 64u << 20;  // bytes of all objects
 std::string keyOf(std::string_view name) {
     while (!name.empty() && name.front() == '/')
         name.remove_prefix(1);
-    std::string key(name);
-    std::transform(key.begin(), key.end(), key.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return key;
+    return foldAscii(name);
 }
 
 std::vector<std::uint8_t> readBytes(const std::filesystem::path& file) {

@@ -8,19 +8,13 @@
 #include <optional>
 
 #include "platform/libraries/peFile.h"
+#include "platform/machine/caseFold.h"
 
 namespace platform {
 
 namespace {
 
 constexpr std::size_t deepest = 32;
-
-std::string lowerCase(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return result;
-}
 
 // The character that an entity such as "amp" or "#233" stands for.
 std::optional<std::string> entity(std::string_view name) {
@@ -74,13 +68,13 @@ Tag readTag(std::string_view text, std::size_t& at) {
         return text.substr(begin, at - begin);
     };
     Tag tag;
-    tag.name = lowerCase(word(">"));
+    tag.name = foldAscii(word(">"));
     while (at < text.size() && text[at] != '>') {
         if (space() || text[at] == '=' || text[at] == '"') {
             ++at;
             continue;
         }
-        const std::string name = lowerCase(word("=>\""));
+        const std::string name = foldAscii(word("=>\""));
         std::string_view value;
         if (at < text.size() && text[at] == '=') {
             ++at;
@@ -118,10 +112,10 @@ std::vector<ChmEntry> parseSitemap(std::string_view text) {
             return found == tag.attributes.end() ? std::string() : found->second;
         };
         if (tag.name == "object") {
-            if (lowerCase(attribute("type")) == "text/sitemap")
+            if (foldAscii(attribute("type")) == "text/sitemap")
                 open.emplace();
         } else if (tag.name == "param" && open) {
-            const std::string name = lowerCase(attribute("name"));
+            const std::string name = foldAscii(attribute("name"));
             // An index entry may name several pages; the first counts.
             if (name == "name" && open->title.empty())
                 open->title = attribute("value");

@@ -3,6 +3,7 @@
 #include <locale.h>
 #include <wctype.h>
 
+#include <algorithm>
 #include <cstdint>
 
 namespace platform {
@@ -17,7 +18,7 @@ locale_t everyLetter() {
 
 char32_t folded(char32_t letter) {
     if (letter < 0x80)
-        return letter >= U'A' && letter <= U'Z' ? letter - U'A' + U'a' : letter;
+        return static_cast<unsigned char>(foldAscii(static_cast<char>(letter)));
     const locale_t locale = everyLetter();
     if (!locale)
         return letter;
@@ -64,6 +65,17 @@ std::string foldCase(std::string_view utf8) {
         at += whole ? length : 1;
     }
     return result;
+}
+
+std::string foldAscii(std::string_view text) {
+    std::string result(text);
+    for (char& c : result)
+        c = foldAscii(c);
+    return result;
+}
+
+bool equalsIgnoringAsciiCase(std::string_view left, std::string_view right) noexcept {
+    return std::ranges::equal(left, right, [](char a, char b) { return foldAscii(a) == foldAscii(b); });
 }
 
 }  // namespace platform

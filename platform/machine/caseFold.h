@@ -1,4 +1,5 @@
-// Text without regard to case, of every script.
+// Text without regard to case: of every script, or of the letters A to Z alone, as names are compared that
+// the system gives itself.
 #pragma once
 
 #include <string>
@@ -9,5 +10,12 @@ namespace platform {
 // The text with the case of each letter folded, so that two texts that differ in case alone become the same
 // one. Bytes that are no UTF-8 stay as they are. Does not depend on the process's locale.
 std::string foldCase(std::string_view utf8);
+
+// A to Z as a to z; all else stays as it is.
+constexpr char foldAscii(char c) noexcept {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+std::string foldAscii(std::string_view text);
+bool equalsIgnoringAsciiCase(std::string_view left, std::string_view right) noexcept;
 
 }  // namespace platform

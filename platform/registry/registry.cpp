@@ -15,16 +15,13 @@
 #include "platform/files/descriptor.h"
 #include "platform/files/files.h"
 #include "platform/files/textStream.h"
+#include "platform/machine/caseFold.h"
 #include "platform/machine/host.h"
 #include "platform/registry/registryText.h"
 
 namespace platform {
 
 namespace {
-
-char folded(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 // Two processes change the store one after the other: the lock is on a file beside it, because the store
 // itself is replaced. The kernel drops it with the process, however that ends.
@@ -62,7 +59,7 @@ std::string stampOf(const std::filesystem::path& file) {
 
 bool RegistryNameLess::operator()(std::string_view a, std::string_view b) const noexcept {
     return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-        return static_cast<unsigned char>(folded(x)) < static_cast<unsigned char>(folded(y));
+        return static_cast<unsigned char>(foldAscii(x)) < static_cast<unsigned char>(foldAscii(y));
     });
 }
 
@@ -124,6 +121,12 @@ std::optional<RegistryValue> Registry::value(std::string_view path, std::string_
         return std::nullopt;
     const auto found = key->second.values.find(name);
     return found == key->second.values.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<std::string> Registry::text(std::string_view path, std::string_view name) {
+    const auto stored = value(path, name);
+    const auto* text = stored ? std::get_if<std::string>(&*stored) : nullptr;
+    return text ? std::optional(*text) : std::nullopt;
 }
 
 bool Registry::setValue(std::string_view path, std::string_view name, RegistryValue value) {

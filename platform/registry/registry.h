@@ -50,6 +50,8 @@ class Registry {
     bool createKey(std::string_view path);
     // Nothing when key or value is missing. An empty name is the key's default value.
     std::optional<RegistryValue> value(std::string_view path, std::string_view name);
+    // The value's text; nothing also when the value is no text.
+    std::optional<std::string> text(std::string_view path, std::string_view name);
     // Returns false, changing nothing, when the key does not exist.
     bool setValue(std::string_view path, std::string_view name, RegistryValue value);
     // False when there was nothing to delete. deleteKey takes all subkeys along.

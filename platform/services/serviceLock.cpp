@@ -6,6 +6,7 @@
 
 #include "platform/failure.h"
 #include "platform/files/files.h"
+#include "platform/machine/caseFold.h"
 #include "platform/machine/host.h"
 
 namespace platform {
@@ -19,11 +20,7 @@ constexpr long startPlace = 1;
 }  // namespace
 
 std::string foldedServiceName(std::string_view keyName) {
-    std::string name(keyName);
-    for (char& letter : name)
-        if (letter >= 'A' && letter <= 'Z')
-            letter = static_cast<char>(letter - 'A' + 'a');
-    return name;
+    return foldAscii(keyName);
 }
 
 void ensureServicesFolder() {

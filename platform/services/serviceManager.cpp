@@ -29,9 +29,7 @@ std::string keyOf(std::string_view keyName) {
 }
 
 std::string textValue(std::string_view keyName, std::string_view name) {
-    const auto value = registry().value(keyOf(keyName), name);
-    const auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
-    return text ? *text : std::string();
+    return registry().text(keyOf(keyName), name).value_or(std::string());
 }
 
 std::uint32_t numberValue(std::string_view key, std::string_view name, std::uint32_t otherwise) {

@@ -50,7 +50,7 @@ TEST_F(AddressDetails, EveryKindHasItsLabelAndALostEntryCutsItsDeviceOff) {
     rebuildAddressDetailsTable();
     EXPECT_EQ(details(), full);
     EXPECT_EQ(inactive(), "2,8");
-    EXPECT_EQ(getRecipientState(1), 1);
+    EXPECT_EQ(getRecipientState(1), recipientUnresolved);
     rebuildAddressDetailsTable();
     EXPECT_EQ(details(), full);
 

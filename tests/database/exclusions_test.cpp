@@ -78,32 +78,29 @@ class EventHealth : public databaseTest::Store {
         run("INSERT INTO AddressDetails SELECT DeviceAddress, DeviceAddress, 3, DeviceKey FROM Device;"
             "UPDATE Events SET EventActive = -1 WHERE EventKey = 1");
     }
-    static EventAnalysis counts(long devices, long recipients, long active) {
-        return {{"ActiveDevices", devices}, {"Recipients", recipients}, {"ActiveRecipients", active}};
-    }
 };
 
 TEST_F(EventHealth, CountsSwitchesOfTheEventAndOfRecipientsOnly) {
-    EXPECT_EQ(analyzeEvent(1), counts(2, 1, 1)) << "a device's own switch plays no part";
-    EXPECT_EQ(analyzeEvent(2), counts(0, 0, 0));
+    EXPECT_EQ(analyzeEvent(1), (EventAnalysis{2, 1, 1})) << "a device's own switch plays no part";
+    EXPECT_EQ(analyzeEvent(2), (EventAnalysis{0, 0, 0}));
     setRecipientActiveState(1, false);
-    EXPECT_EQ(analyzeEvent(1), counts(0, 1, 0));
+    EXPECT_EQ(analyzeEvent(1), (EventAnalysis{0, 1, 0}));
     assign(1, 6, true);
-    EXPECT_EQ(analyzeEvent(1), counts(1, 2, 1));
+    EXPECT_EQ(analyzeEvent(1), (EventAnalysis{1, 2, 1}));
     run("DELETE FROM AddressDetails WHERE DeviceKey <> 6");
-    EXPECT_EQ(analyzeEvent(1), counts(1, 1, 1)) << "a device without details is not counted at all";
+    EXPECT_EQ(analyzeEvent(1), (EventAnalysis{1, 1, 1})) << "a device without details is not counted at all";
     EXPECT_EQ(host.countInLog("Err.Number"), 0);
 }
 
 TEST_F(EventHealth, StateIsInactiveBeforeIncompleteBeforeComplete) {
-    EXPECT_EQ(getEventState(1), 0);
+    EXPECT_EQ(getEventState(1), eventComplete);
     run("UPDATE EventDevice SET Active = 0");
-    EXPECT_EQ(getEventState(1), 1);
+    EXPECT_EQ(getEventState(1), eventIncomplete);
     run("DELETE FROM EventDevice");
-    EXPECT_EQ(getEventState(1), 1);
+    EXPECT_EQ(getEventState(1), eventIncomplete);
     run("UPDATE Events SET EventActive = 0");
-    EXPECT_EQ(getEventState(1), 2);
-    EXPECT_EQ(getEventState(99), 2);
+    EXPECT_EQ(getEventState(1), eventInactive);
+    EXPECT_EQ(getEventState(99), eventInactive);
 }
 
 }  // namespace

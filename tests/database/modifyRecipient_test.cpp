@@ -38,7 +38,7 @@ class ModifyRecipient : public databaseTest::Store {
         record.emailDirectoryId = "e";
         record.pagerNumbers = {{"DeviceKey:2", "p"}};
         record.smtpAddresses = {{"devicekey:4", "s"}};
-        record.snmpTrapEnabled = record.syslogEnabled = record.failoverEnabled = 1;
+        record.snmpTrapEnabled = record.syslogEnabled = record.failoverEnabled = true;
         record.syslogHostAddress = "h";
         return record;
     }
@@ -60,7 +60,7 @@ TEST_F(ModifyRecipient, EveryKindIsCreated) {
     makeRecipients({"Old"});
     RecipientRecord record = unchanged();
     record.name = "Ann";
-    record.active = 0;
+    record.active = false;
     record.pagerNumbers = {{"", "1"}, {"", "2"}};
     record.smtpAddresses = {{"", "s"}};
     modifyRecipient(1, record);
@@ -137,7 +137,7 @@ TEST_F(ModifyRecipient, AnAbandonedSaveLosesNoDevice) {
     RecipientRecord record = unchanged();
     record.emailDirectoryId = "e2";
     record.pagerNumbers.assign(11, {"", "new"});
-    record.failoverEnabled = 0;
+    record.failoverEnabled = false;
     modifyRecipient(1, record);
     EXPECT_EQ(host.countInLog("Error count exceeded, forcing exit from [mdlDatabase]modifyRecipient"), 1);
     EXPECT_EQ(devices(), (Lines{"1|1|v|-1", "2|2|p|-1", "3|3|e2|-1", "4|4|s|-1", "5|5|SNMP TRAP|-1",
@@ -213,15 +213,15 @@ class ModifyRandomly : public testing::Test {
     RecipientRecord randomRecord(const Devices& stored) {
         RecipientRecord record;
         record.name = "Name" + anAddress();
-        record.active = upTo(1);
+        record.active = chance();
         record.voiceMailDirectoryId = chance() ? anAddress() : "";
         record.emailDirectoryId = chance() ? anAddress() : "";
         record.pagerNumbers = randomList(stored, pager);
         record.smtpAddresses = randomList(stored, smtpAddress);
-        record.snmpTrapEnabled = upTo(1);
-        record.syslogEnabled = upTo(1);
+        record.snmpTrapEnabled = chance();
+        record.syslogEnabled = chance();
         record.syslogHostAddress = anAddress();
-        record.failoverEnabled = upTo(1);
+        record.failoverEnabled = chance();
         return record;
     }
 

@@ -25,7 +25,7 @@ TEST_F(Recipients, ANewOneGetsHisDevicesInTheirOrderAndNoEvent) {
     record.emailDirectoryId = "id-3";
     record.pagerNumbers = {{"", "555"}, {"", "444"}};
     record.smtpAddresses = {{"", "a@b"}};
-    record.snmpTrapEnabled = record.syslogEnabled = record.failoverEnabled = 1;
+    record.snmpTrapEnabled = record.syslogEnabled = record.failoverEnabled = true;
     record.syslogHostAddress = "10.0.0.1";
     EXPECT_EQ(addNewRecipient(record), 2);
     EXPECT_EQ(value("SELECT * FROM Recipients WHERE RecipientKey = 2"), "2| Ann O'Hara |-1");
@@ -36,9 +36,8 @@ TEST_F(Recipients, ANewOneGetsHisDevicesInTheirOrderAndNoEvent) {
 
     RecipientRecord bare;
     bare.name = "Bare";
-    bare.active = 0;
+    bare.active = false;
     bare.syslogHostAddress = "host";
-    bare.snmpTrapEnabled = 2;
     EXPECT_EQ(addNewRecipient(bare), 3);
     EXPECT_EQ(value("SELECT RecipientActive FROM Recipients WHERE RecipientKey = 3"), "-1");
     EXPECT_EQ(countDevices(allDeviceTypes, 3), 0) << "only a box that is ticked makes a device";
@@ -111,11 +110,12 @@ TEST_F(Recipients, CountsAndStates) {
     EXPECT_EQ(getRecipient(1).text("RecipientName"), "Zoe");
 
     run("INSERT INTO AddressDetails VALUES ('id', 'gone', 0, 5), ('1', '1 (Pager)', 3, 3)");
-    EXPECT_EQ(getRecipientState(2), 0);
+    EXPECT_EQ(getRecipientState(2), recipientActive);
     setRecipientActiveState(2, false);
-    EXPECT_EQ(getRecipientState(2), 2);
+    EXPECT_EQ(getRecipientState(2), recipientInactive);
     setRecipientActiveState(1, false);
-    EXPECT_EQ(getRecipientState(1), 1) << "an unresolved device outweighs an inactive recipient";
+    EXPECT_EQ(getRecipientState(1), recipientUnresolved)
+        << "an unresolved device outweighs an inactive recipient";
     const std::set<long> unresolved = recipientsWithInvalidDevices();
     for (platform::Recordset rows = getRecipients(); !rows.EOF_(); rows.moveNext())
         EXPECT_EQ(stateOfRecipient(rows, unresolved), getRecipientState(rows.number("RecipientKey")))

@@ -50,18 +50,14 @@ TEST_F(Settings, LastKeyIsTheHighest) {
 }
 
 TEST_F(Settings, DefaultContentComesFromSettingsOrElseFromTheStringTable) {
-    EXPECT_EQ(getDefaultContent(1).text, "QLN_Default_ENU.wav");
-    EXPECT_TRUE(getDefaultContent(1).parts.empty());
-    using Parts = std::map<std::string, std::string>;
-    EXPECT_EQ(getDefaultContent(3).parts, (Parts{{"Subject", subject}, {"Body", body}}));
-    for (const long none : {0L, 2L, 4L}) {
-        EXPECT_EQ(getDefaultContent(none).text, "");
-        EXPECT_TRUE(getDefaultContent(none).parts.empty());
-    }
+    EXPECT_EQ(getDefaultContent(voiceContent), (DefaultContent{"QLN_Default_ENU.wav", "", ""}));
+    EXPECT_EQ(getDefaultContent(emailContent), (DefaultContent{"", subject, body}));
+    for (const long none : {0L, 2L, 4L})
+        EXPECT_EQ(getDefaultContent(none), DefaultContent());
     setConfigurationSetting("DefaultWavAttachment", "own.wav");
     setConfigurationSetting("DefaultEmailBody", "own body");
-    EXPECT_EQ(getDefaultContent(1).text, "own.wav");
-    EXPECT_EQ(getDefaultContent(3).parts, (Parts{{"Subject", subject}, {"Body", "own body"}}));
+    EXPECT_EQ(getDefaultContent(voiceContent).voiceFile, "own.wav");
+    EXPECT_EQ(getDefaultContent(emailContent), (DefaultContent{"", subject, "own body"}));
 }
 
 TEST_F(Settings, InitialChangesFillWhatIsEmptyAndKeepTheRest) {

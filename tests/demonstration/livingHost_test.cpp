@@ -20,7 +20,8 @@ class LivingHost : public support::Demonstration {
     LivingHost() : Demonstration("--failover") {}
 
     // Rows of a query whose first field is a key: the other field with what the function says of the key.
-    Lines states(const std::string& statement, long (*stateOf)(long)) {
+    template <class State>
+    Lines states(const std::string& statement, State (*stateOf)(long)) {
         Lines lines;
         for (const std::string& row : rows(statement))
             lines.push_back(row.substr(row.find('|') + 1) + ": " + std::to_string(stateOf(std::stol(row))));

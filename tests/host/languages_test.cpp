@@ -12,6 +12,7 @@
 #include "core/modLocalize.h"
 #include "platform/libraries/stringLibrary.h"
 #include "platform/libraries/versionRecord.h"
+#include "platform/machine/characters.h"
 
 namespace {
 
@@ -38,11 +39,6 @@ struct Shape {
 
     bool operator==(const Shape&) const = default;
 };
-
-std::size_t characters(const std::string& text) {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
 
 Shape shapeOf(const std::string& text) {
     const std::size_t first = std::min(text.find_first_not_of(' '), text.size());
@@ -78,7 +74,7 @@ TEST_P(Languages, AreCompleteAndOfTheEnglishTextsShape) {
             shape.trailingBlanks = shapeOf(english).trailingBlanks;
         EXPECT_EQ(shape, shapeOf(english)) << id << " " << text(id);
         if (padded) {
-            EXPECT_EQ(characters(text(id)), characters(english)) << id;
+            EXPECT_EQ(platform::countCharacters(text(id)), platform::countCharacters(english)) << id;
         }
     }
     // Names of the directory's columns and of products are no words of a language.

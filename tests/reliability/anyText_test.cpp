@@ -100,11 +100,11 @@ TEST_F(AnyText, IsStoredInEverySettingAndReadBack) {
             EXPECT_EQ(mdlDatabase::getConfigurationSetting(setting), text) << setting;
         }
         // An empty setting counts as unset.
-        const auto email = mdlDatabase::getDefaultContent(3).parts;
+        const auto mail = mdlDatabase::getDefaultContent(mdlDatabase::emailContent);
         if (!text.empty()) {
-            EXPECT_EQ(mdlDatabase::getDefaultContent(1).text, text);
-            EXPECT_EQ(email.at("Subject"), text);
-            EXPECT_EQ(email.at("Body"), text);
+            EXPECT_EQ(mdlDatabase::getDefaultContent(mdlDatabase::voiceContent).voiceFile, text);
+            EXPECT_EQ(mail.subject, text);
+            EXPECT_EQ(mail.body, text);
         }
     }
     EXPECT_EQ(query(host.databaseFile(), "SELECT count(*) FROM Configuration"),

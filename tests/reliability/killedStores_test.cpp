@@ -214,12 +214,12 @@ void expectBenAndAtMostOneWithoutOwner(const TemporaryHost& host) {
     contentOf(host);
 }
 
-RecipientRecord recordOf(const std::string& name, const std::string& voiceMail, long failover) {
+RecipientRecord recordOf(const std::string& name, const std::string& voiceMail, bool failover) {
     RecipientRecord record;
     record.name = name;
     record.voiceMailDirectoryId = voiceMail;
     record.smtpAddresses = {{"", "s2"}};
-    record.snmpTrapEnabled = record.syslogEnabled = 1;
+    record.snmpTrapEnabled = record.syslogEnabled = true;
     record.syslogHostAddress = "h2";
     record.failoverEnabled = failover;
     return record;
@@ -227,7 +227,7 @@ RecipientRecord recordOf(const std::string& name, const std::string& voiceMail, 
 
 TEST(Killed, AddingARecipient) {
     const auto add = [] {
-        RecipientRecord record = recordOf("Cid", "v", 1);
+        RecipientRecord record = recordOf("Cid", "v", true);
         record.emailDirectoryId = "v2";
         record.pagerNumbers = {{"", "1"}, {"", "2"}};
         EXPECT_GT(addNewRecipient(record), 6);
@@ -251,7 +251,7 @@ TEST(Killed, AddingARecipient) {
 // Addresses kept, changed, dropped and new; a switch that comes, one that stays, one that goes.
 TEST(Killed, ModifyingARecipient) {
     const auto modify = [] {
-        RecipientRecord record = recordOf("Anna", "v2", 0);
+        RecipientRecord record = recordOf("Anna", "v2", false);
         record.pagerNumbers = {{"DeviceKey:3", "p1"}, {"DeviceKey:4", "p2 x"}, {"", "p4"}};
         modifyRecipient(ann, record);
     };

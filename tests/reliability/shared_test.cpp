@@ -270,7 +270,7 @@ mdlDatabase::RecipientRecord recordOf(long round) {
     record.voiceMailDirectoryId = "v";
     record.pagerNumbers = {{"", "1"}, {"", "2"}};
     record.smtpAddresses = {{"", "s"}};
-    record.syslogEnabled = 1;
+    record.syslogEnabled = true;
     record.syslogHostAddress = "h";
     return record;
 }
@@ -279,7 +279,7 @@ mdlDatabase::RecipientRecord changedRecordOf(long round, const std::string& kept
     mdlDatabase::RecipientRecord record;
     record.name = "R" + std::to_string(round) + " changed";
     record.pagerNumbers = {{keptPager, "1 x"}, {"", "3"}};
-    record.snmpTrapEnabled = record.syslogEnabled = 1;
+    record.snmpTrapEnabled = record.syslogEnabled = true;
     record.syslogHostAddress = "h2";
     return record;
 }

@@ -363,8 +363,7 @@ void paneEventDetails::saveEventDataChanges(long eventKey, bool silent) {
         const mdlDatabase::EventAnalysis analysis = mdlDatabase::analyzeEvent(eventKey);
         if (silent)
             return;
-        const auto counted = analysis.find("ActiveDevices");
-        const long activeDevices = counted == analysis.end() ? 0 : counted->second;
+        const long activeDevices = analysis.activeDevices;
         if (!hasDevices && active) {
             if (confirmed(myLoadResString(1158), myLoadResString(1159)))
                 recipients->assignFirst(frame, eventKey, nodeText_);

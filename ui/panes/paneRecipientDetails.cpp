@@ -185,7 +185,7 @@ void paneRecipientDetails::txtRecipientName_Change() {
 mdlDatabase::RecipientRecord paneRecipientDetails::shownRecipient() const {
     mdlDatabase::RecipientRecord record;
     record.name = ui::toUtf8(txtRecipientName->text());
-    record.active = chkRecipientActive->isChecked() ? 1 : 0;
+    record.active = chkRecipientActive->isChecked();
     sstabRecipientDevices->collect(record);
     return record;
 }

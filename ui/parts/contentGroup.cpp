@@ -143,17 +143,18 @@ std::string ContentGroup::setting(const char* name) {
 // The built-in texts stand in for settings without a text only.
 void ContentGroup::showDefaultVoiceFile() {
     const std::string stored = setting("DefaultWavAttachment");
-    txtVoiceMailFileName->setText(fromUtf8(stored.empty() ? mdlDatabase::getDefaultContent(1).text : stored));
+    txtVoiceMailFileName->setText(fromUtf8(
+        stored.empty() ? mdlDatabase::getDefaultContent(mdlDatabase::voiceContent).voiceFile : stored));
 }
 
 void ContentGroup::showDefaultMail() {
     const std::string subject = setting("DefaultEmailSubject");
     const std::string body = setting("DefaultEmailBody");
-    std::map<std::string, std::string> builtIn;
+    mdlDatabase::DefaultContent builtIn;
     if (subject.empty() || body.empty())
-        builtIn = mdlDatabase::getDefaultContent(3).parts;
-    rtbEmailSubject->setStoredText(subject.empty() ? builtIn.at("Subject") : subject);
-    rtbEmailBody->setStoredText(body.empty() ? builtIn.at("Body") : body);
+        builtIn = mdlDatabase::getDefaultContent(mdlDatabase::emailContent);
+    rtbEmailSubject->setStoredText(subject.empty() ? builtIn.subject : subject);
+    rtbEmailBody->setStoredText(body.empty() ? builtIn.body : body);
 }
 
 void ContentGroup::showDefaultVoiceMailPriority() {
@@ -229,15 +230,15 @@ mdlDatabase::EventContent ContentGroup::shown() const {
     mdlDatabase::EventContent content = inControls();
     if (leftOverVoice_ && content.contentAttachment == leftOverVoice_->contentAttachment &&
         content.voicePriority == leftOverVoice_->voicePriority) {
-        content.contentAttachment = mdlDatabase::getDefaultContent(1).text;
+        content.contentAttachment = mdlDatabase::getDefaultContent(mdlDatabase::voiceContent).voiceFile;
         content.voicePriority = defaultPriority(voicePrioritySetting);
     }
     if (leftOverMail_ && content.contentSubject == leftOverMail_->contentSubject &&
         content.contentNote == leftOverMail_->contentNote &&
         content.emailPriority == leftOverMail_->emailPriority) {
-        const auto parts = mdlDatabase::getDefaultContent(3).parts;
-        content.contentSubject = parts.at("Subject");
-        content.contentNote = parts.at("Body");
+        const mdlDatabase::DefaultContent mail = mdlDatabase::getDefaultContent(mdlDatabase::emailContent);
+        content.contentSubject = mail.subject;
+        content.contentNote = mail.body;
         content.emailPriority = defaultPriority(emailPrioritySetting);
     }
     return content;

@@ -165,10 +165,10 @@ void DeviceTabs::collect(mdlDatabase::RecipientRecord& record) const {
     record.emailDirectoryId = email->directoryId();
     record.pagerNumbers = pagers->entries();
     record.smtpAddresses = smtp->entries();
-    record.snmpTrapEnabled = chkSNMPTrapEnabled->isChecked() ? 1 : 0;
-    record.syslogEnabled = chkSyslogEnabled->isChecked() ? 1 : 0;
+    record.snmpTrapEnabled = chkSNMPTrapEnabled->isChecked();
+    record.syslogEnabled = chkSyslogEnabled->isChecked();
     record.syslogHostAddress = toUtf8(txtSyslogHostAddress->text());
-    record.failoverEnabled = chkFailoverEnabled->isChecked() ? 1 : 0;
+    record.failoverEnabled = chkFailoverEnabled->isChecked();
 }
 
 }  // namespace ui

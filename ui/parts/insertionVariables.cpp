@@ -106,7 +106,7 @@ LeaveGuard::Answer InsertionVariables::rtbEmailSubject_Validate() {
         if (answer != BoxAnswer::yes)
             return;
         frame.step([&] {
-            rtbEmailSubject_.setStoredText(mdlDatabase::getDefaultContent(3).parts.at("Subject"));
+            rtbEmailSubject_.setStoredText(mdlDatabase::getDefaultContent(mdlDatabase::emailContent).subject);
             result = Answer::leaveAfterQuestion;
         });
     });

@@ -50,10 +50,10 @@ void forEachRow(core::Frame& frame, Recordset& rows, const std::function<void()>
 std::vector<std::string> linesOfEvent(long eventKey) {
     std::vector<std::string> lines{myLoadResString(mdlDatabase::isEventActive(eventKey) ? 1182 : 1183)};
     const mdlDatabase::EventAnalysis analysis = mdlDatabase::analyzeEvent(eventKey);
-    for (const auto& [entry, text] :
-         {std::pair("Recipients", 1184L), {"ActiveRecipients", 1185L}, {"ActiveDevices", 1186L}}) {
-        const auto count = analysis.find(entry);
-        if (count != analysis.end() && count->second == 0)
+    for (const auto& [count, text] : {std::pair(analysis.recipients, 1184L),
+                                      {analysis.activeRecipients, 1185L},
+                                      {analysis.activeDevices, 1186L}}) {
+        if (count == 0)
             lines.push_back(myLoadResString(text));
     }
     return lines;

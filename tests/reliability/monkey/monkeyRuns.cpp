@@ -48,7 +48,7 @@ class OneRun {
             mdlDatabase::RecipientRecord record;
             record.name = name;
             record.smtpAddresses = {{"", "a@b"}, {"", "c@d"}};
-            record.syslogEnabled = 1;
+            record.syslogEnabled = true;
             record.syslogHostAddress = "host";
             mdlDatabase::addNewRecipient(record);
         }

@@ -118,9 +118,9 @@ TEST_F(RecipientDialog, NeedsANameAndADevice) {
     EXPECT_FALSE(dialog->cancelled);
     const auto record = dialog->newRecipient();
     EXPECT_EQ(record.name, " ");
-    EXPECT_EQ(record.syslogEnabled, 1);
+    EXPECT_TRUE(record.syslogEnabled);
     EXPECT_EQ(record.syslogHostAddress, "");
-    EXPECT_EQ(record.snmpTrapEnabled + record.failoverEnabled, 0);
+    EXPECT_FALSE(record.snmpTrapEnabled || record.failoverEnabled);
 
     show([&] {
         EXPECT_FALSE(okEnabled());
