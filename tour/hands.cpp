@@ -106,7 +106,7 @@ std::string nodeOf(const frmMain& window, long nodeType, long key) {
 }
 
 void showTab(ui::DeviceTabs& tabs, int tab) {
-    const auto buttons = tabs.findChildren<QAbstractButton*>(QString(), Qt::FindDirectChildrenOnly);
+    const auto buttons = tabs.findChild<QWidget*>("tabStrip")->findChildren<QAbstractButton*>();
     insist(buttons.size() == tabs.count() && tabs.isTabVisible(tab), "a kind of device has no tab");
     QTest::mouseClick(buttons[tab], Qt::LeftButton);
     insist(tabs.currentIndex() == tab, "the tab does not come to the front");

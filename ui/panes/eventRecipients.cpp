@@ -16,7 +16,7 @@
 namespace {
 
 constexpr char module[] = "frmMain";
-constexpr int lowestTree = 120;  // pixels; what is lower than its content scrolls
+constexpr int lowestTree = 46;  // pixels; what is lower than its content scrolls
 
 }  // namespace
 
@@ -24,6 +24,8 @@ EventRecipients::EventRecipients(QWidget* parent) : QGroupBox(parent) {
     setObjectName("frameRecipients");
     tvRecipients = ui::makeControl<ui::KeyedTree>(this, "tvRecipients");
     tvRecipients->setMinimumHeight(lowestTree);
+    // What the tree would like to have must not take the room of the content.
+    tvRecipients->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
     mdlRecDevices::describeStates(*tvRecipients);
     cmdAddRecipient = ui::makeControl<QPushButton>(this, "cmdAddRecipient");
     cmdRemoveRecipient = ui::makeControl<QPushButton>(this, "cmdRemoveRecipient");

@@ -40,7 +40,14 @@ using platform::Recordset;
 namespace {
 
 constexpr char module[] = "frmMain";
-constexpr int lowestBody = 130;  // pixels; what is lower than its content scrolls
+// Pixels. At the window's first size all of the pane is in sight; in a lower window these heights give way
+// before anything scrolls.
+constexpr int lowestBody = 60;
+constexpr int groupMargin = 8;
+constexpr int betweenRows = 6;
+// Shares of the height that is left over.
+constexpr int recipientsShare = 2;
+constexpr int contentShare = 5;
 
 // Nothing can be chosen, but what is shown stays as easy to read as before.
 void lockList(QComboBox& list) {
@@ -89,11 +96,13 @@ void paneEventDetails::createContentControls() {
                                     },
                                     .priorityClicked = [this] { markChanged(); }});
     content->rtbEmailBody->setMinimumHeight(lowestBody);
+    content->rtbEmailBody->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
 }
 
 QLayout* paneEventDetails::matchLayout() {
     auto* match = new QGridLayout;
     match->setColumnStretch(1, 1);
+    match->setVerticalSpacing(betweenRows);
     match->addWidget(lblEventSource, 0, 0);
     match->addWidget(comboEventSource, 0, 1);
     match->addWidget(lblEventId, 0, 2);
@@ -111,9 +120,14 @@ QLayout* paneEventDetails::matchLayout() {
 void paneEventDetails::buildLayout() {
     auto* inner = new QWidget(this);
     auto* parts = new QVBoxLayout(inner);
+    parts->setSpacing(betweenRows);
     parts->addLayout(matchLayout());
-    parts->addWidget(recipients, 1);
-    parts->addWidget(frameContent, 2);
+    parts->addWidget(recipients, recipientsShare);
+    parts->addWidget(frameContent, contentShare);
+    for (const QGroupBox* group : {static_cast<QGroupBox*>(recipients), frameContent}) {
+        group->layout()->setContentsMargins(groupMargin, groupMargin, groupMargin, groupMargin);
+        group->layout()->setSpacing(betweenRows);
+    }
     auto* area = new ui::FormArea(inner, this);
     area->setObjectName("VSViewPort1");
     auto* outer = new QVBoxLayout(this);

@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QVBoxLayout>
 #include <utility>
 
 #include "core/modLocalize.h"
@@ -100,11 +101,16 @@ void ContentGroup::layOut(QWidget& area) {
     rows->addWidget(comboVoiceMailPriority, 1, 1, 1, 2, Qt::AlignLeft);
     rows->addWidget(lblEmailSubject, 2, 0);
     rows->addWidget(rtbEmailSubject, 2, 1, 1, 2);
-    rows->addWidget(lblEmailBody, 3, 0, Qt::AlignTop);
+    // The hint stands beside the body and not below it, where it would cost the body a line.
+    auto* captions = new QVBoxLayout;
+    captions->addWidget(lblEmailBody);
+    captions->addWidget(lblRightClick);
+    captions->addStretch();
+    lblRightClick->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    rows->addLayout(captions, 3, 0);
     rows->addWidget(rtbEmailBody, 3, 1, 1, 2);
-    rows->addWidget(lblRightClick, 4, 1, 1, 2);
-    rows->addWidget(lblEmailPriority, 5, 0);
-    rows->addWidget(comboEmailPriority, 5, 1, 1, 2, Qt::AlignLeft);
+    rows->addWidget(lblEmailPriority, 4, 0);
+    rows->addWidget(comboEmailPriority, 4, 1, 1, 2, Qt::AlignLeft);
     rows->setRowStretch(3, 1);
     lblVoiceMailFilename->setBuddy(txtVoiceMailFileName);
     lblVoiceMailPriority->setBuddy(comboVoiceMailPriority);

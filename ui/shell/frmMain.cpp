@@ -36,7 +36,7 @@ constexpr int firstHeight = 8880;
 constexpr int lowestHeight = 5000;
 constexpr int splitterMargin = 1500;
 constexpr int treeTop = 60;
-constexpr int firstSplitter = 3300;
+constexpr int firstSplitter = 3750;  // sources that begin alike are told apart
 constexpr int paneGap = 40;
 constexpr int paneShortfall = 160;  // by which pane and tree are narrower than the window
 

@@ -228,7 +228,8 @@ int KeyedGrid::headerWidth(const QString& text) const {
 KeyedGrid::Width KeyedGrid::widthOf(int column) const {
     constexpr int breathing = 8;
     Width width{columnWidth(column) + breathing, 0};
-    for (const QString& word : horizontalHeaderItem(column)->text().split(' '))
+    // A line may end behind a hyphen too.
+    for (const QString& word : horizontalHeaderItem(column)->text().replace('-', "- ").split(' '))
         width.header = std::max(width.header, headerWidth(word));
     return width;
 }
@@ -243,9 +244,14 @@ void KeyedGrid::stretchColumn(std::string_view column, int extra) {
     if (last != wide)
         setColumnWidth(last, columnWidth(last) + 2 * extra);
     int others = 0;
+    int narrowest = width();
     for (int i = 0; i < columnCount(); ++i)
-        others += i == wide ? 0 : columnWidth(i);
-    setColumnWidth(wide, width() - others + extra);
+        if (i != wide && !isColumnHidden(i)) {
+            others += columnWidth(i);
+            narrowest = std::min(narrowest, columnWidth(i));
+        }
+    // Where the others leave too little, the grid scrolls: what tells the rows apart is never the narrowest.
+    setColumnWidth(wide, std::max(narrowest + 1, width() - others + extra));
     fitHeader();
 }
 

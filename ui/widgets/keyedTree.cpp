@@ -5,6 +5,7 @@
 #include <QMouseEvent>
 #include <QScopedValueRollback>
 #include <QScrollBar>
+#include <QStyledItemDelegate>
 #include <algorithm>
 #include <cstdint>
 #include <utility>
@@ -44,6 +45,22 @@ QBrush greyedText(const QWidget& tree) {
     return tree.palette().brush(QPalette::Disabled, QPalette::Text);
 }
 
+// A text that goes on beyond the right edge ends there in an ellipsis; scrolling sideways brings the rest.
+class EdgeElidingDelegate : public QStyledItemDelegate {
+  public:
+    explicit EdgeElidingDelegate(QAbstractScrollArea& tree) : QStyledItemDelegate(&tree), tree_(tree) {}
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyleOptionViewItem inSight = option;
+        inSight.rect.setRight(std::min(option.rect.right(), tree_.viewport()->rect().right()));
+        QStyledItemDelegate::paint(painter, inSight, index);
+    }
+
+  private:
+    QAbstractScrollArea& tree_;
+};
+
 }  // namespace
 
 class KeyedTree::Item : public QTreeWidgetItem {
@@ -64,10 +81,13 @@ KeyedTree::KeyedTree(QWidget* parent) : QTreeWidget(parent) {
     setExpandsOnDoubleClick(true);
     setMouseTracking(true);
     viewport()->setMouseTracking(true);
-    // Long names scroll sideways instead of being cut.
+    // Long names scroll sideways.
     header()->setStretchLastSection(false);
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setItemDelegate(new EdgeElidingDelegate(*this));
+    // What is scrolled along still shows the ellipses of where it stood.
+    connect(horizontalScrollBar(), &QScrollBar::valueChanged, viewport(), qOverload<>(&QWidget::update));
     connect(this, &QTreeWidget::itemExpanded, this,
             [this](QTreeWidgetItem* item) { emit nodeExpanded(keyOf(item)); });
     connect(this, &QTreeWidget::itemCollapsed, this,

@@ -119,6 +119,7 @@ TabRows::TabRows(int tabsPerRow, QWidget* parent)
       rows_(new QGridLayout(strip_)),
       group_(new QButtonGroup(this)),
       pages_(new QStackedWidget) {
+    strip_->setObjectName("tabStrip");
     QAccessible::installFactory(makeAccessible);  // a second time does nothing
     rows_->setContentsMargins(0, 0, 0, 0);
     rows_->setSpacing(0);

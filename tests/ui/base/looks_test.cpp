@@ -192,6 +192,44 @@ TEST(Looks, LongHeadingsFoldBeforeTheirColumnsAreCutOff) {
               grid.horizontalHeader()->fontMetrics().horizontalAdvance("Devices") + 2 * overrun);
 }
 
+// Whether anything is drawn at the right edge of the tree's first row above the line on which dots stand.
+bool isTextAtTheEdge(ui::KeyedTree& tree) {
+    constexpr int edge = 9;
+    const QImage drawn = tree.viewport()->grab().toImage();
+    const QRect row = tree.visualItemRect(tree.topLevelItem(0));
+    for (int x = drawn.width() - edge; x < drawn.width() - 1; ++x)
+        for (int y = row.top() + 3; y < row.center().y(); ++y)
+            if (ui::contrast(drawn.pixelColor(x, y), tree.palette().color(QPalette::Base)) > 2)
+                return true;
+    return false;
+}
+
+TEST(Looks, ALongNameEndsInAnEllipsisAndScrollsIntoSight) {
+    ui::KeyedTree tree;
+    tree.addNode({.parent = {}, .key = "a", .text = std::string(40, 'H'), .icon = {}, .info = {}});
+    tree.resize(200, 100);
+    tree.show();
+    QApplication::processEvents();
+    EXPECT_FALSE(isTextAtTheEdge(tree)) << "a text that goes on is cut through";
+    QScrollBar& bar = *tree.horizontalScrollBar();
+    bar.setValue(bar.maximum());
+    EXPECT_TRUE(isTextAtTheEdge(tree)) << "its end is out of reach";
+}
+
+TEST(Looks, WhatTellsTheRowsApartIsNeverTheNarrowestColumn) {
+    ui::KeyedGrid grid;
+    grid.setColumns({{"name", "Name"}, {"a", "Voicemail"}, {"b", "SMTP-Devices"}, {"c", "Failover"}});
+    grid.addRow({{"Night desk", {}}, {"1", 1}, {"2", 2}, {"3", 3}});
+    for (const int width : {600, 300, 200, 120}) {
+        grid.resize(width, 200);
+        grid.show();
+        grid.fitColumns();
+        grid.stretchColumn("name", 13);
+        const int narrowest = std::min({grid.columnWidth(1), grid.columnWidth(2), grid.columnWidth(3)});
+        EXPECT_GT(grid.columnWidth(0), narrowest) << width;
+    }
+}
+
 TEST(Looks, ALongTabTakesItsWidthFromTheOthers) {
     ui::TabRows tabs(4);
     for (const char* caption : {"Messagerie vocale", "E-mail", "SMTP", "Trap SNMP"})

@@ -255,7 +255,7 @@ TEST_F(RecipientDialog, DirectoryEntriesAreSearchedForByKind) {
 TEST_F(RecipientDialog, UnsupportedKindsAreOutOfSightAndTabsStandInRowsOfFour) {
     const auto place = [&](const char* caption) {
         for (const QAbstractButton* tab : tabs->findChildren<QAbstractButton*>())
-            if (tab->text() == caption && tab->parentWidget()->parentWidget() == tabs)
+            if (tab->text() == caption && tab->parentWidget()->objectName() == "tabStrip")
                 return tab->isVisible() ? tab->geometry() : QRect();
         return QRect();
     };
