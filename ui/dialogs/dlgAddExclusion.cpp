@@ -1,12 +1,15 @@
 #include "ui/dialogs/dlgAddExclusion.h"
 
 #include <QComboBox>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
+#include <cstdint>
+#include <limits>
 
 #include "core/procedure.h"
 #include "database/exclusions.h"
@@ -21,6 +24,14 @@
 namespace {
 
 constexpr char module[] = "dlgAddExclusion";
+
+// Told once, when it comes and when it goes.
+void showWhile(bool refused, ui::LimitsSign& sign) {
+    if (refused == sign.refuses())
+        return;
+    sign.setVisible(refused);
+    sign.showRefusal(refused);
+}
 
 }  // namespace
 
@@ -41,6 +52,10 @@ void dlgAddExclusion::createControls() {
     Frame1 = ui::makeControl<QGroupBox>(this, "Frame1");
     id = ui::makeEventIdControls(*Frame1);
     ui::layOutEventIdControls(*Frame1, id);
+    using Id = std::numeric_limits<std::int16_t>;
+    idLimits = new ui::LimitsSign(Id::min(), Id::max(), Frame1);
+    idLimits->hide();
+    static_cast<QGridLayout*>(Frame1->layout())->addWidget(idLimits, ui::specificEventId, 2);
     cmdImportFromClipboard = ui::makeControl<QPushButton>(this, "cmdImportFromClipboard");
     cmdOk = ui::makeControl<QPushButton>(this, "cmdOk");
     cmdCancel = ui::makeControl<QPushButton>(this, "cmdCancel");
@@ -123,9 +138,12 @@ void dlgAddExclusion::noteChoice(const char* handler) {
 void dlgAddExclusion::updateOkButton() {
     core::procedure(module, "updateOkButton", [&](core::Frame&) {
         const bool refused = !ui::isStorableExclusion(eventSource());
-        sourceLimits->setVisible(refused);
-        if (refused != sourceLimits->refuses())
-            sourceLimits->showRefusal(refused);
+        showWhile(refused, *sourceLimits);
+        // Required: OK takes an id beyond these limits all the same, and nothing is written then. So it is
+        // told before.
+        showWhile(!allEventIds() && id.tdbnlSpecificEventId->hasNumber() &&
+                      !id.tdbnlSpecificEventId->fits<std::int16_t>(),
+                  *idLimits);
         cmdOk->setEnabled(!comboEventSource->currentText().isEmpty() && !ui::isEventIdMissing(id) &&
                           !refused);
     });

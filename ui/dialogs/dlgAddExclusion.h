@@ -48,6 +48,7 @@ class dlgAddExclusion : public QDialog {
     QLabel* lblEventSource;
     QComboBox* comboEventSource;
     ui::LimitsSign* sourceLimits;
+    ui::LimitsSign* idLimits;
     QGroupBox* Frame1;
     ui::EventIdControls id;
     QPushButton* cmdImportFromClipboard;

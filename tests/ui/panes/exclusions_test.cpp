@@ -9,6 +9,7 @@
 #include "support/mainWindowFixture.h"
 #include "ui/dialogs/dlgAddExclusion.h"
 #include "ui/widgets/keyedGrid.h"
+#include "ui/widgets/limitsSign.h"
 
 namespace {
 
@@ -38,6 +39,8 @@ class ExclusionPanes : public uiTest::MainWindow {
             auto* box = dialog.findChild<QLineEdit*>("tdbnlSpecificEventId");
             QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
             QTest::keyClicks(box, typedId);
+            const auto signs = dialog.findChild<QWidget*>("Frame1")->findChildren<ui::LimitsSign*>();
+            EXPECT_EQ(signs.at(0)->isVisible(), QString(typedId).toInt() > 32767) << "what is lost is told";
             QTest::mouseClick(dialog.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
         });
     }
@@ -204,6 +207,15 @@ TEST_F(ExclusionPanes, DialogHoldsItsRulesForOkAndImportsACopiedEvent) {
         EXPECT_EQ(dialog.eventSource(), "Cluster");
         EXPECT_FALSE(dialog.allEventIds());
         EXPECT_EQ(box->text(), "42");
+        copy("cluster", "-32769");
+        auto* sign = dialog.findChild<QWidget*>("Frame1")->findChild<ui::LimitsSign*>();
+        import->click();
+        EXPECT_TRUE(sign->isVisible());
+        dialog.findChild<QRadioButton*>("optionEventId_0")->click();
+        EXPECT_FALSE(sign->isVisible()) << "the id does not count";
+        copy("cluster", "42");
+        import->click();
+        EXPECT_FALSE(sign->isVisible());
         copy("Unknown", "5");
         prompts.expect({"Clipboard data does not appear to be Event data.  Please see the 'How to import "
                         "events from the Event Viewer' section in the help file.",
