@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <sys/file.h>
 #include <systemd/sd-daemon.h>
 
 #include <algorithm>
@@ -14,6 +13,7 @@
 
 #include "platform/failure.h"
 #include "platform/files/descriptor.h"
+#include "platform/files/fileLock.h"
 #include "platform/machine/host.h"
 #include "platform/registry/registry.h"
 #include "platform/services/serviceManager.h"
@@ -82,7 +82,7 @@ platform::Descriptor soleSupervisor() {
                                      O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!lock)
         throw platform::failureFromErrno(errno, "supervisor.lock");
-    return ::flock(lock.get(), LOCK_EX | LOCK_NB) == 0 ? std::move(lock) : platform::Descriptor();
+    return platform::files::lockWithin(lock, milliseconds(0)) ? std::move(lock) : platform::Descriptor();
 }
 
 void say(const std::string& line) {

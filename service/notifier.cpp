@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/epoll.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -11,6 +10,7 @@
 #include <utility>
 
 #include "platform/failure.h"
+#include "platform/files/fileLock.h"
 #include "platform/machine/clock.h"
 #include "platform/machine/host.h"
 #include "service/decision/render.h"
@@ -71,7 +71,7 @@ platform::Descriptor lockBeside(const std::filesystem::path& file) {
     platform::Descriptor lock(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!lock)
         throw platform::failureFromErrno(errno, path);
-    if (::flock(lock.get(), LOCK_EX | LOCK_NB) != 0)
+    if (!platform::files::lockWithin(lock, milliseconds(0)))
         throw platform::Failure(platform::permissionDenied,
                                 "another process works on " + file.string() + " already; this one waits");
     return lock;

@@ -59,10 +59,10 @@ void FirstRunWindow::choose(Choice choice) {
     QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     const Outcome outcome = makeHost(choice, tree_, texts_);
     QApplication::restoreOverrideCursor();
-    show(outcome);
+    tell(outcome);
 }
 
-void FirstRunWindow::show(const Outcome& outcome) {
+void FirstRunWindow::tell(const Outcome& outcome) {
     question_->setText(outcome.isMade ? texts_.title : texts_.failed);
     for (QCommandLinkButton* const each : std::as_const(choices_))
         each->hide();

@@ -20,7 +20,7 @@ class FirstRunWindow : public QDialog {
   private:
     QCommandLinkButton* addChoice(const char* caption, const char* meaning, Choice choice);
     void choose(Choice choice);
-    void show(const Outcome& outcome);
+    void tell(const Outcome& outcome);
 
     QString tree_;
     const Texts& texts_;

@@ -1,7 +1,6 @@
 #include "platform/machine/eventLog.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,6 +12,7 @@
 
 #include "platform/failure.h"
 #include "platform/files/descriptor.h"
+#include "platform/files/fileLock.h"
 #include "platform/files/files.h"
 #include "platform/machine/clock.h"
 #include "platform/machine/host.h"
@@ -136,7 +136,7 @@ std::optional<EventRecord> parseEventLine(std::string_view log, std::string_view
     return record;
 }
 
-void appendEvent(EventRecord record) {
+void appendEvent(EventRecord record, std::chrono::milliseconds patience) {
     const std::filesystem::path path = eventLogFile(record.log);
     if (record.time.empty())
         record.time = storedForm(localTime(clock().now()));
@@ -146,9 +146,8 @@ void appendEvent(EventRecord record) {
     const Descriptor file(::open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!file)
         throw failureFromErrno(errno, path.string());
-    while (::flock(file.get(), LOCK_EX) != 0)
-        if (errno != EINTR)
-            throw failureFromErrno(errno, path.string());
+    if (!files::lockWithin(file, patience))
+        throw makeFailure(permissionDenied, path.string() + " is locked");
     struct stat status {};
     if (::fstat(file.get(), &status) != 0)
         throw failureFromErrno(errno, path.string());

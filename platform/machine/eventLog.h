@@ -1,6 +1,7 @@
 // The host's event logs "Application" and "System": append-only files with several writers.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -25,8 +26,9 @@ struct EventRecord {
 };
 
 // Appends one record in one write under a lock; an empty time becomes the present, an empty computer
-// this machine. Raises the file's failure number, or 5 for a log of another name.
-void appendEvent(EventRecord record);
+// this machine. Raises the file's failure number, 70 when somebody else holds the log for longer than
+// `patience`, or 5 for a log of another name.
+void appendEvent(EventRecord record, std::chrono::milliseconds patience = std::chrono::seconds(5));
 // A record from its line in a log, without the line's end; nothing when it is none.
 std::optional<EventRecord> parseEventLine(std::string_view log, std::string_view line);
 // The file of a log. Raises 5 for a log of another name.

@@ -1,18 +1,16 @@
 #include "platform/registry/registry.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <memory>
 #include <mutex>
-#include <thread>
 
 #include "platform/failure.h"
 #include "platform/files/descriptor.h"
+#include "platform/files/fileLock.h"
 #include "platform/files/files.h"
 #include "platform/files/textStream.h"
 #include "platform/machine/caseFold.h"
@@ -27,17 +25,13 @@ namespace {
 // itself is replaced. The kernel drops it with the process, however that ends.
 class StoreLock {
   public:
-    explicit StoreLock(const std::filesystem::path& store) {
+    StoreLock(const std::filesystem::path& store, std::chrono::milliseconds patience) {
         const std::string name = store.string() + ".lock";
         file_ = Descriptor(::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
         if (!file_)
             throw failureFromErrno(errno, store.string());
-        const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-        while (::flock(file_.get(), LOCK_EX | LOCK_NB) != 0) {
-            if (errno != EINTR && (errno != EWOULDBLOCK || std::chrono::steady_clock::now() > patience))
-                throw makeFailure(permissionDenied, store.string() + " is locked");
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
+        if (!files::lockWithin(file_, patience))
+            throw makeFailure(permissionDenied, store.string() + " is locked");
     }
 
   private:
@@ -63,7 +57,8 @@ bool RegistryNameLess::operator()(std::string_view a, std::string_view b) const 
     });
 }
 
-Registry::Registry(std::filesystem::path file) : file_(std::move(file)) {}
+Registry::Registry(std::filesystem::path file, std::chrono::milliseconds patience)
+    : file_(std::move(file)), patience_(patience) {}
 
 const RegistryTree& Registry::read() {
     const std::string present = stampOf(file_);
@@ -76,7 +71,7 @@ const RegistryTree& Registry::read() {
 
 template <class Change>
 bool Registry::change(Change&& apply) {
-    const StoreLock lock(file_);
+    const StoreLock lock(file_, patience_);
     // A clock that ticks slowly cannot tell two states of one length apart: what others wrote is read again.
     stamp_.clear();
     RegistryTree changed = read();

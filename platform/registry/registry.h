@@ -4,6 +4,7 @@
 // never overwritten: the failure (number 75) names the file and the line.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -43,7 +44,9 @@ std::string formatRegistry(const RegistryTree& tree);
 // is ignored.
 class Registry {
   public:
-    explicit Registry(std::filesystem::path file);
+    // A change fails with 70 when another process holds the file for longer than `patience`.
+    explicit Registry(std::filesystem::path file,
+                      std::chrono::milliseconds patience = std::chrono::seconds(5));
 
     bool keyExists(std::string_view path);
     // Creates the key and its parents; true when it existed already.
@@ -69,6 +72,7 @@ class Registry {
 
     std::recursive_mutex mutex_;
     std::filesystem::path file_;
+    std::chrono::milliseconds patience_;
     RegistryTree tree_;
     std::string stamp_;  // identity, size and time of the file that tree_ was read from
 };

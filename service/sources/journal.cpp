@@ -84,17 +84,6 @@ void tell(std::vector<std::string>& notices, const char* what, int error) {
     notices.push_back(std::string("Journal: ") + what + ": " + std::strerror(error));
 }
 
-// Gives the journal, or an empty handle and the reason in `error`.
-JournalHandle openJournal(const std::filesystem::path& folder, int& error) {
-    sd_journal* opened = nullptr;
-    const int result = folder.empty() ? sd_journal_open(&opened, SD_JOURNAL_LOCAL_ONLY)
-                                      : sd_journal_open_directory(&opened, folder.c_str(), 0);
-    error = result < 0 ? -result : 0;
-    if (opened)
-        sd_journal_set_data_threshold(opened, longestField);
-    return JournalHandle(opened);
-}
-
 std::string openingProblem(int error) {
     return std::string("The journal cannot be opened: ") + std::strerror(error);
 }
@@ -113,6 +102,17 @@ void CloseJournal::operator()(sd_journal* journal) const noexcept {
     sd_journal_close(journal);
 }
 
+JournalHandle openJournal(const std::filesystem::path& folder, int* error) {
+    sd_journal* opened = nullptr;
+    const int result = folder.empty() ? sd_journal_open(&opened, SD_JOURNAL_LOCAL_ONLY)
+                                      : sd_journal_open_directory(&opened, folder.c_str(), 0);
+    if (error)
+        *error = result < 0 ? -result : 0;
+    if (opened)
+        sd_journal_set_data_threshold(opened, longestField);
+    return JournalHandle(opened);
+}
+
 Journal::Journal(std::filesystem::path folder) : folder_(std::move(folder)) {}
 
 Journal::~Journal() = default;
@@ -128,7 +128,7 @@ bool Journal::open(std::vector<std::string>& notices) {
     reached_.clear();
     JournalFiles files = inspectJournalFiles(folder_);
     int error = 0;
-    journal_ = openJournal(folder_, error);
+    journal_ = openJournal(folder_, &error);
     if (!journal_ && files.problem.empty())
         files.problem = openingProblem(error);
     if (files.problem != problem_ && !files.problem.empty())
@@ -155,7 +155,7 @@ void Journal::noteChanges() {
 
 std::string Journal::end() {
     int error = 0;
-    return endOf(openJournal(folder_, error).get());
+    return endOf(openJournal(folder_, &error).get());
 }
 
 // Stands before the first record behind the batch's position. False when there is none.
@@ -248,7 +248,7 @@ JournalSources journalSources(const std::filesystem::path& folder) {
     JournalSources result;
     result.problem = inspectJournalFiles(folder).problem;
     int error = 0;
-    const JournalHandle handle = openJournal(folder, error);
+    const JournalHandle handle = openJournal(folder, &error);
     sd_journal* const journal = handle.get();
     if (!journal) {
         if (result.problem.empty())

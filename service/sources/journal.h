@@ -19,6 +19,9 @@ struct CloseJournal {
     void operator()(sd_journal* journal) const noexcept;
 };
 using JournalHandle = std::unique_ptr<sd_journal, CloseJournal>;
+// The system's journal, or the journal files of a folder; an empty handle, and the errno in `error` where
+// that is asked for, when it cannot be opened.
+JournalHandle openJournal(const std::filesystem::path& folder, int* error = nullptr);
 
 // Nothing here raises: a journal that cannot be read gives an empty batch and a notice,
 // once for each reason, and is tried again at the next look.

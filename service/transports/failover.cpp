@@ -13,6 +13,9 @@ namespace {
 
 constexpr char managerKey[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessaly\\TsHubNodeMgr\\1.0";
 
+// A stop of the service waits for this, so it is short: the request is made again later.
+constexpr std::chrono::milliseconds patience(700);
+
 void tellSystemLog(const Message& message) {
     constexpr std::uint16_t warning = 2;
     platform::EventRecord record;
@@ -21,7 +24,7 @@ void tellSystemLog(const Message& message) {
     record.id = 7;
     record.type = warning;
     record.description = "A failover was forced: " + message.subject;
-    platform::appendEvent(record);
+    platform::appendEvent(record, patience);
 }
 
 }  // namespace
@@ -29,7 +32,7 @@ void tellSystemLog(const Message& message) {
 Outcome Failover::send(const Message& message, const Deadline&) {
     try {
         // An object of this thread: the program's shared one belongs to another.
-        platform::Registry registry(platform::host::registryFile());
+        platform::Registry registry(platform::host::registryFile(), patience);
         if (!registry.setValue(managerKey, "ForcedFailover", std::uint32_t{1}))
             return {Result::refused, "This host has no node manager"};
         // The request is made: a log that cannot be written must not make it once more.

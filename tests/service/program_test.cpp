@@ -1,6 +1,7 @@
 // The service's real program beside real receivers: one record on every kind of device, and the states in
 // which it has to wait, to go on and to end.
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 
@@ -10,6 +11,7 @@
 
 #include "platform/failure.h"
 #include "platform/files/descriptor.h"
+#include "platform/files/fileLock.h"
 #include "platform/files/files.h"
 #include "platform/machine/eventLog.h"
 #include "platform/machine/host.h"
@@ -191,10 +193,16 @@ TEST_F(ServiceProgram, ATroubledReceiverHoldsUpNoOtherAndNoStop) {
     addDevice(5, "SNMP TRAP");
     addDevice(6, "tls://127.0.0.1:" + silentPort);
     addDevice(6, "no-such-host.invalid");
+    addDevice(7, "FAILOVER");
+    host.createRegistryKey("SOFTWARE\\Tessaly\\TsHubNodeMgr\\1.0");
     const auto stopsWhile = [&](const std::string& relay, const std::string& what) {
         SCOPED_TRACE(what);
         host.setRegistry(std::string(productKey) + "Mail", "Relay", relay);
         start();
+        // The failover cannot be asked for: somebody holds the registry against changes.
+        const std::string lock = platform::host::registryFile().string() + ".lock";
+        const platform::Descriptor held(::open(lock.c_str(), O_RDWR | O_CLOEXEC));
+        EXPECT_TRUE(platform::files::lockWithin(held, seconds(5)));
         write(what);
         EXPECT_TRUE(holdsWithin(seconds(10), [&] { return isLogged(what) || isLogged("Found in the"); }));
         // Time to get stuck.

@@ -100,7 +100,7 @@ void chooseRow(QComboBox& list, int row) {
 }
 
 void showPage(const ui::TabRows& pages, int index) {
-    for (QAbstractButton* tab : pages.findChildren<QAbstractButton*>(Qt::FindDirectChildrenOnly))
+    for (QAbstractButton* tab : pages.findChild<QWidget*>("tabStrip")->findChildren<QAbstractButton*>())
         if (tab->text() == pages.tabText(index)) {
             if (canReach(*tab))
                 QTest::mouseClick(tab, Qt::LeftButton);

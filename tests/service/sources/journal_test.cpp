@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <chrono>
 
+#include "platform/failure.h"
+#include "service/sources/journalPages.h"
 #include "support/childProcess.h"
 #include "support/journalFolder.h"
 #include "support/temporaryHost.h"
@@ -224,6 +226,27 @@ TEST_F(JournalSourceTest, WithoutTheRightToReadOneLineSaysSo) {
     if (ran == support::Ran::impossible)
         GTEST_SKIP() << "this user cannot become another";
     EXPECT_EQ(ran, support::Ran::passed);
+}
+
+TEST_F(JournalSourceTest, IsTurnedOverPageByPageTheNewestFirst) {
+    EXPECT_THROW(service::JournalPages(folder.path()), platform::Failure);
+    EXPECT_EQ(service::journalStamp(folder.path()), "");
+    write("system", noon, {"1", "2", "3", "4", "5"});
+    const std::string stamp = service::journalStamp(folder.path());
+    service::JournalPages pages(folder.path());
+    const auto texts = [&](std::size_t most, bool hasEarlier) {
+        Texts result;
+        const service::JournalPage page = pages.earlier(most);
+        EXPECT_EQ(page.hasEarlier, hasEarlier);
+        for (const auto& record : page.records)
+            result.push_back(record.description);
+        return result;
+    };
+    EXPECT_EQ(texts(2, true), (Texts{"5", "4"}));
+    write("system", noon + 10, {"6"});
+    EXPECT_NE(service::journalStamp(folder.path()), stamp);
+    EXPECT_EQ(texts(9, false), (Texts{"3", "2", "1"}));
+    EXPECT_EQ(texts(9, false), Texts{});
 }
 
 }  // namespace

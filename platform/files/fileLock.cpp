@@ -1,0 +1,26 @@
+#include "platform/files/fileLock.h"
+
+#include <sys/file.h>
+
+#include <cerrno>
+#include <thread>
+
+#include "platform/failure.h"
+
+namespace platform::files {
+
+bool lockWithin(const Descriptor& file, std::chrono::milliseconds patience) {
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EINTR)
+            continue;
+        if (errno != EWOULDBLOCK)
+            throw failureFromErrno(errno, "lock");
+        if (std::chrono::steady_clock::now() >= end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+}  // namespace platform::files

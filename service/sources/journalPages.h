@@ -1,0 +1,35 @@
+// The journal as somebody looks at it: page by page, the newest record first.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "service/sources/journal.h"
+
+namespace service {
+
+struct JournalPage {
+    std::vector<platform::EventRecord> records;  // newest first
+    bool hasEarlier = false;
+};
+
+// As the journal stood when it was opened. Used by one thread.
+class JournalPages {
+  public:
+    // The system's journal, or the journal files of a folder. Raises platform::Failure with what stands in
+    // the way, and what to do about it, where nothing can be read.
+    explicit JournalPages(const std::filesystem::path& folder = {});
+    // The records before those that were given, `most` at most; what cannot be read is passed over. Raises
+    // platform::Failure.
+    JournalPage earlier(std::size_t most);
+
+  private:
+    JournalHandle journal_;
+};
+
+// Another text whenever records may have come; costs no reading of them. Raises nothing.
+std::string journalStamp(const std::filesystem::path& folder = {});
+
+}  // namespace service
