@@ -148,7 +148,7 @@ void playTools(const Play& play) {
     playHelp(play);
     // Every window changes at once, and back.
     const QString first = ui::fromUtf8(modLocalize::languageIdToName(core::gLanguageId));
-    chooseLanguage(play, "French (France)", "languages");
+    chooseLanguage(play, "Français (France)", "languages");
     takePicture("other-language");
     chooseLanguage(play, first, "languages-again");
 }

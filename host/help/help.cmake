@@ -22,4 +22,5 @@ endfunction()
 
 qln_help_file(en ENU "Quillon Service Help" "0x409 English (United States)")
 qln_help_file(de DEU "Hilfe zum Quillon-Dienst" "0x407 German (Germany)")
+qln_help_file(fr FRA "Aide du service Quillon" "0x40c French (France)")
 add_custom_target(help_files DEPENDS ${help_files})

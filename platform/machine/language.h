@@ -12,7 +12,8 @@ namespace platform {
 long userDefaultLanguageId();
 // Which part of a date the user's locale writes first, from the environment (LC_ALL, LC_TIME, LANG).
 DateOrder userDateOrder();
-// Name of a language such as "German (Germany)"; empty when the system does not know the id.
+// Name of a language in that language, such as "Deutsch (Deutschland)"; empty for an id that the system does
+// not know.
 std::string languageName(long id);
 
 }  // namespace platform

@@ -151,6 +151,13 @@ TEST_P(HelpText, HasEveryPageThatTheEnglishOneHasAndNoLinkIntoNothing) {
             EXPECT_TRUE(target.empty() || targets.contains(target)) << target;
 }
 
+// The message that no event is on the clipboard names the page that tells how one gets there.
+TEST_P(HelpText, HasThePageThatAMessageNames) {
+    const std::vector<std::string> title = found(page("importFromEventViewer.html"), "<h1>([^<]+)</h1>");
+    ASSERT_EQ(title.size(), 1U);
+    EXPECT_NE(simplified(caption(1203)).find(title[0]), std::string::npos) << title[0];
+}
+
 // The compiler would write the names of the folder that it works in.
 TEST_P(HelpText, TellsNothingOfTheMachineThatBuiltIt) {
     const std::string folder = std::filesystem::path(LIBRARY_FOLDER).parent_path().parent_path().string();
@@ -161,18 +168,19 @@ TEST_P(HelpText, TellsNothingOfTheMachineThatBuiltIt) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Languages, HelpText, ::testing::Values("ENU", "DEU"),
+INSTANTIATE_TEST_SUITE_P(Languages, HelpText, ::testing::Values("ENU", "DEU", "FRA"),
                          [](const auto& language) { return std::string(language.param); });
 
 TEST(HelpFile, IsThatOfTheUsersLanguageAndEnglishWithoutOne) {
     const support::TemporaryHost host;
-    for (const char* code : {"ENU", "DEU"})
+    for (const char* code : {"ENU", "DEU", "FRA"})
         platform::files::copyFile(fileName(code),
                                   host.programFolder() / ("QuillonService_" + std::string(code) + ".chm"));
     const char* const before = getenv("LC_ALL");
     const std::string kept = before ? before : "";
     for (const auto& [locale, title] : {std::pair{"de_DE.UTF-8", "Hilfe zum Quillon-Dienst"},
-                                        {"fr_FR.UTF-8", "Quillon Service Help"},
+                                        {"fr_FR.UTF-8", "Aide du service Quillon"},
+                                        {"es_ES.UTF-8", "Quillon Service Help"},
                                         {"en_US.UTF-8", "Quillon Service Help"}}) {
         setenv("LC_ALL", locale, 1);
         EXPECT_EQ(platform::ChmFile::open(mdlHTMLHelp::getHelpFileName()).title(), title) << locale;

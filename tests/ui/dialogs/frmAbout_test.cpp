@@ -159,7 +159,7 @@ TEST_F(About, NamesOfDevicesFollowTheLanguageInThePanesThatShowThem) {
     window.loadNavigationTree(event);
     auto* tree = window.findChild<QWidget*>("vsviewportDetails_1")->findChild<ui::KeyedTree*>("tvRecipients");
     ASSERT_EQ(tree->nodeText("DeviceKey:11"), "a@b" + modLocalize::myLoadResString(1197));
-    inAbout([&](QWidget& about) { choose(about, "German (Germany)"); });
+    inAbout([&](QWidget& about) { choose(about, "Deutsch (Deutschland)"); });
     EXPECT_EQ(tree->nodeText("DeviceKey:11"), "a@b" + modLocalize::myLoadResString(1197));
 }
 
@@ -186,7 +186,7 @@ TEST_F(About, ChangesEveryLoadedWindowAtOnceTwiceInARow) {
     const std::string selected = window.tvNavigation->selectedKey();
 
     inAbout([&](QWidget& about) {
-        choose(about, "German (Germany)");
+        choose(about, "Deutsch (Deutschland)");
         EXPECT_EQ(about.findChild<QPushButton*>("lblChangeLanguage")->text().toStdString(),
                   "Sprache \xC3\xA4ndern");
         EXPECT_EQ(window.findChild<QMenu*>("mnuFile")->title(), "&Datei");
@@ -195,7 +195,7 @@ TEST_F(About, ChangesEveryLoadedWindowAtOnceTwiceInARow) {
                   modLocalize::myLoadResString(1311));
         expectOnlyPresentWords(english);
         const std::map<long, QString> german = table();
-        choose(about, "French (France)");
+        choose(about, "Français (France)");
         EXPECT_EQ(header(2), ui::text(1142));
         expectOnlyPresentWords(english);
         expectOnlyPresentWords(german);
@@ -229,7 +229,7 @@ TEST_F(About, DialogsThatWaitHiddenSpeakTheNewLanguageToo) {
         QTest::keyClick(&dialog, Qt::Key_Escape);
     });
     window.findChild<QAction*>("mnuFileNewRecipient")->trigger();
-    inAbout([&](QWidget& about) { choose(about, "German (Germany)"); });
+    inAbout([&](QWidget& about) { choose(about, "Deutsch (Deutschland)"); });
     const std::tuple<const char*, const char*, long> captions[] = {{"dlgRecipient", "lblRecipientName", 1103},
                                                                    {"dlgRecipient", "cmdCancel", 1023},
                                                                    {"dlgSelect", "cmdSearch", 1258}};
