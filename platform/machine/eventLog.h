@@ -27,7 +27,7 @@ struct EventRecord {
 // Appends one record in one write under a lock; an empty time becomes the present, an empty computer
 // this machine. Raises the file's failure number, or 5 for a log of another name.
 void appendEvent(EventRecord record);
-// A record from its line in a log, without the line's end; nothing when it is none.
+// A record from its line in a log, without the line's end; nothing when the line is no record.
 std::optional<EventRecord> parseEventLine(std::string_view log, std::string_view line);
 // The file of a log. Raises 5 for a log of another name.
 std::filesystem::path eventLogFile(std::string_view log);
