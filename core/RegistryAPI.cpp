@@ -94,7 +94,7 @@ std::vector<std::string> enumRegistryKeys(RootKey root, std::string_view path) {
     std::vector<std::string> names = platform::registry().subkeys(fullPath(root, path));
     if (names.size() > mostSubkeys)
         names.resize(mostSubkeys);
-    // A key without subkeys still gives one entry, an empty name; callers are used to it, so it stays.
+    // Required: a key without subkeys gives one entry, an empty name, which callers expect.
     if (names.empty())
         names.emplace_back();
     return names;

@@ -43,26 +43,19 @@ bool Frame::fail(const platform::Failure& failure, unsigned line) {
     return gLog().DebugMode();
 }
 
-bool Frame::run(const Step& action) {
+bool Frame::run(void* callable, void (*call)(void*), unsigned line) {
     for (;;) {
         try {
-            action();
+            call(callable);
             return true;
         } catch (const platform::Failure& failure) {
-            if (!fail(failure, action.line()))
+            if (!fail(failure, line))
                 return false;
         } catch (const std::exception& error) {
-            if (!fail(platform::Failure(platform::invalidProcedureCall, error.what()), action.line()))
+            if (!fail(platform::Failure(platform::invalidProcedureCall, error.what()), line))
                 return false;
         }
     }
-}
-
-bool Frame::steps(std::initializer_list<Step> actions) {
-    bool allRan = true;
-    for (const Step& action : actions)
-        allRan = run(action) && allRan;
-    return allRan;
 }
 
 }  // namespace core

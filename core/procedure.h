@@ -6,7 +6,6 @@
 #include <concepts>
 #include <exception>
 #include <functional>
-#include <initializer_list>
 #include <memory>
 #include <source_location>
 #include <string>
@@ -19,26 +18,6 @@
 
 namespace core {
 
-// One statement of a body that can fail on its own, with the line it stands on. It refers to the callable
-// and must not outlive it. It is made by its name, because the compiler gives the elements of a braced list
-// that are converted silently the line of the list.
-class Step {
-  public:
-    template <std::invocable Action>
-    explicit Step(Action&& action, std::source_location where = std::source_location::current())
-        : object_(const_cast<void*>(static_cast<const void*>(std::addressof(action)))),
-          call_([](void* object) { (*static_cast<std::remove_reference_t<Action>*>(object))(); }),
-          line_(where.line()) {}
-
-    void operator()() const { call_(object_); }
-    unsigned line() const noexcept { return line_; }
-
-  private:
-    void* object_;
-    void (*call_)(void*);
-    unsigned line_;
-};
-
 class Frame {
   public:
     Frame(std::string_view module, std::string_view name);
@@ -48,14 +27,16 @@ class Frame {
     // "[module]procedure", the tag of the procedure's log lines.
     const std::string& tag() const noexcept { return tag_; }
 
-    // Runs one step. A failure is counted and logged, or handled by a case of its own; then the caller's
-    // next statement runs. Returns false when the step failed.
+    // Runs one step, a statement of the body that can fail on its own, with the line it stands on. A failure
+    // is counted and logged, or handled by a case of its own; then the caller's next statement runs. Returns
+    // false when the step failed.
     template <std::invocable Action>
     bool step(Action&& action, std::source_location where = std::source_location::current()) {
-        return run(Step(action, where));
+        void* const callable = const_cast<void*>(static_cast<const void*>(std::addressof(action)));
+        return run(
+            callable, [](void* object) { (*static_cast<std::remove_reference_t<Action>*>(object))(); },
+            where.line());
     }
-    // Runs several steps in a row, also after a failed one; returns false when one of them failed.
-    bool steps(std::initializer_list<Step> actions);
     // States what this procedure does on a failure of that number instead of the log line.
     void on(long number, std::function<void(const platform::Failure&)> action);
 
@@ -68,7 +49,7 @@ class Frame {
     struct Abandoned {};
 
     void enter() const;
-    bool run(const Step& action);
+    bool run(void* callable, void (*call)(void*), unsigned line);
     void exit() const;
     // Counts and answers a failure; true when the failing statement shall run again.
     bool fail(const platform::Failure& failure, unsigned line);

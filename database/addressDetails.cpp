@@ -21,8 +21,9 @@ struct Directory {
     Recordset subscribers;
     Recordset distributionLists;
 
-    // Only a directory that could be read, be it empty, can tell that an entry is gone. A device that is cut
-    // off stays so when its entry comes back, and a server that is down for an hour must not do that to all.
+    // Only a directory that could be read, even an empty one, can tell that an entry is gone. Required: a
+    // device that was cut off is not switched on again when its entry comes back. So a server that is down
+    // for an hour must not cut off everybody's.
     bool isOpen() const {
         return subscribers.state() == ObjectState::open && distributionLists.state() == ObjectState::open;
     }

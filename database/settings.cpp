@@ -101,7 +101,7 @@ void makeInitialDatabaseChanges() {
     core::procedure(module, "makeInitialDatabaseChanges", [&](Frame& frame) {
         const auto fill = [&](const char* setting, auto makeDefault) {
             frame.step([&] {
-                // One that could not be read is none that is empty.
+                // One that could not be read is not taken for an empty one.
                 if (readConfigurationSetting(setting) == "")
                     setConfigurationSetting(setting, makeDefault());
             });

@@ -87,7 +87,7 @@ std::int64_t wholeNumber(std::string_view text) {
 
 std::int64_t rounded(double number) {
     const double whole = std::nearbyint(number);
-    // The comparison is false for a number that is none, too.
+    // Written this way round, because it is false for "not a number" as well.
     if (!(std::fabs(whole) < 9.2e18))
         throw makeFailure(overflow);
     return static_cast<std::int64_t>(whole);

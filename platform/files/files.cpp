@@ -188,7 +188,7 @@ void copyFile(const Path& source, const Path& target) {
         throw failureFromErrno(errno, source.string());
     if (!S_ISREG(status.st_mode))
         throw makeFailure(pathFileAccessError, source.string());
-    // A new file is its owner's alone, and a program stays one that runs.
+    // Only its owner may read a new file; a copied program can still be run.
     mode_t mode = 0600u | (status.st_mode & S_IXUSR);
     struct stat old {};
     if (::lstat(target.c_str(), &old) == 0 && S_ISREG(old.st_mode)) {

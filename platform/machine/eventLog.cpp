@@ -156,7 +156,7 @@ void appendEvent(EventRecord record, std::chrono::milliseconds patience) {
     const ssize_t written = ::write(file.get(), text.data(), text.size());
     if (written == static_cast<ssize_t>(text.size()))
         return;
-    // A part of a record is none; a disk that is full shows itself by a short write.
+    // Half a record is worse than none. A full disk shows itself by a short write.
     const int error = written < 0 ? errno : ENOSPC;
     if (written > 0 && ::ftruncate(file.get(), status.st_size) != 0)
         throw failureFromErrno(errno, path.string());

@@ -29,7 +29,7 @@ struct EventRecord {
 // this machine. Raises the file's failure number, 70 when somebody else holds the log for longer than
 // `patience`, or 5 for a log of another name.
 void appendEvent(EventRecord record, std::chrono::milliseconds patience = std::chrono::seconds(5));
-// A record from its line in a log, without the line's end; nothing when it is none.
+// A record from its line in a log, without the line's end; nothing when the line is no record.
 std::optional<EventRecord> parseEventLine(std::string_view log, std::string_view line);
 // The file of a log. Raises 5 for a log of another name.
 std::filesystem::path eventLogFile(std::string_view log);

@@ -75,8 +75,8 @@ TEST_F(Procedure, EachFailingStepIsLoggedWithTheLineItStandsOn) {
     const unsigned line = std::source_location::current().line();
     procedure("mdlTest", "work", [&](Frame& frame) {
         frame.step(fails);
-        frame.steps({core::Step(fails),  // each on a line of its own
-                     core::Step([&] { fails(); })});
+        if (!frame.step([&] { fails(); }))
+            frame.step([] { throw std::runtime_error("Permission denied"); });
     });
     for (const unsigned below : {2U, 3U, 4U})
         EXPECT_EQ(host.countInLog("Permission denied Line: " + std::to_string(line + below)), 1) << below;

@@ -80,6 +80,11 @@ class Database : public testing::Test {
         connection.open(openString(file));
         sqlite3_busy_timeout(connection.handle(), 60);
     }
+    // Devices 1 to `count` with the addresses a1 to a99 and a0, over and over.
+    void fillDevices(int count) {
+        other.run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
+                  std::to_string(count) + ") INSERT INTO Device SELECT i, 'a' || (i % 100) FROM n");
+    }
     platform::Recordset write(const std::string& source,
                               platform::LockType lock = platform::LockType::optimistic) {
         platform::Recordset rows;
