@@ -53,10 +53,10 @@ long createDevice(Frame& frame, Rows& devices, const NewDevice& device, std::str
     if (!devices.allRan() || !devices.update())
         return 0;
     const long key = getLastKey("Device", "DeviceKey");
-    if (key == 0 || linkDeviceRecipient(key, device.recipientKey))
+    if (key != 0 && linkDeviceRecipient(key, device.recipientKey))
         return key;
     // No window reaches a device without an owner.
-    execute(frame, {"DELETE FROM Device WHERE DeviceKey = ?", {key}});
+    devices.deleteCurrent();
     return 0;
 }
 

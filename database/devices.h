@@ -23,7 +23,7 @@ struct NewDevice {
 
 // Adds an active device to `devices`, rows of Device, and links it to its recipient: statements
 // of the caller's procedure. `logLine` is written right before the row, unless it is empty. The device's key;
-// 0 when its row could not be written, which is then not linked.
+// 0 when it could not be written or linked: it is not there then.
 long createDevice(core::Frame& frame, Rows& devices, const NewDevice& device, std::string_view logLine = {});
 // False when the link was not written.
 bool linkDeviceRecipient(long deviceKey, long recipientKey);
