@@ -183,14 +183,22 @@ bool isDeviceActive(long deviceKey) {
                            {"SELECT DeviceActive FROM Device WHERE DeviceKey = ?", {deviceKey}}, deviceKey);
 }
 
-long getDeviceType(long deviceKey) {
-    return core::procedure(module, "getDeviceType", -1L, [&](Frame& frame, long& type) {
+std::optional<long> readDeviceType(long deviceKey) {
+    return core::procedure(module, "getDeviceType", std::optional<long>(),
+                           [&](Frame& frame, std::optional<long>& type) {
         Rows row(frame);
         row.openForReading({"SELECT DeviceType FROM Device WHERE DeviceKey = ?", {deviceKey}});
+        long read = -1;
         if (row.hasRow())
-            type = row.number("DeviceType", type);
+            read = row.isNull("DeviceType") ? 0 : row.number("DeviceType");
+        if (row.allRan())
+            type = read;
         row.close();
     });
+}
+
+long getDeviceType(long deviceKey) {
+    return readDeviceType(deviceKey).value_or(-1);
 }
 
 std::string getDeviceLabel(long deviceType) {

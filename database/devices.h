@@ -55,8 +55,10 @@ struct RecipientDevice {
 std::map<long, std::vector<RecipientDevice>> devicesOfAllRecipients();
 // False, with a failure in the log, when there is no such device.
 bool isDeviceActive(long deviceKey);
-// -1 when there is no such device.
+// -1 when there is no such device, and on failure.
 long getDeviceType(long deviceKey);
+// The same; nothing when the database could not be read.
+std::optional<long> readDeviceType(long deviceKey);
 // The type's name in the present language; empty for a number that is no type.
 std::string getDeviceLabel(long deviceType);
 
