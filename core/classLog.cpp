@@ -216,6 +216,8 @@ void classLog::logToFile(std::string_view text, long level, std::string_view tag
 }
 
 void classLog::openLogFile() {
+    // A folder that is a link would spread lines that hold the database's texts over somebody else's files.
+    platform::files::requireOwnFolder(std::filesystem::path(strLogFile_).parent_path());
     logStream_.open(strLogFile_);
 }
 

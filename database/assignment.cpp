@@ -1,7 +1,9 @@
 #include "database/assignment.h"
 
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
+#include <vector>
 
 #include "core/classLog.h"
 #include "core/modLocalize.h"
@@ -63,27 +65,53 @@ void logDeclined(const Frame& frame) {
     logChoice(frame, "User chose not to enable this failover device.");
 }
 
-void addAssignment(Frame& frame, Rows& rows, long eventKey, const std::string& key) {
+void tellUnknown(const Frame& frame, const std::string& key) {
+    core::gLog().log("Not enabled, because it is gone or cannot be read: " + key, core::logError,
+                     frame.tag());
+}
+
+// A device that is to be on an event.
+struct Chosen {
     long deviceKey = 0;
-    // A row for no device would be one that no view shows.
-    if (!frame.step([&] { deviceKey = deviceKeyOf(key); }))
-        return;
-    const long type = getDeviceType(deviceKey);
+    long type = 0;
+};
+
+// The devices of a selection. Required: nobody asks whose a device is. But one that is gone gets no row, as a
+// row ends with its device. Nor does one of an unknown type, which may be failover; `known` is false then.
+std::vector<Chosen> chosenDevices(Frame& frame, const DeviceSelection& selection, bool& known) {
+    std::vector<Chosen> chosen;
+    for (const std::string& key : selection.keys()) {
+        long deviceKey = 0;
+        // A row for no device would be one that no view shows.
+        if (!frame.step([&] { deviceKey = deviceKeyOf(key); }))
+            continue;
+        const std::optional<long> type = readDeviceType(deviceKey);
+        if (type && *type != noDevice) {
+            chosen.push_back({deviceKey, *type});
+            continue;
+        }
+        known = known && type;
+        tellUnknown(frame, key);
+    }
+    return chosen;
+}
+
+void addAssignment(Frame& frame, Rows& rows, long eventKey, const Chosen& device) {
     bool active = true;
-    if (type == failover) {
+    if (device.type == failover) {
         active = failoverConfirmed();
         if (active)
             logChoice(frame, "User chose to enable this failover device.");
         else
             logDeclined(frame);
     }
-    logChoice(frame, "Adding DeviceKey: " + std::to_string(deviceKey) + " (" +
-                         rightAligned(getDeviceLabel(type), typeNameWidth) +
+    logChoice(frame, "Adding DeviceKey: " + std::to_string(device.deviceKey) + " (" +
+                         rightAligned(getDeviceLabel(device.type), typeNameWidth) +
                          ") Active: " + rightAligned(active ? "True" : "False", activeWidth) +
                          " to EventKey: " + std::to_string(eventKey));
     rows.addNew();
     rows.set("EventKey", eventKey);
-    rows.set("DeviceKey", deviceKey);
+    rows.set("DeviceKey", device.deviceKey);
     rows.set("Active", active);
     // A row without its event or its device would be one that no view shows.
     if (rows.allRan())
@@ -95,14 +123,21 @@ void changeAssignment(Frame& frame, Rows& rows, DeviceSelection& selection) {
     const long deviceKey = rows.number("DeviceKey");
     const bool active = rows.boolean("Active");
     const std::string key = selectionKey(deviceKey);
-    const long type = getDeviceType(deviceKey);
+    const std::optional<long> type = readDeviceType(deviceKey);
     const bool selected = selection.contains(key);
-    if (selected && type == failover && !active && !failoverConfirmed()) {
+    // Without its type nobody can say whether a question is due; the row stays as it is.
+    if (selected && (!type || *type == noDevice)) {
+        tellUnknown(frame, key);
+        selection.remove(key);
+        return;
+    }
+    if (selected && *type == failover && !active && !failoverConfirmed()) {
         logDeclined(frame);
         selection.remove(key);
         return;
     }
-    logChoice(frame, (selected ? "Enabling " : "Disabling ") + key + " (" + getDeviceLabel(type) + ")");
+    logChoice(frame, (selected ? "Enabling " : "Disabling ") + key + " (" +
+                         getDeviceLabel(type.value_or(noDevice)) + ")");
     rows.set("Active", selected);
     selection.remove(key);
     rows.update();
@@ -148,14 +183,18 @@ std::map<long, bool> assignmentsOfEvent(long eventKey) {
 
 bool addRecipientToEvent(long eventKey, const DeviceSelection& selection, bool clearFirst) {
     return core::procedure(module, "addRecipientToEvent", false, [&](Frame& frame, bool& cleared) {
-        // Beside rows that are still there the event would go to both the old and the new devices.
-        cleared = !clearFirst || execute(frame, {"DELETE FROM EventDevice WHERE EventKey = ?", {eventKey}});
+        bool known = true;
+        const std::vector<Chosen> chosen = chosenDevices(frame, selection, known);
+        Rows rows(frame);
+        const bool opened = rows.openForAdding("EventDevice");
+        // The old rows do not go for new ones that are known only in part. Beside rows that are still there
+        // the event would go to both the old and the new devices.
+        cleared = !clearFirst || (known && opened &&
+                                  execute(frame, {"DELETE FROM EventDevice WHERE EventKey = ?", {eventKey}}));
         if (!cleared)
             return;
-        Rows rows(frame);
-        rows.openForAdding("EventDevice");
-        for (const std::string& key : selection.keys())
-            addAssignment(frame, rows, eventKey, key);
+        for (const Chosen& device : chosen)
+            addAssignment(frame, rows, eventKey, device);
         rows.close();
     });
 }

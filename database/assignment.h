@@ -20,11 +20,14 @@ platform::Recordset getRecipientsForEvent(long eventKey);
 // Of several rows for a device one that is on counts. Raises the engine's failures.
 std::map<long, bool> assignmentsOfEvent(long eventKey);
 // Adds a row for each device of the selection, after deleting all rows of the event where `clearFirst` says
-// so. A failover device that the administrator declines gets an inactive row.
-// False when the old rows could not be cleared: nothing is added then.
+// so. A failover device that the administrator declines gets an inactive row; one that is gone, or whose type
+// could not be read, gets none.
+// False when the old rows could not be cleared, or were not for a type that could not be read: nothing is
+// added then.
 bool addRecipientToEvent(long eventKey, const DeviceSelection& selection, bool clearFirst);
 // Makes exactly the selected devices the event's active ones; deselected ones keep an inactive row. Entries
-// that a row answers for leave the selection. True when the event had rows before.
+// that a row answers for leave the selection; the row of a selected device whose type is unknown stays as it
+// is. True when the event had rows before.
 bool changeRecipientsForEvent(long eventKey, DeviceSelection& selection);
 // Takes all devices of a recipient off an event, all or none. True when the event has rows left.
 bool removeRecipientFromEvent(long eventKey, long recipientKey);

@@ -53,10 +53,10 @@ long createDevice(Frame& frame, Rows& devices, const NewDevice& device, std::str
     if (!devices.allRan() || !devices.update())
         return 0;
     const long key = getLastKey("Device", "DeviceKey");
-    if (key == 0 || linkDeviceRecipient(key, device.recipientKey))
+    if (key != 0 && linkDeviceRecipient(key, device.recipientKey))
         return key;
     // No window reaches a device without an owner.
-    execute(frame, {"DELETE FROM Device WHERE DeviceKey = ?", {key}});
+    devices.deleteCurrent();
     return 0;
 }
 
@@ -183,14 +183,22 @@ bool isDeviceActive(long deviceKey) {
                            {"SELECT DeviceActive FROM Device WHERE DeviceKey = ?", {deviceKey}}, deviceKey);
 }
 
-long getDeviceType(long deviceKey) {
-    return core::procedure(module, "getDeviceType", -1L, [&](Frame& frame, long& type) {
+std::optional<long> readDeviceType(long deviceKey) {
+    return core::procedure(module, "getDeviceType", std::optional<long>(),
+                           [&](Frame& frame, std::optional<long>& type) {
         Rows row(frame);
         row.openForReading({"SELECT DeviceType FROM Device WHERE DeviceKey = ?", {deviceKey}});
+        long read = -1;
         if (row.hasRow())
-            type = row.number("DeviceType", type);
+            read = row.isNull("DeviceType") ? 0 : row.number("DeviceType");
+        if (row.allRan())
+            type = read;
         row.close();
     });
+}
+
+long getDeviceType(long deviceKey) {
+    return readDeviceType(deviceKey).value_or(-1);
 }
 
 std::string getDeviceLabel(long deviceType) {

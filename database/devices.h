@@ -23,7 +23,7 @@ struct NewDevice {
 
 // Adds an active device to `devices`, rows of Device, and links it to its recipient: statements
 // of the caller's procedure. `logLine` is written right before the row, unless it is empty. The device's key;
-// 0 when its row could not be written, which is then not linked.
+// 0 when it could not be written or linked: it is not there then.
 long createDevice(core::Frame& frame, Rows& devices, const NewDevice& device, std::string_view logLine = {});
 // False when the link was not written.
 bool linkDeviceRecipient(long deviceKey, long recipientKey);
@@ -55,8 +55,10 @@ struct RecipientDevice {
 std::map<long, std::vector<RecipientDevice>> devicesOfAllRecipients();
 // False, with a failure in the log, when there is no such device.
 bool isDeviceActive(long deviceKey);
-// -1 when there is no such device.
+// -1 when there is no such device, and on failure.
 long getDeviceType(long deviceKey);
+// The same; nothing when the database could not be read.
+std::optional<long> readDeviceType(long deviceKey);
 // The type's name in the present language; empty for a number that is no type.
 std::string getDeviceLabel(long deviceType);
 

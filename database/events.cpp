@@ -75,7 +75,9 @@ Recordset getEvents() {
 
 long addNewEvent(const NewEvent& event) {
     return core::procedure(module, "addNewEvent", 0L, [&](Frame& frame, long& result) {
-        if (getConfigurationSetting("WarnOnDuplicateMonitoredEvents") == "-1") {
+        // A setting that could not be read is none that is off. Required: a search that fails finds none, as
+        // it does for each source with an apostrophe.
+        if (readConfigurationSetting("WarnOnDuplicateMonitoredEvents").value_or("-1") == "-1") {
             const long existing = findEvent(event.eventSource, event.eventId);
             if (existing != -1 && !wantsDuplicate(event)) {
                 result = existing;
@@ -97,7 +99,10 @@ long addNewEvent(const NewEvent& event) {
         events.close();
         if (!written)
             return;
+        // The row of an event whose content is missing stays; its next save adds the content.
         const long key = getLastKey("Events", "EventKey");
+        if (key == 0)
+            return;
         Rows contents(frame);
         contents.openForAdding("Contents");
         bool complete = true;
@@ -108,7 +113,6 @@ long addNewEvent(const NewEvent& event) {
             complete = contents.update() && linked && complete;
         }
         contents.close();
-        // The row of an event whose content is missing stays; its next save adds the content.
         if (complete)
             result = key;
     });

@@ -1,4 +1,5 @@
-// A text file opened for appending, created if needed (mode 0600). Every write is one system call, so a
+// A text file opened for appending, created if needed (mode 0600, as the superuser with the folder's owner);
+// a link in its place is not followed. Every write is one system call, so a
 // line is in the file when write returns.
 #pragma once
 

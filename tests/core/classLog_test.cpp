@@ -167,6 +167,13 @@ TEST_F(Log, ALogThatCannotBeWrittenIsLostQuietly) {
     EXPECT_NO_THROW(log.log("lost", core::logError, "t"));
     EXPECT_NO_THROW(log.exitProc("[mdlTest]work"));
 
+    // Nor does it go to where a link leads.
+    const fs::path elsewhere = host.root() / "elsewhere";
+    fs::create_directory(elsewhere);
+    fs::create_directory_symlink(elsewhere, folder);
+    core::classLog().log("lost", core::logError, "t");
+    EXPECT_TRUE(fs::is_empty(elsewhere));
+
     // As soon as there is a place for it, it begins with its header.
     log.setStrLogFile((host.root() / "late.LOG").string());
     log.log("found", core::logError, "t");

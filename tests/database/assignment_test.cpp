@@ -3,6 +3,7 @@
 #include "database/addressDetails.h"
 #include "database/deviceType.h"
 #include "storeFixture.h"
+#include "support/failingRead.h"
 
 namespace {
 
@@ -37,15 +38,17 @@ class Assignment : public databaseTest::Store {
 TEST_F(Assignment, AddingKeepsTheOrderOfTheTicksAndAsksAboutFailover) {
     assign(1, 5, true);
     expectFailoverQuestion(BoxAnswer::no);
-    addRecipientToEvent(1, selected({5, 4, 3, 99}), false);
-    EXPECT_EQ(assignments(), (Lines{"1|5|-1", "1|5|-1", "1|4|0", "1|3|-1", "1|99|-1"}))
-        << "a device that is declined gets its row, and no key is doubted";
+    run("INSERT INTO Device VALUES (9, 2, '9', -1)");
+    addRecipientToEvent(1, selected({5, 4, 3, 9, 99}), false);
+    EXPECT_EQ(assignments(), (Lines{"1|5|-1", "1|5|-1", "1|4|0", "1|3|-1", "1|9|-1"}))
+        << "a device that is declined gets its row, and nobody's too, but not one that is gone";
     EXPECT_EQ(logOf("addRecipientToEvent"),
-              (Lines{"VerInfo: Adding DeviceKey: 5 (         E-mail) Active:  True to EventKey: 1",
+              (Lines{"ERROR: Not enabled, because it is gone or cannot be read: DeviceKey:99",
+                     "VerInfo: Adding DeviceKey: 5 (         E-mail) Active:  True to EventKey: 1",
                      "VerInfo: User chose not to enable this failover device.",
                      "VerInfo: Adding DeviceKey: 4 (       Failover) Active: False to EventKey: 1",
                      "VerInfo: Adding DeviceKey: 3 (          Pager) Active:  True to EventKey: 1",
-                     "VerInfo: Adding DeviceKey: 99 (               ) Active:  True to EventKey: 1"}));
+                     "VerInfo: Adding DeviceKey: 9 (          Pager) Active:  True to EventKey: 1"}));
     forgetLog();
     assign(2, 3, true);
     expectFailoverQuestion(BoxAnswer::yes);
@@ -107,6 +110,31 @@ TEST_F(Assignment, FailoverIsAskedForOnlyWhenItIsSwitchedOn) {
     EXPECT_EQ(assignments(), (Lines{"1|4|-1", "1|3|-1"}));
     EXPECT_EQ(logOf("changeRecipientsForEvent"),
               (Lines{"VerInfo: Enabling DeviceKey:4 (Failover)", "VerInfo: Enabling DeviceKey:3 (Pager)"}));
+}
+
+TEST_F(Assignment, AnUnknownTypeSwitchesNothingOnAndClearsNothing) {
+    const std::string types = "SELECT DeviceType";
+    assign(1, 4, false);
+    assign(1, 3, true);
+    DeviceSelection selection = selected({4, 5});
+    {
+        const support::FailingRead read(1, types);
+        EXPECT_TRUE(changeRecipientsForEvent(1, selection));
+    }
+    EXPECT_EQ(assignments(), (Lines{"1|4|0", "1|3|0", "1|5|-1"}));
+    EXPECT_FALSE(selection.contains(selectionKey(4))) << "or it would get a second row";
+    {
+        const support::FailingRead read(2, types);
+        EXPECT_FALSE(addRecipientToEvent(1, selected({3, 4}), true));
+    }
+    EXPECT_EQ(assignments(), (Lines{"1|4|0", "1|3|0", "1|5|-1"}));
+    // One that is gone is known to be no failover, and the rest is assigned.
+    EXPECT_TRUE(addRecipientToEvent(1, selected({3, 99}), true));
+    EXPECT_EQ(assignments(), Lines{"1|3|-1"});
+    assign(1, 99, false);
+    selection = selected({3, 99});
+    EXPECT_TRUE(changeRecipientsForEvent(1, selection));
+    EXPECT_EQ(assignments(), (Lines{"1|3|-1", "1|99|0"}));
 }
 
 TEST_F(Assignment, RemovingARecipientTakesAllHisDevicesOrNone) {

@@ -2,6 +2,7 @@
 
 #include "database/settings.h"
 #include "storeFixture.h"
+#include "support/failingRead.h"
 
 namespace {
 
@@ -66,6 +67,13 @@ TEST_F(Events, DuplicatesAreAskedAboutWhileTheSettingSaysSo) {
     EXPECT_EQ(addNewEvent(newEvent("Disk", "-1")), first + 1);
     EXPECT_EQ(events(), before);
     EXPECT_EQ(rows("SELECT count(*) FROM Contents WHERE EventKey > 2"), Lines{"8"});
+    {
+        const support::FailingRead setting(1, "FROM Configuration");
+        expectDuplicate("Disk", "7", BoxAnswer::no);
+        EXPECT_EQ(addNewEvent(newEvent("Disk", "7")), first);
+    }
+    EXPECT_EQ(events(), before);
+    EXPECT_EQ(failures(), 1);
 
     expectDuplicate("Disk", "7", BoxAnswer::yes);
     long next = first + 4;
@@ -75,7 +83,7 @@ TEST_F(Events, DuplicatesAreAskedAboutWhileTheSettingSaysSo) {
         EXPECT_EQ(addNewEvent(newEvent("Disk", "7")), ++next) << off;
     }
     EXPECT_EQ(events().size(), before.size() + 4);
-    EXPECT_EQ(failures(), 0);
+    EXPECT_EQ(failures(), 1);
 }
 
 TEST_F(Events, HalfMadeOneStaysInactiveAndHealsWithTheNextSave) {

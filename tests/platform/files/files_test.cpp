@@ -194,8 +194,7 @@ TEST_F(Files, StreamAppendsWholeTexts) {
     EXPECT_EQ(readFile(at("log")), "one\ntwo שלום 🚨\nthree\n");
     stream.close();
     EXPECT_EQ(failureOf([&] { stream.write("x"); }), 424);
-    fs::create_symlink("/dev/full", at("full"));
-    stream.open(at("full"));
+    stream.open("/dev/full");
     EXPECT_EQ(failureOf([&] { stream.write("x"); }), 61);
 }
 

@@ -64,6 +64,20 @@ TEST(Foreign, AFolderThatIsALinkIsNoFolderOfOurs) {
     EXPECT_TRUE(fs::is_empty(elsewhere));
 }
 
+TEST(Foreign, ALinkInPlaceOfALogIsNotWrittenTo) {
+    const support::TemporaryHost host;
+    const fs::path precious = host.root() / "precious";
+    platform::files::writeFile(precious, "precious");
+    for (const char* target : {"precious", "notThere"}) {
+        fs::create_symlink(target, host.root() / "link.LOG");
+        EXPECT_EQ(failureOf([&] { platform::TextStream().open(host.root() / "link.LOG"); }),
+                  platform::pathFileAccessError);
+        fs::remove(host.root() / "link.LOG");
+    }
+    EXPECT_EQ(platform::files::readFile(precious), "precious");
+    EXPECT_FALSE(fs::exists(host.root() / "notThere"));
+}
+
 TEST(Foreign, AReplacedFileKeepsItsOwnerAndANewOneIsTheFolders) {
     if (::geteuid() != 0)
         GTEST_SKIP() << "only the superuser writes other people's files";
@@ -78,7 +92,9 @@ TEST(Foreign, AReplacedFileKeepsItsOwnerAndANewOneIsTheFolders) {
     };
     platform::files::writeFile(folder / "new", "x");
     platform::files::createFolder(folder / "inner");
+    platform::TextStream().open(folder / "log");
     EXPECT_EQ(ownerOf(folder / "new"), somebody);
+    EXPECT_EQ(ownerOf(folder / "log"), somebody);
     EXPECT_EQ(ownerOf(folder / "inner"), somebody);
     ASSERT_EQ(::chown((folder / "new").c_str(), 54321, 54321), 0);
     platform::files::writeFile(folder / "new", "y");
