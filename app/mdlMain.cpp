@@ -125,8 +125,8 @@ void Main(platform::WindowStation& station) {
         frame.step([&] { gIgnoreEventKey = mdlDatabase::getIgnoreEventKey(); });
         frame.step([&] { gViewsSupported = mdlCorvaneDatabase::determineViewsSupport(gCorvaneDb); });
         if (usable)
-            frame.steps({core::Step([] { mdlDatabase::rebuildAddressDetailsTable(); }),
-                         core::Step([] { mdlDatabase::makeInitialDatabaseChanges(); })});
+            frame.step([] { mdlDatabase::rebuildAddressDetailsTable(); });
+            frame.step([] { mdlDatabase::makeInitialDatabaseChanges(); });
         frame.step([&] { createMainWindow(); });
         frame.step([&] { gMainWindow->loadNavigationTree(); });
         frame.step([&] { gMainWindow->selectNode(gMainWindow->nodeAt(1)); });
