@@ -1,116 +1,199 @@
 #include "host/eventViewer/eventModel.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QIcon>
 #include <QStyle>
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "host/eventViewer/eventText.h"
 #include "platform/failure.h"
+#include "platform/machine/caseFold.h"
 
 namespace viewer {
 
 namespace {
 
-QIcon iconOf(std::size_t typeIndex) {
-    switch (typeIndex) {
-        case 0:
-        case 4:
-            return QApplication::style()->standardIcon(QStyle::SP_MessageBoxCritical);
-        case 1:
-            return QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);
-        default:
-            return QApplication::style()->standardIcon(QStyle::SP_MessageBoxInformation);
-    }
+// Rows that are got ready at once, and how long a turn may take.
+constexpr std::size_t screenful = 200;
+constexpr qint64 longestTurn = 5;  // ms
+
+const QIcon& iconOf(std::size_t typeIndex) {
+    static const QIcon icons[] = {QApplication::style()->standardIcon(QStyle::SP_MessageBoxCritical),
+                                  QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning),
+                                  QApplication::style()->standardIcon(QStyle::SP_MessageBoxInformation)};
+    return icons[typeIndex == 0 || typeIndex == 4 ? 0 : typeIndex == 1 ? 1 : 2];
+}
+
+const QIcon& iconOf(service::Fate fate) {
+    return iconOf(fate == service::Fate::told                                        ? 2
+                  : fate == service::Fate::refused || fate == service::Fate::givenUp ? 0
+                                                                                     : 1);
 }
 
 }  // namespace
 
-EventModel::EventModel(const Texts& texts, std::function<void()> readOn, QObject* parent)
-    : QAbstractTableModel(parent), texts_(texts), readOn_(std::move(readOn)) {
+struct EventModel::Pages {
+    std::unique_ptr<LogPages> log;
+};
+
+EventModel::EventModel(const Texts& texts, QObject* parent) : QAbstractTableModel(parent), texts_(texts) {
     nextTurn_.setSingleShot(true);
-    connect(&nextTurn_, &QTimer::timeout, this, [this] { fetchMore(); });
+    connect(&nextTurn_, &QTimer::timeout, this, &EventModel::lookThrough);
 }
 
-void EventModel::setLog(std::optional<platform::EventLogPages> log) {
+EventModel::~EventModel() = default;
+
+void EventModel::setLog(Log log) {
+    ++generation_;
+    next_ = std::move(log);
+    pages_ = std::make_shared<Pages>();
+    request();
+}
+
+void EventModel::setFilter(Filter filter) {
+    if (filter == filter_)
+        return;
     beginResetModel();
-    events_.clear();
+    filter_ = std::move(filter);
     shown_.clear();
-    log_ = std::move(log);
-    failure_.clear();
+    lookedAt_ = 0;
+    wanted_ = screenful;
     endResetModel();
-    fetchMore();
+    lookThrough();
 }
 
-void EventModel::setTypeShown(std::optional<std::size_t> typeIndex) {
+void EventModel::readTo(std::uint64_t place) {
+    wantedPlace_ = place;
+    goOn();
+}
+
+// In the worker; its answer comes to take(). One page at a time, so that a log that is left is left at once.
+void EventModel::request() {
+    isReading_ = true;
+    worker_.post([this, pages = pages_, log = next_ ? *next_ : log_, generation = generation_] {
+        Answer answer;
+        answer.generation = generation;
+        answer.failure = failureOf([&] {
+            if (!pages->log) {
+                answer.stamp = log.stamp();
+                pages->log = log.open();
+            }
+            while (answer.entries.empty() && pages->log->hasEarlier() && !worker_.isEnding())
+                answer.entries = pages->log->earlier();
+            answer.hasEarlier = pages->log->hasEarlier();
+        });
+        inWindow(this, [this, answer = std::move(answer)]() mutable { take(std::move(answer)); });
+    });
+}
+
+void EventModel::take(Answer answer) {
+    if (answer.generation != generation_)
+        return;
+    isReading_ = false;
+    if (next_)
+        begin(answer);
+    hasEarlier_ = answer.hasEarlier;
+    failure_ = std::move(answer.failure);
+    add(std::move(answer.entries));
+    lookThrough();
+}
+
+void EventModel::begin(const Answer& answer) {
     beginResetModel();
-    typeShown_ = typeIndex;
+    log_ = *std::exchange(next_, std::nullopt);
+    stamp_ = answer.stamp;
+    entries_.clear();
     shown_.clear();
-    for (std::size_t i = 0; i < events_.size(); ++i)
-        if (isShown(events_[i]))
-            shown_.push_back(i);
+    lookedAt_ = 0;
+    wanted_ = screenful;
     endResetModel();
-    if (shown_.empty() && canFetchMore())
-        fetchMore();
 }
 
-bool EventModel::isShown(const platform::PlacedEvent& event) const {
-    return !typeShown_ || typeIndex(event.record.type) == *typeShown_;
+void EventModel::add(std::vector<EntryPointer> entries) {
+    for (EntryPointer& entry : entries) {
+        const std::string& source = entry->record.source;
+        if (const auto at = std::ranges::lower_bound(sources_, source);
+            at == sources_.end() || *at != source) {
+            sources_.insert(at, source);
+            emit sourceFound(QString::fromStdString(source));
+        }
+        entries_.push_back(std::move(entry));
+    }
 }
 
-bool EventModel::canFetchMore(const QModelIndex& parent) const {
-    return !parent.isValid() && log_ && log_->hasEarlier();
+void EventModel::lookForNews() {
+    if (isReading_ || !log_.stamp)
+        return;
+    worker_.post([this, stamp = log_.stamp, known = stamp_, generation = generation_] {
+        if (stamp() == known)
+            return;
+        inWindow(this, [this, generation] {
+            if (generation == generation_)
+                emit hasNews();
+        });
+    });
 }
 
-void EventModel::fetchMore(const QModelIndex&) {
-    constexpr int mostPages = 8;
+bool EventModel::isShown(const Entry& entry) const {
+    return (!filter_.type || (entry.record.type != 0 && typeIndex(entry.record.type) == *filter_.type)) &&
+           (!filter_.fate || (entry.notification && entry.notification->fate == *filter_.fate)) &&
+           (filter_.source.empty() || platform::foldCase(entry.record.source) == filter_.source) &&
+           (filter_.text.isEmpty() || contains(entry, filter_.text));
+}
+
+// Holds what was read against the filter, for as long as the window can do without its thread.
+void EventModel::lookThrough() {
+    constexpr std::size_t between = 64;  // two looks at the clock
+    QElapsedTimer turn;
+    turn.start();
     std::vector<std::size_t> more;
-    for (int page = 0; page < mostPages && more.empty() && canFetchMore(); ++page)
-        more = readEarlier();
+    while (lookedAt_ < entries_.size() && (lookedAt_ % between != 0 || turn.elapsed() < longestTurn)) {
+        if (isShown(*entries_[lookedAt_]))
+            more.push_back(lookedAt_);
+        ++lookedAt_;
+    }
     if (!more.empty()) {
         const int first = rowCount();
         beginInsertRows({}, first, first + static_cast<int>(more.size()) - 1);
         shown_.insert(shown_.end(), more.begin(), more.end());
         endInsertRows();
-    } else if (canFetchMore()) {
+    }
+    goOn();
+    emit wentOn();
+}
+
+void EventModel::goOn() {
+    if (lookedAt_ < entries_.size()) {
         nextTurn_.start();
+        return;
     }
-    readOn_();
-}
-
-// Indexes of those of the page's events that are to be shown.
-std::vector<std::size_t> EventModel::readEarlier() {
-    std::vector<std::size_t> more;
-    try {
-        for (platform::PlacedEvent& event : log_->earlier()) {
-            if (isShown(event))
-                more.push_back(events_.size());
-            events_.push_back(std::move(event));
-        }
-    } catch (const platform::Failure& failure) {
-        failure_ = failure.description();
-        log_.reset();
-    }
-    return more;
-}
-
-const platform::EventRecord& EventModel::eventAt(int row) const {
-    return events_[shown_[static_cast<std::size_t>(row)]].record;
+    if (wantedPlace_ && !entries_.empty() && entries_.back()->place <= *wantedPlace_)
+        wantedPlace_.reset();
+    if (hasEarlier_ && !isReading_ && failure_.empty() && (shown_.size() < wanted_ || wantedPlace_))
+        request();
 }
 
 int EventModel::rowOf(std::uint64_t place) const {
     const auto found = std::ranges::lower_bound(shown_, place, std::greater<>(),
-                                                [this](std::size_t index) { return events_[index].place; });
-    return found != shown_.end() && events_[*found].place == place ? static_cast<int>(found - shown_.begin())
-                                                                   : -1;
+                                                [this](std::size_t index) { return entries_[index]->place; });
+    return found != shown_.end() && entries_[*found]->place == place
+               ? static_cast<int>(found - shown_.begin())
+               : -1;
 }
 
-bool EventModel::contains(int row, const QString& text) const {
-    const auto holds = [&](const std::string& field) {
-        return QString::fromStdString(field).contains(text, Qt::CaseInsensitive);
-    };
-    return std::ranges::any_of(columnTexts(eventAt(row), texts_), holds) || holds(eventAt(row).description);
+std::vector<EntryPointer> EventModel::shown() const {
+    std::vector<EntryPointer> result;
+    result.reserve(shown_.size());
+    for (const std::size_t index : shown_)
+        result.push_back(entries_[index]);
+    return result;
+}
+
+bool EventModel::contains(const Entry& entry, const QString& text) const {
+    return entryContains(entry, texts_, text);
 }
 
 int EventModel::rowCount(const QModelIndex& parent) const {
@@ -118,26 +201,43 @@ int EventModel::rowCount(const QModelIndex& parent) const {
 }
 
 int EventModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(texts_.columns.size());
+    if (parent.isValid())
+        return 0;
+    return static_cast<int>(log_.isOfNotifications ? texts_.notificationColumns.size()
+                                                   : texts_.columns.size());
 }
 
 QVariant EventModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid())
         return {};
+    const Entry& entry = *entryAt(index.row());
     if (role == Qt::DecorationRole && index.column() == 0)
-        return iconOf(typeIndex(eventAt(index.row()).type));
-    if (role == Qt::DisplayRole)
-        return QString::fromStdString(
-            columnTexts(eventAt(index.row()), texts_)[static_cast<std::size_t>(index.column())]);
+        return entry.notification ? iconOf(entry.notification->fate) : iconOf(typeIndex(entry.record.type));
+    // A cell is one line; the text below the table has all of them.
+    if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
+        return QString::fromStdString(columnText(entry, static_cast<std::size_t>(index.column()), texts_))
+            .simplified();
     return {};
 }
 
 QVariant EventModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation == Qt::Horizontal && role == Qt::DisplayRole)
-        return QString::fromUtf8(texts_.columns[static_cast<std::size_t>(section)]);
+    if (orientation == Qt::Horizontal && role == Qt::DisplayRole) {
+        const auto column = static_cast<std::size_t>(section);
+        return QString::fromUtf8(log_.isOfNotifications ? texts_.notificationColumns[column]
+                                                        : texts_.columns[column]);
+    }
     if (orientation == Qt::Horizontal && role == Qt::TextAlignmentRole)
         return static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter);
     return QAbstractTableModel::headerData(section, orientation, role);
+}
+
+bool EventModel::canFetchMore(const QModelIndex& parent) const {
+    return !parent.isValid() && hasEarlier_ && failure_.empty();
+}
+
+void EventModel::fetchMore(const QModelIndex&) {
+    wanted_ = shown_.size() + screenful;
+    goOn();
 }
 
 }  // namespace viewer

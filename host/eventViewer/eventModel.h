@@ -1,63 +1,119 @@
-// The events of one log as rows of a table, the newest first.
+// The entries of one log as rows of a table, the newest first. They are read beside the window and looked
+// through in short turns, so that a log of any length leaves the window free.
 #pragma once
 
 #include <QAbstractTableModel>
 #include <QTimer>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "host/eventViewer/logs.h"
 #include "host/viewer/texts.h"
-#include "platform/machine/eventLogPages.h"
+#include "host/viewer/worker.h"
 
 namespace viewer {
 
+// Which entries are to be shown; what is empty lets all pass.
+struct Filter {
+    std::optional<std::size_t> type;    // as in Texts::types
+    std::optional<service::Fate> fate;  // of notifications
+    std::string source;                 // with its case folded
+    QString text;                       // in a column, the description or the message
+
+    bool operator==(const Filter&) const = default;
+};
+
 class EventModel : public QAbstractTableModel {
+    Q_OBJECT
+
   public:
-    // `readOn` is called each time when more of the log was read, or could not be.
-    EventModel(const Texts& texts, std::function<void()> readOn, QObject* parent = nullptr);
+    explicit EventModel(const Texts& texts, QObject* parent = nullptr);
+    ~EventModel() override;
 
-    // Shows a log from its end on; more of it is read as rows are asked for. Nothing without a log.
-    void setLog(std::optional<platform::EventLogPages> log);
-    // The one type to show, if only one.
-    void setTypeShown(std::optional<std::size_t> typeIndex);
+    // Shows a log from its end on, once its first page has come; until then what was shown stays. More of it
+    // is read as rows are asked for.
+    void setLog(Log log);
+    const Log& log() const { return log_; }
+    void setFilter(Filter filter);
+    const Filter& filter() const { return filter_; }
+    // Reads to the log's beginning, or until the entry at this place has been read.
+    void readAll() { readTo(0); }
+    void readTo(std::uint64_t place);
 
-    const platform::EventRecord& eventAt(int row) const;
-    // Place of the row's record in its log; it stays while the log grows.
-    std::uint64_t place(int row) const { return events_[shown_[static_cast<std::size_t>(row)]].place; }
-    // Row of a record by its place; -1 when it is not shown.
+    const EntryPointer& entryAt(int row) const { return entries_[shown_[static_cast<std::size_t>(row)]]; }
+    // Row of an entry by its place; -1 when it is not shown.
     int rowOf(std::uint64_t place) const;
-    // Records that were read so far.
-    std::size_t eventCount() const { return events_.size(); }
-    // True when the record at this place of the log has been read, shown or not.
-    bool hasReadTo(std::uint64_t place) const { return !events_.empty() && events_.back().place <= place; }
-    // Why the log could not be read on; empty when it could.
+    // What is shown by now.
+    std::vector<EntryPointer> shown() const;
+    // Entries that were read so far.
+    std::size_t entryCount() const { return entries_.size(); }
+    bool hasEarlier() const { return hasEarlier_; }
+    // True when nothing is being read or looked through.
+    bool isAtRest() const { return !isReading_ && lookedAt_ == entries_.size(); }
+    // True when the entry at this place has been read, shown or not, or cannot be any more.
+    bool hasReadTo(std::uint64_t place) const {
+        return !hasEarlier_ || !failure_.empty() || (!entries_.empty() && entries_.back()->place <= place);
+    }
+    // Looks whether the log has changed since it was opened: hasNews() tells then.
+    void lookForNews();
+    // Why the log could not be read, or read on; empty when it could.
     const std::string& failure() const { return failure_; }
-    // True when a column or the description contains the text, without regard to case.
-    bool contains(int row, const QString& text) const;
+    // True when a column, the description or the message contains the text, without regard to case.
+    bool contains(const Entry& entry, const QString& text) const;
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     bool canFetchMore(const QModelIndex& parent = {}) const override;
-    // Reads on until there is another row to show; after some megabytes without one the window gets a turn
-    // first. A log that cannot be read on ends there, with its failure.
+    // Asks for some more rows; they come when they have been read.
     void fetchMore(const QModelIndex& parent = {}) override;
 
+  signals:
+    // More was read or looked through, or could not be.
+    void wentOn();
+    void hasNews();
+    // A source that no entry had before; not with its case folded.
+    void sourceFound(const QString& source);
+
   private:
-    bool isShown(const platform::PlacedEvent& event) const;
-    std::vector<std::size_t> readEarlier();
+    struct Pages;
+    bool isShown(const Entry& entry) const;
+    void goOn();
+    void request();
+    struct Answer {
+        std::uint64_t generation = 0;
+        std::vector<EntryPointer> entries;
+        bool hasEarlier = false;
+        std::string failure;
+        std::string stamp;  // of a log that was opened
+    };
+    void take(Answer answer);
+    void begin(const Answer& answer);
+    void add(std::vector<EntryPointer> entries);
+    void lookThrough();
 
     const Texts& texts_;
-    std::optional<platform::EventLogPages> log_;
-    std::vector<platform::PlacedEvent> events_;  // the newest first
-    std::vector<std::size_t> shown_;             // indexes into events_
-    std::optional<std::size_t> typeShown_;
+    Log log_;
+    std::optional<Log> next_;       // whose first page has not come yet
+    std::string stamp_;             // of the log as it was opened
+    std::shared_ptr<Pages> pages_;  // used by the worker alone
+    Filter filter_;
+    std::vector<EntryPointer> entries_;  // the newest first
+    std::vector<std::size_t> shown_;     // indexes into entries_
+    std::size_t lookedAt_ = 0;           // entries that were held against the filter
+    std::size_t wanted_ = 0;             // rows that are asked for
+    std::optional<std::uint64_t> wantedPlace_;
+    bool hasEarlier_ = false;
+    bool isReading_ = false;
+    std::uint64_t generation_ = 0;  // of the log that is shown: what comes of another one is late
     std::string failure_;
-    std::function<void()> readOn_;
+    std::vector<std::string> sources_;  // sorted
     QTimer nextTurn_;
+    Worker worker_;
 };
 
 }  // namespace viewer

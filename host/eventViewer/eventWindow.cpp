@@ -2,95 +2,70 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QComboBox>
+#include <QFileDialog>
 #include <QFontMetrics>
-#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLocale>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QShortcut>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include "host/eventViewer/choices.h"
+#include "host/eventViewer/csvExport.h"
+#include "host/eventViewer/daysDialog.h"
+#include "host/eventViewer/entrySearch.h"
 #include "host/eventViewer/eventModel.h"
 #include "host/eventViewer/eventText.h"
-#include "host/viewer/findBar.h"
-#include "platform/failure.h"
+#include "host/eventViewer/whoPanel.h"
+#include "platform/machine/clock.h"
+#include "service/outbox/sendAgain.h"
+#include "ui/base/controls.h"
 
 namespace viewer {
 
 namespace {
 
-template <class Control>
-Control* named(const char* name, QWidget* parent) {
-    auto* control = new Control(parent);
-    control->setObjectName(name);
-    return control;
-}
-
-QString plain(const char* caption) {
-    return QString(caption).remove('&').remove(':').trimmed();
-}
+constexpr int shortNotice = 6000;  // ms
+constexpr int lookEvery = 500;     // ms
 
 }  // namespace
 
 EventWindow::EventWindow(Language language) : texts_(texts(language)) {
-    model_ = new EventModel(
-        texts_, [this] { showWhatWasRead(); }, this);
+    model_ = new EventModel(texts_, this);
+    search_ = new EntrySearch(*model_);
     setObjectName("EventVwr");
     setWindowTitle(texts_.eventViewer);
     auto* all = new QWidget(this);
     auto* layout = new QVBoxLayout(all);
-    layout->addWidget(createChoices());
+    choices_ = new Choices(texts_, all);
+    layout->addWidget(choices_);
     layout->addWidget(createTableAndDetails(), 1);
-    auto* findBar = new FindBar(
-        texts_, [this](const QString& text, bool backwards) { return find(text, backwards); }, all);
-    layout->addWidget(findBar);
+    findBar_ =
+        new ui::FindBar(texts_.findBar,
+                        {[this](const QString& text, auto step) { return find(text, step); },
+                         [this](const QString&) { applyFilter(); }, [this] { tableEvents_->setFocus(); }},
+                        all);
+    layout->addWidget(findBar_);
     setCentralWidget(all);
-    lblCount_ = named<QLabel>("lblCount", this);
+    findBar_->takeKeys();
+    lblCount_ = ui::makeControl<QLabel>(this, "lblCount");
     statusBar()->addPermanentWidget(lblCount_);
+    connectModel();
     connectControls();
-    resize(1080, 680);
+    resize(1180, 720);
     showLog();
     tableEvents_->setFocus();
 }
 
-QWidget* EventWindow::createChoices() {
-    auto* row = new QWidget(this);
-    auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    comboLog_ = named<QComboBox>("comboLog", row);
-    for (const char* log : texts_.logs)
-        comboLog_->addItem(log);
-    comboType_ = named<QComboBox>("comboType", row);
-    comboType_->addItem(texts_.allTypes);
-    for (const char* type : texts_.types)
-        comboType_->addItem(type);
-    cmdRefresh_ = named<QPushButton>("cmdRefresh", row);
-    cmdRefresh_->setText(texts_.refresh);
-    cmdRefresh_->setToolTip("F5");
-    cmdCopy_ = named<QPushButton>("cmdCopy", row);
-    cmdCopy_->setText(texts_.copy);
-    for (const auto& [caption, combo] : {std::pair{texts_.log, comboLog_}, {texts_.show, comboType_}}) {
-        auto* label = new QLabel(caption, row);
-        label->setBuddy(combo);
-        combo->setAccessibleName(plain(caption));
-        layout->addWidget(label);
-        layout->addWidget(combo);
-        layout->addSpacing(12);
-    }
-    layout->addStretch();
-    layout->addWidget(cmdRefresh_);
-    layout->addWidget(cmdCopy_);
-    return row;
-}
+EventWindow::~EventWindow() = default;
 
 QSplitter* EventWindow::createTableAndDetails() {
     auto* splitter = new QSplitter(Qt::Vertical, this);
-    tableEvents_ = named<QTableView>("tableEvents", splitter);
+    tableEvents_ = ui::makeControl<QTableView>(splitter, "tableEvents");
     tableEvents_->setAccessibleName(texts_.eventViewer);
     tableEvents_->setModel(model_);
     tableEvents_->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -99,31 +74,22 @@ QSplitter* EventWindow::createTableAndDetails() {
     tableEvents_->setShowGrid(false);
     tableEvents_->setWordWrap(false);
     tableEvents_->verticalHeader()->hide();
+    // Rows of one height need not be measured.
+    constexpr int rowMargin = 6;
+    tableEvents_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    tableEvents_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + rowMargin);
     QHeaderView& header = *tableEvents_->horizontalHeader();
     header.setHighlightSections(false);
     header.setStretchLastSection(true);
     // Of a long log the first rows tell how wide its columns are.
-    constexpr int rowsLookedAt = 200;
+    constexpr int rowsLookedAt = 100;
     header.setResizeContentsPrecision(rowsLookedAt);
 
-    auto* below = new QWidget(splitter);
-    auto* layout = new QVBoxLayout(below);
-    layout->setContentsMargins(0, 4, 0, 0);
-    auto* label = new QLabel(texts_.details, below);
-    txtDetails_ = named<QPlainTextEdit>("txtDetails", below);
-    txtDetails_->setAccessibleName(plain(texts_.details));
-    txtDetails_->setReadOnly(true);
-    txtDetails_->setTabChangesFocus(true);
-    // A read-only text that the keyboard can reach and mark.
-    txtDetails_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    int widest = 0;
-    for (const char* caption : texts_.copiedLabels)
-        widest = std::max(widest, QFontMetrics(txtDetails_->font()).horizontalAdvance(plain(caption)));
-    constexpr int gap = 24;
-    txtDetails_->setTabStopDistance(widest + gap);
-    label->setBuddy(txtDetails_);
-    layout->addWidget(label);
-    layout->addWidget(txtDetails_);
+    auto* below = new QSplitter(Qt::Horizontal, splitter);
+    below->addWidget(createDetails(below));
+    who_ = new WhoPanel(texts_, below);
+    below->addWidget(who_);
+    below->setChildrenCollapsible(false);
     splitter->addWidget(tableEvents_);
     splitter->addWidget(below);
     splitter->setStretchFactor(0, 3);
@@ -132,110 +98,245 @@ QSplitter* EventWindow::createTableAndDetails() {
     return splitter;
 }
 
+QWidget* EventWindow::createDetails(QWidget* parent) {
+    auto* details = new QWidget(parent);
+    auto* layout = new QVBoxLayout(details);
+    layout->setContentsMargins(0, 4, 0, 0);
+    auto* label = new QLabel(texts_.details, details);
+    txtDetails_ = ui::makeControl<QPlainTextEdit>(details, "txtDetails");
+    txtDetails_->setAccessibleName(ui::plainCaption(texts_.details));
+    txtDetails_->setReadOnly(true);
+    txtDetails_->setTabChangesFocus(true);
+    // A read-only text that the keyboard can reach and mark.
+    txtDetails_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    int widest = 0;
+    for (const char* caption : texts_.copiedLabels)
+        widest = std::max(widest, QFontMetrics(txtDetails_->font())
+                                      .horizontalAdvance(ui::plainCaption(QString(caption).trimmed())));
+    constexpr int gap = 24;
+    txtDetails_->setTabStopDistance(widest + gap);
+    label->setBuddy(txtDetails_);
+    layout->addWidget(label);
+    layout->addWidget(txtDetails_);
+    return details;
+}
+
+void EventWindow::connectModel() {
+    connect(model_, &EventModel::modelReset, this, &EventWindow::begin);
+    connect(model_, &EventModel::wentOn, this, &EventWindow::goOn);
+    connect(model_, &EventModel::sourceFound, choices_, &Choices::addSource);
+    connect(model_, &EventModel::hasNews, this, [this] {
+        wantedPlace_.reset();
+        model_->setLog(choices_->log());
+    });
+    connect(search_, &EntrySearch::found, this, [this](int row) {
+        choose(row);
+        findBar_->showFound(true);
+    });
+    connect(search_, &EntrySearch::foundNothing, this, [this] { findBar_->showFound(false); });
+}
+
 void EventWindow::connectControls() {
-    connect(comboLog_, &QComboBox::currentIndexChanged, this, [this] { showLog(); });
-    connect(comboType_, &QComboBox::currentIndexChanged, this, [this] { chooseType(); });
-    connect(cmdRefresh_, &QPushButton::clicked, this, [this] { refresh(); });
-    connect(cmdCopy_, &QPushButton::clicked, this, [this] { copyEvent(); });
+    connect(choices_, &Choices::logChosen, this, &EventWindow::showLog);
+    connect(choices_, &Choices::filterChosen, this, &EventWindow::applyFilter);
+    connect(choices_, &Choices::followChosen, this, &EventWindow::follow);
+    connect(choices_, &Choices::refreshWanted, this, &EventWindow::refresh);
+    connect(choices_, &Choices::copyWanted, this, &EventWindow::copyEntry);
+    connect(choices_, &Choices::exportWanted, this, &EventWindow::exportShown);
+    connect(choices_, &Choices::sendAgainWanted, this, &EventWindow::sendAgain);
+    connect(choices_, &Choices::lastDaysWanted, this, &EventWindow::countLastDays);
     connect(tableEvents_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-            [this] { showDetails(); });
+            [this] { showChosen(); });
     connect(new QShortcut(Qt::Key_F5, this), &QShortcut::activated, this, [this] { refresh(); });
     connect(new QShortcut(QKeySequence::Copy, tableEvents_, nullptr, nullptr, Qt::WidgetShortcut),
-            &QShortcut::activated, this, [this] { copyEvent(); });
+            &QShortcut::activated, this, [this] { copyEntry(); });
+    connect(&look_, &QTimer::timeout, model_, &EventModel::lookForNews);
 }
 
 void EventWindow::showLog() {
-    tableEvents_->setCurrentIndex({});
-    refresh();
-    fitColumns();
+    wantedPlace_.reset();
+    columnsFitted_ = 0;
+    statusBar()->clearMessage();
+    applyFilter();
+    model_->setLog(choices_->log());
+    who_->setVisible(!choices_->isOfNotifications());
+}
+
+void EventWindow::refresh() {
+    wantedPlace_.reset();
+    if (currentRow() >= 0)
+        wantedPlace_ = model_->entryAt(currentRow())->place;
+    statusBar()->clearMessage();
+    model_->setLog(choices_->log());
+}
+
+// The newest entry is chosen whenever there is one.
+void EventWindow::follow() {
+    if (!choices_->follows()) {
+        look_.stop();
+        return;
+    }
+    look_.start(lookEvery);
+    wantedPlace_.reset();
+    choose(0);
+    model_->lookForNews();
+}
+
+void EventWindow::applyFilter() {
+    Filter filter = choices_->filter();
+    filter.text = findBar_->filterText();
+    model_->setFilter(std::move(filter));
+}
+
+// The rows are gone; those that come are read and looked through in turns.
+void EventWindow::begin() {
+    showChosen();
+    if (wantedPlace_)
+        model_->readTo(*wantedPlace_);
+}
+
+void EventWindow::goOn() {
+    if (model_->rowCount() > 0 && columnsFitted_ != model_->columnCount())
+        fitColumns();
+    chooseAgain();
+    if (!model_->failure().empty())
+        say(QString(texts_.cannotRead).arg(QString::fromStdString(model_->failure())));
+    showCounts();
+    if (!exportFile_.empty() && model_->isAtRest() && (!model_->hasEarlier() || !model_->failure().empty()))
+        writeExport();
 }
 
 void EventWindow::fitColumns() {
     constexpr int air = 16;
+    constexpr int widest = 260;
+    columnsFitted_ = model_->columnCount();
     tableEvents_->resizeColumnsToContents();
     for (int column = 0; column < model_->columnCount(); ++column)
-        tableEvents_->setColumnWidth(column, tableEvents_->columnWidth(column) + air);
+        tableEvents_->setColumnWidth(column, std::min(tableEvents_->columnWidth(column) + air, widest));
 }
 
-void EventWindow::refresh() {
-    const int row = currentRow();
-    const bool chosen = row >= 0;
-    const bool wasEmpty = model_->rowCount() == 0;
-    const std::uint64_t place = chosen ? model_->place(row) : 0;
-    statusBar()->clearMessage();
-    try {
-        model_->setLog(platform::EventLogPages(comboLog_->currentIndex() == 0 ? "Application" : "System"));
-        // The chosen event may lie beyond the first page.
-        while (chosen && !model_->hasReadTo(place) && model_->canFetchMore())
-            model_->fetchMore();
-    } catch (const platform::Failure& failure) {
-        model_->setLog({});
-        showFailure(failure.description());
+// The entry that was chosen before, if it is still there; else the first one, however long it was looked for.
+void EventWindow::chooseAgain() {
+    if (wantedPlace_) {
+        const int row = model_->rowOf(*wantedPlace_);
+        if (row < 0 && !(model_->isAtRest() && model_->hasReadTo(*wantedPlace_)))
+            return;
+        wantedPlace_.reset();
+        if (row >= 0) {
+            choose(row);
+            return;
+        }
     }
-    if (wasEmpty)
-        fitColumns();
-    const int again = chosen ? model_->rowOf(place) : -1;
-    tableEvents_->setCurrentIndex(model_->index(std::max(again, 0), 0));
-    showDetails();
+    if (currentRow() < 0 && model_->rowCount() > 0)
+        choose(0);
 }
 
-void EventWindow::chooseType() {
-    const int type = comboType_->currentIndex();
-    model_->setTypeShown(type <= 0 ? std::nullopt : std::optional(static_cast<std::size_t>(type - 1)));
-    tableEvents_->setCurrentIndex(model_->index(0, 0));
-    showDetails();
+void EventWindow::choose(int row) {
+    if (row >= 0 && row < model_->rowCount())
+        tableEvents_->setCurrentIndex(model_->index(row, 0));
 }
 
 int EventWindow::currentRow() const {
     return tableEvents_->currentIndex().row();
 }
 
-void EventWindow::showDetails() {
+void EventWindow::showChosen() {
     const int row = currentRow();
-    cmdCopy_->setEnabled(row >= 0);
+    const EntryPointer entry = row < 0 ? nullptr : model_->entryAt(row);
+    choices_->allow(static_cast<bool>(entry), model_->rowCount() > 0,
+                    entry && entry->notification && entry->notification->canBeSentAgain && !isWorking_);
     // The copied form, its values in one column.
-    txtDetails_->setPlainText(
-        row < 0 ? QString()
-                : QString::fromStdString(copiedText(model_->eventAt(row), texts_)).replace("\t\t", "\t"));
-    showWhatWasRead();
+    txtDetails_->setPlainText(entry ? QString::fromStdString(copiedText(*entry, texts_)).replace("\t\t", "\t")
+                                    : QString());
+    who_->showFor(entry && !entry->notification ? entry : nullptr);
+    showCounts();
 }
 
-void EventWindow::showWhatWasRead() {
-    // The first event that comes is chosen, however long it was looked for.
-    if (currentRow() < 0 && model_->rowCount() > 0)
-        tableEvents_->setCurrentIndex(model_->index(0, 0));
-    if (!model_->failure().empty())
-        showFailure(model_->failure());
-    const QString read = QString::number(model_->eventCount()) + (model_->canFetchMore() ? "+" : "");
-    lblCount_->setText(QString(texts_.count).arg(model_->rowCount()).arg(read));
+void EventWindow::showCounts() {
+    const QString read =
+        QString::number(model_->entryCount()) + (model_->canFetchMore() ? QString("+") : QString());
+    lblCount_->setText(QString(model_->log().isOfNotifications ? texts_.countNotifications : texts_.count)
+                           .arg(model_->rowCount())
+                           .arg(read));
+    const bool filters = model_->filter() != Filter();
+    findBar_->showCounts(model_->rowCount(),
+                         filters ? static_cast<qsizetype>(model_->entryCount()) : model_->rowCount());
 }
 
-void EventWindow::showFailure(const std::string& description) {
-    statusBar()->showMessage(QString(texts_.cannotRead).arg(QString::fromStdString(description)));
+void EventWindow::say(const QString& text) {
+    statusBar()->showMessage(text);
 }
 
-void EventWindow::copyEvent() {
+void EventWindow::copyEntry() {
     if (currentRow() < 0)
         return;
     QApplication::clipboard()->setText(
-        QString::fromStdString(copiedText(model_->eventAt(currentRow()), texts_)));
-    statusBar()->showMessage(texts_.copied, 4000);
+        QString::fromStdString(copiedText(*model_->entryAt(currentRow()), texts_)));
+    statusBar()->showMessage(texts_.copied, shortNotice);
 }
 
-bool EventWindow::find(const QString& text, bool backwards) {
-    int row = std::max(currentRow(), 0);
-    for (int i = 0; i < model_->rowCount(); ++i) {
-        // Older events than those that were read so far are looked through too before the search begins anew.
-        if (!backwards && row + 1 == model_->rowCount() && model_->canFetchMore())
-            model_->fetchMore();
-        const int rows = model_->rowCount();
-        row = (row + (backwards ? rows - 1 : 1)) % rows;
-        if (model_->contains(row, text)) {
-            tableEvents_->setCurrentIndex(model_->index(row, 0));
-            return true;
-        }
-    }
-    return false;
+// What matches is written from the newest to the oldest, so the log is read to its beginning first.
+void EventWindow::exportShown() {
+    const QString file = QFileDialog::getSaveFileName(this, texts_.exportTitle, "events.csv", "CSV (*.csv)");
+    if (file.isEmpty())
+        return;
+    exportFile_ = file.toStdString();
+    say(texts_.readingAll);
+    model_->readAll();
+    goOn();
+}
+
+void EventWindow::writeExport() {
+    isWorking_ = true;
+    worker_.post([this, file = std::exchange(exportFile_, {}), rows = model_->shown(),
+                  ofNotifications = model_->log().isOfNotifications] {
+        const std::string failure = failureOf([&] { writeCsv(file, rows, ofNotifications, texts_); });
+        inWindow(this, [this, file, failure, count = rows.size()] {
+            isWorking_ = false;
+            say(failure.empty() ? QString(texts_.exported)
+                                      .arg(QLocale().toString(static_cast<qulonglong>(count)),
+                                           QString::fromStdString(file))
+                                : QString(texts_.cannotExport).arg(QString::fromStdString(failure)));
+        });
+    });
+}
+
+void EventWindow::sendAgain() {
+    if (currentRow() < 0 || !model_->entryAt(currentRow())->notification)
+        return;
+    isWorking_ = true;
+    showChosen();
+    worker_.post([this, key = model_->entryAt(currentRow())->notification->key] {
+        service::SentAgain answer{};
+        const std::string failure =
+            failureOf([&] { answer = service::sendAgain(outboxFile(), key, platform::clock().now()); });
+        inWindow(this, [this, answer, failure] {
+            isWorking_ = false;
+            refresh();
+            say(!failure.empty() ? QString(texts_.cannotSendAgain).arg(QString::fromStdString(failure))
+                : answer == service::SentAgain::made   ? QString(texts_.sentAgain)
+                : answer == service::SentAgain::waits  ? QString(texts_.waitsAlready)
+                : answer == service::SentAgain::isGone ? QString(texts_.messageGone)
+                                                       : QString(texts_.wasTold));
+        });
+    });
+}
+
+void EventWindow::countLastDays() {
+    DaysDialog dialog(texts_, this);
+    dialog.exec();
+}
+
+std::optional<bool> EventWindow::find(const QString& text, ui::FindBar::Step step) {
+    const bool backwards = step == ui::FindBar::Step::previous;
+    search_->start(text, step == ui::FindBar::Step::typed ? std::max(currentRow(), 0) - 1 : currentRow(),
+                   backwards);
+    return std::nullopt;
+}
+
+bool EventWindow::isAtRest() const {
+    return model_->isAtRest() && !wantedPlace_ && !search_->isSearching() && who_->isAtRest() &&
+           !isWorking_ && exportFile_.empty();
 }
 
 }  // namespace viewer

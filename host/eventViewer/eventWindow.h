@@ -1,52 +1,79 @@
-// The event viewer: the host's Application and System logs as a table, the chosen event in full below it.
+// The event viewer: the host's logs and what was told of them as a table, the chosen entry in full below it,
+// and who is told of a record.
 #pragma once
 
 #include <QMainWindow>
+#include <QTimer>
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "host/viewer/texts.h"
+#include "host/viewer/worker.h"
+#include "ui/widgets/findBar.h"
 
-class QComboBox;
 class QLabel;
 class QPlainTextEdit;
-class QPushButton;
 class QSplitter;
 class QTableView;
 
 namespace viewer {
 
+class Choices;
+class EntrySearch;
 class EventModel;
+class WhoPanel;
+struct Log;
 
 class EventWindow : public QMainWindow {
   public:
     explicit EventWindow(Language language);
+    ~EventWindow() override;
 
-    // Reads the chosen log anew; the chosen event stays chosen while it is shown.
+    // Reads the chosen log anew; the chosen entry stays chosen while it is shown.
     void refresh();
+    // True when nothing is read, looked through, looked for, asked or written beside the window.
+    bool isAtRest() const;
 
   private:
-    QWidget* createChoices();
     QSplitter* createTableAndDetails();
+    QWidget* createDetails(QWidget* parent);
+    void connectModel();
     void connectControls();
     void showLog();
+    void follow();
     void fitColumns();
-    void chooseType();
-    void showDetails();
-    void showWhatWasRead();
-    void showFailure(const std::string& description);
-    void copyEvent();
-    bool find(const QString& text, bool backwards);
+    void applyFilter();
+    void begin();
+    void goOn();
+    void chooseAgain();
+    void showChosen();
+    void showCounts();
+    void copyEntry();
+    void exportShown();
+    void writeExport();
+    void sendAgain();
+    void countLastDays();
+    void say(const QString& text);
+    std::optional<bool> find(const QString& text, ui::FindBar::Step step);
+    void choose(int row);
     int currentRow() const;
 
     const Texts& texts_;
     EventModel* model_ = nullptr;
-    QComboBox* comboLog_;
-    QComboBox* comboType_;
-    QPushButton* cmdRefresh_;
-    QPushButton* cmdCopy_;
+    EntrySearch* search_ = nullptr;
+    Choices* choices_ = nullptr;
     QTableView* tableEvents_;
     QPlainTextEdit* txtDetails_;
+    WhoPanel* who_;
+    ui::FindBar* findBar_;
     QLabel* lblCount_;
+    std::optional<std::uint64_t> wantedPlace_;  // of the entry to be chosen when it has been read
+    std::string exportFile_;                    // that waits for the log's beginning
+    int columnsFitted_ = 0;                     // for the columns of a log; 0 when they have to be
+    bool isWorking_ = false;
+    QTimer look_;  // for news
+    Worker worker_;
 };
 
 }  // namespace viewer

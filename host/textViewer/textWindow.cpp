@@ -10,8 +10,8 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "host/viewer/findBar.h"
 #include "platform/failure.h"
+#include "ui/widgets/findBar.h"
 
 namespace viewer {
 
@@ -37,14 +37,18 @@ TextWindow::TextWindow(const std::filesystem::path& file, Language language)
     txtFile_->setLineWrapMode(QPlainTextEdit::NoWrap);
     txtFile_->setTabChangesFocus(true);
     txtFile_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    auto* findBar = new FindBar(
-        texts_, [this](const QString& text, bool backwards) { return find(text, backwards); }, all);
+    auto* findBar = new ui::FindBar(texts_.findBar,
+                                    {[this](const QString& text, auto step) { return find(text, step); },
+                                     {},
+                                     [this] { txtFile_->setFocus(); }},
+                                    all);
     chkFollow_ = new QCheckBox(texts_.follow, findBar);
     chkFollow_->setObjectName("chkFollow");
     findBar->append(chkFollow_);
     layout->addWidget(txtFile_, 1);
     layout->addWidget(findBar);
     setCentralWidget(all);
+    findBar->takeKeys();
     resize(860, 620);
 
     takeNews();
@@ -100,12 +104,19 @@ void TextWindow::followEnd() {
     bar.setValue(bar.maximum());
 }
 
-bool TextWindow::find(const QString& text, bool backwards) {
+bool TextWindow::find(const QString& text, ui::FindBar::Step step) {
+    const bool backwards = step == ui::FindBar::Step::previous;
     const QTextDocument::FindFlags flags =
         backwards ? QTextDocument::FindBackward : QTextDocument::FindFlags();
+    const QTextCursor before = txtFile_->textCursor();
+    // A text that grows while it is typed may stay where it is.
+    if (step == ui::FindBar::Step::typed) {
+        QTextCursor from = before;
+        from.setPosition(before.selectionStart());
+        txtFile_->setTextCursor(from);
+    }
     if (txtFile_->find(text, flags))
         return true;
-    const QTextCursor before = txtFile_->textCursor();
     QTextCursor edge = before;
     edge.movePosition(backwards ? QTextCursor::End : QTextCursor::Start);
     txtFile_->setTextCursor(edge);

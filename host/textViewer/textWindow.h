@@ -7,6 +7,7 @@
 
 #include "host/textViewer/growingFile.h"
 #include "host/viewer/texts.h"
+#include "ui/widgets/findBar.h"
 
 class QCheckBox;
 class QPlainTextEdit;
@@ -24,7 +25,7 @@ class TextWindow : public QMainWindow {
   private:
     void takeNews();
     void append(const GrowingFile::News& news);
-    bool find(const QString& text, bool backwards);
+    bool find(const QString& text, ui::FindBar::Step step);
     void followEnd();
 
     const Texts& texts_;

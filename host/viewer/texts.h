@@ -4,9 +4,11 @@
 #include <array>
 #include <string>
 
+#include "ui/widgets/findTexts.h"
+
 namespace viewer {
 
-enum class Language { english, french, german };
+using ui::Language;
 
 struct Texts {
     // Labels of a copied event, in the order of its lines; each with its colon and tabs.
@@ -25,14 +27,60 @@ struct Texts {
     const char* refresh;
     const char* copy;
     const char* copied;
-    const char* count;  // %1 of %2
+    const char* count;               // %1 of %2
+    const char* countNotifications;  // %1 of %2
     const char* details;
     const char* cannotRead;  // %1
 
-    const char* find;
-    const char* next;
-    const char* previous;
-    const char* notFound;  // %1
+    // What is told and what waits.
+    const char* notifications;                        // the log's name
+    std::array<const char*, 5> fates;                 // as service::Fate
+    std::array<const char*, 10> notificationColumns;  // outcome, date, time, source, id, recipient, device,
+                                                      // answer, attempts, address
+    std::array<const char*, 7> devices;               // by kind
+    const char* monitoredEvent;
+    const char* subject;
+    const char* message;
+    const char* nextAttempt;  // %1
+    const char* source;
+    const char* allSources;
+    const char* outcome;
+    const char* allOutcomes;
+    const char* followNews;
+    const char* exportShown;
+    const char* exportTitle;
+    const char* exported;      // %1 rows, %2 the file
+    const char* cannotExport;  // %1
+    const char* readingAll;
+    const char* sendAgain;
+    const char* sentAgain;
+    const char* waitsAlready;
+    const char* messageGone;
+    const char* wasTold;
+    const char* cannotSendAgain;  // %1
+
+    // Who is told of a record.
+    const char* whoIsTold;
+    const char* asIfNow;
+    std::array<const char*, 10> reasons;  // as service::Reason
+    const char* heldBackUntil;            // %1
+    const char* noEvent;
+    const char* noDevice;
+    const char* cannotDecide;               // %1
+    std::array<const char*, 4> whoColumns;  // recipient, verdict, device, address
+
+    // How often in the last days.
+    const char* lastDays;
+    const char* monitoredEvents;
+    const char* countRecords;
+    const char* cancel;
+    const char* counting;  // %1 records
+    const char* cancelled;
+    std::array<const char*, 3> daysColumns;  // day, records, notifications
+    const char* daysResult;                  // %1 records, %2 notifications, %3 minutes
+    const char* noMonitoredEvents;
+
+    ui::FindTexts findBar;
 
     const char* textViewer;
     const char* follow;

@@ -10,8 +10,10 @@
 #include <mutex>
 #include <set>
 
+#include "platform/failure.h"
 #include "platform/files/files.h"
 #include "service/outbox/schedule.h"
+#include "service/outbox/sendAgain.h"
 #include "service/sources/hostLog.h"
 #include "support/temporaryHost.h"
 
@@ -334,6 +336,29 @@ TEST_F(NotifierTest, OldRowsOfTheHistoryGo) {
     EXPECT_EQ(rows("SELECT Count(*) FROM NotificationLog"), Texts{"1"});
     pass(minutes(62));
     EXPECT_EQ(rows("SELECT Count(*) FROM NotificationLog"), Texts{"0"});
+}
+
+TEST_F(NotifierTest, WhatReachedNobodyGoesOutOnceMoreWhileTheServiceRuns) {
+    post.answer("a@b", Result::refused, "550 unknown");
+    write("Disk", 51, "full");
+    look();
+    EXPECT_EQ(told(), Texts{"a@b: S 51 / B full"});
+    EXPECT_EQ(rows("SELECT Success FROM NotificationLog WHERE LogKey = 8"), Texts{"Refused: 550 unknown"});
+    EXPECT_EQ(sendAgain(outboxFile(), 7, clock.now()), SentAgain::isGone) << "of before this outbox";
+    EXPECT_EQ(sendAgain(outboxFile(), 8, clock.now()), SentAgain::made);
+    EXPECT_EQ(sendAgain(outboxFile(), 8, clock.now()), SentAgain::waits) << "a second request";
+    EXPECT_EQ(sendAgain(outboxFile(), 9, clock.now()), SentAgain::wasTold) << "it is on its way";
+    post.answer("a@b", Result::delivered, "250 OK");
+    look();
+    EXPECT_EQ(told(), Texts{"a@b: S 51 / B full"});
+    EXPECT_EQ(
+        rows("SELECT LogKey, DeviceAddress, Success FROM NotificationLog WHERE LogKey > 7 ORDER BY LogKey"),
+        (Texts{"8|a@b|Refused: 550 unknown", "9|a@b|250 OK"}));
+    EXPECT_EQ(sendAgain(outboxFile(), 9, clock.now()), SentAgain::wasTold);
+    EXPECT_EQ(sendAgain(outboxFile(), 8, clock.now()), SentAgain::made)
+        << "the old one can be asked for again";
+    EXPECT_THROW(sendAgain(host.root() / "none.db", 8, clock.now()), platform::Failure);
+    EXPECT_FALSE(std::filesystem::exists(host.root() / "none.db"));
 }
 
 }  // namespace

@@ -33,6 +33,11 @@ class EventViewer : public ::testing::Test {
         window->show();
         QApplication::setActiveWindow(window.get());
         table = window->findChild<QTableView*>("tableEvents");
+        settle();
+    }
+    // What is read and asked beside the window has come.
+    void settle() {
+        EXPECT_TRUE(QTest::qWaitFor([this] { return window->isAtRest(); }));
     }
     QString cell(int row, int column) const { return table->model()->index(row, column).data().toString(); }
     QString sources() const {
@@ -85,6 +90,7 @@ TEST_F(EventViewer, ShowsTheNewestFirstAndWhatIsChosen) {
     QTest::keyClick(table, Qt::Key_Down);
     platform::appendEvent(record(4, "Newest", 4));
     QTest::keyClick(window.get(), Qt::Key_F5);
+    settle();
     EXPECT_EQ(sources(), "Newest,New,Middle,Old");
     EXPECT_EQ(table->currentIndex().row(), 2);
     QTest::keyClick(table, Qt::Key_C, Qt::ControlModifier);
@@ -94,7 +100,7 @@ TEST_F(EventViewer, ShowsTheNewestFirstAndWhatIsChosen) {
     EXPECT_EQ(sources(), "New,Old");
     EXPECT_EQ(find<QLabel>("lblCount").text(), "2 of 4 events");
     QTest::keyClicks(&find<QLineEdit>("txtFind"), "BEGINNING");
-    QTest::keyClick(&find<QLineEdit>("txtFind"), Qt::Key_Return);
+    settle();
     EXPECT_EQ(table->currentIndex().row(), 1);
     QTest::mouseClick(&find<QPushButton>("cmdCopy"), Qt::LeftButton);
     EXPECT_TRUE(QApplication::clipboard()->text().contains("the beginning"));
@@ -108,9 +114,11 @@ TEST_F(EventViewer, AnEmptyLogIsEmptyAndOneThatCannotBeReadSaysSo) {
     EXPECT_EQ(sources(), "");
     find<QLineEdit>("txtFind").setText("x");
     QTest::mouseClick(&find<QPushButton>("cmdPrevious"), Qt::LeftButton);
+    settle();
     EXPECT_EQ(find<QLabel>("lblResult").text(), "Not found: x");
     std::filesystem::create_directories(platform::host::eventLogsFolder() / "System.log");
     find<QComboBox>("comboLog").setCurrentIndex(1);
+    settle();
     EXPECT_FALSE(window->findChild<QWidget*>("cmdCopy")->isEnabled());
     EXPECT_NE(window->statusBar()->currentMessage(), "");
 }
@@ -130,9 +138,11 @@ TEST_F(EventViewer, AFilterLooksThroughTheWholeLogAndSaysWhenItCannot) {
     EXPECT_EQ(find<QLabel>("lblCount").text(), "1 of 151 events");
     EXPECT_TRUE(find<QPushButton>("cmdCopy").isEnabled());
     QTest::keyClick(window.get(), Qt::Key_F5);
+    settle();
     EXPECT_EQ(table->currentIndex().row(), 0) << "the chosen event is found again, however old";
     QTest::keyClicks(&type, "E");
     EXPECT_EQ(sources(), "");
+    settle();
 
     // The log goes away while it is being looked through.
     QTest::keyClick(window.get(), Qt::Key_F5);

@@ -1,0 +1,90 @@
+#include "host/eventViewer/logs.h"
+
+#include <sys/stat.h>
+
+#include <utility>
+
+#include "platform/failure.h"
+#include "platform/machine/eventLogPages.h"
+#include "platform/machine/host.h"
+
+namespace viewer {
+
+namespace {
+
+class HostLogPages : public LogPages {
+  public:
+    explicit HostLogPages(const std::string& name) : pages_(name, pageSize) {}
+    bool hasEarlier() const override { return pages_.hasEarlier(); }
+    std::vector<EntryPointer> earlier() override {
+        std::vector<EntryPointer> page;
+        for (platform::PlacedEvent& event : pages_.earlier())
+            page.push_back(
+                std::make_shared<Entry>(Entry{event.place, std::move(event.record), std::nullopt}));
+        return page;
+    }
+
+  private:
+    static constexpr std::uint64_t pageSize = 128 << 10;
+    platform::EventLogPages pages_;
+};
+
+class NotificationPages : public LogPages {
+  public:
+    NotificationPages() : notifications_(databaseFile(), outboxFile()) {}
+    bool hasEarlier() const override { return notifications_.hasEarlier(); }
+    std::vector<EntryPointer> earlier() override {
+        constexpr std::size_t pageSize = 500;
+        std::vector<EntryPointer> page;
+        if (std::exchange(isFirst_, false))
+            add(page, notifications_.open());
+        add(page, notifications_.earlier(pageSize));
+        return page;
+    }
+
+  private:
+    static void add(std::vector<EntryPointer>& page, std::vector<service::Notification> notifications) {
+        for (service::Notification& each : notifications) {
+            platform::EventRecord record;
+            record.time = each.time;
+            record.source = each.source;
+            record.id = each.id;
+            record.type = each.type;
+            record.computer = each.computer;
+            const std::uint64_t place = each.place;
+            page.push_back(std::make_shared<Entry>(Entry{place, std::move(record), std::move(each)}));
+        }
+    }
+
+    service::Notifications notifications_;
+    bool isFirst_ = true;
+};
+
+std::string stampOf(const std::filesystem::path& file) {
+    struct stat status {};
+    return ::stat(file.c_str(), &status) == 0
+               ? std::to_string(status.st_ino) + ' ' + std::to_string(status.st_size)
+               : std::string();
+}
+
+}  // namespace
+
+Log hostLog(const std::string& name) {
+    return {[name] { return std::make_unique<HostLogPages>(name); },
+            [name] { return stampOf(platform::eventLogFile(name)); }, false};
+}
+
+Log notificationLog() {
+    return {[] { return std::make_unique<NotificationPages>(); },
+            [] { return service::notificationsStamp(databaseFile(), outboxFile()); }, true};
+}
+
+std::filesystem::path databaseFile() {
+    return platform::host::folder().parent_path() / "Database" / "QLNDB.MDB";
+}
+
+std::filesystem::path outboxFile() {
+    return platform::host::folder().parent_path() / "Service" / "HbQlnSvc.db";
+}
+
+}  // namespace viewer
