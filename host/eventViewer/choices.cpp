@@ -16,6 +16,7 @@ namespace viewer {
 namespace {
 
 constexpr int notificationsIndex = 2;
+constexpr int journalIndex = 3;  // where the host watches one
 
 // The first row lets all pass.
 std::optional<std::size_t> chosen(const QComboBox& combo) {
@@ -61,6 +62,8 @@ QWidget* Choices::createFilters() {
     for (const char* log : texts_.logs)
         comboLog_->addItem(log);
     comboLog_->addItem(texts_.notifications);
+    if (journalLog())
+        comboLog_->addItem(texts_.journal);
     comboType_ = addChoice(*row, "comboType", texts_.show);
     comboType_->addItem(texts_.allTypes);
     for (const char* type : texts_.types)
@@ -121,8 +124,12 @@ bool Choices::isOfNotifications() const {
 }
 
 Log Choices::log() const {
-    return isOfNotifications() ? notificationLog()
-                               : hostLog(comboLog_->currentIndex() == 0 ? "Application" : "System");
+    if (isOfNotifications())
+        return notificationLog();
+    if (comboLog_->currentIndex() == journalIndex)
+        if (auto journal = journalLog())
+            return *journal;
+    return hostLog(comboLog_->currentIndex() == 1 ? "System" : "Application");
 }
 
 Filter Choices::filter() const {

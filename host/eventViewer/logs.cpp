@@ -7,6 +7,8 @@
 #include "platform/failure.h"
 #include "platform/machine/eventLogPages.h"
 #include "platform/machine/host.h"
+#include "service/sources/journalChoice.h"
+#include "service/sources/journalPages.h"
 
 namespace viewer {
 
@@ -27,6 +29,26 @@ class HostLogPages : public LogPages {
   private:
     static constexpr std::uint64_t pageSize = 128 << 10;
     platform::EventLogPages pages_;
+};
+
+class MachineJournalPages : public LogPages {
+  public:
+    explicit MachineJournalPages(const std::filesystem::path& folder) : pages_(folder) {}
+    bool hasEarlier() const override { return hasEarlier_; }
+    std::vector<EntryPointer> earlier() override {
+        constexpr std::size_t pageSize = 500;
+        service::JournalPage read = pages_.earlier(pageSize);
+        hasEarlier_ = read.hasEarlier;
+        std::vector<EntryPointer> page;
+        for (platform::PlacedEvent& event : read.records)
+            page.push_back(
+                std::make_shared<Entry>(Entry{event.place, std::move(event.record), std::nullopt}));
+        return page;
+    }
+
+  private:
+    service::JournalPages pages_;
+    bool hasEarlier_ = true;
 };
 
 class NotificationPages : public LogPages {
@@ -72,6 +94,19 @@ std::string stampOf(const std::filesystem::path& file) {
 Log hostLog(const std::string& name) {
     return {[name] { return std::make_unique<HostLogPages>(name); },
             [name] { return stampOf(platform::eventLogFile(name)); }, false};
+}
+
+std::optional<Log> journalLog() {
+    try {
+        const service::JournalChoice choice = service::journalChoice();
+        if (!choice.isOn)
+            return std::nullopt;
+        const std::filesystem::path folder = choice.folder;
+        return Log{[folder] { return std::make_unique<MachineJournalPages>(folder); },
+                   [folder] { return service::journalStamp(folder); }, false};
+    } catch (const platform::Failure&) {
+        return std::nullopt;  // a registry that cannot be read stops the console with its own box
+    }
 }
 
 Log notificationLog() {

@@ -41,6 +41,8 @@ struct Log {
 
 // The host's log of that name, "Application" or "System".
 Log hostLog(const std::string& name);
+// The machine's journal, where the host watches it. Raises nothing.
+std::optional<Log> journalLog();
 // What was told and what waits.
 Log notificationLog();
 

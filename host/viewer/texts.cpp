@@ -47,6 +47,7 @@ constexpr Texts textsIn(Language language) {
         .cannotRead = in("The log cannot be read: %1", "Le journal ne peut pas être lu : %1",
                          "Das Protokoll kann nicht gelesen werden: %1"),
         .notifications = in("Notifications", "Notifications", "Benachrichtigungen"),
+        .journal = in("This machine's journal", "Journal de cette machine", "Journal dieses Rechners"),
         .fates = {in("Told", "Averti", "Benachrichtigt"), in("Refused", "Refusé", "Abgewiesen"),
                   in("Given up", "Abandonné", "Aufgegeben"), in("Waiting", "En attente", "Wartet"),
                   in("Held back", "Retenu", "Zurückgehalten")},

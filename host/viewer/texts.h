@@ -34,6 +34,7 @@ struct Texts {
 
     // What is told and what waits.
     const char* notifications;                        // the log's name
+    const char* journal;                              // of the machine
     std::array<const char*, 5> fates;                 // as service::Fate
     std::array<const char*, 10> notificationColumns;  // outcome, date, time, source, id, recipient, device,
                                                       // answer, attempts, address

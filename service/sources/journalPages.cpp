@@ -2,6 +2,7 @@
 
 #include <systemd/sd-journal.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "platform/failure.h"
@@ -24,9 +25,12 @@ JournalPage JournalPages::earlier(std::size_t most) {
     JournalPage page;
     int result = 0;
     while (page.records.size() < most && (result = sd_journal_previous(journal_.get())) > 0) {
+        std::uint64_t moment = 0;
+        sd_journal_get_realtime_usec(journal_.get(), &moment);
+        lastPlace_ = std::min(moment, lastPlace_ - 1);
         std::string reason;
         if (auto record = journalRecord(journal_.get(), reason))
-            page.records.push_back(std::move(*record));
+            page.records.push_back({lastPlace_, std::move(*record)});
     }
     if (result < 0)
         throw platform::failureFromErrno(-result, "journal");

@@ -2,20 +2,23 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "platform/machine/eventLogPages.h"
 #include "service/sources/journal.h"
 
 namespace service {
 
 struct JournalPage {
-    std::vector<platform::EventRecord> records;  // newest first
+    std::vector<platform::PlacedEvent> records;  // newest first
     bool hasEarlier = false;
 };
 
-// As the journal stood when it was opened. Used by one thread.
+// As the journal stood when it was opened. A record's place is its moment in microseconds since 1970, and
+// less than that of the record before where the clock did not rise between them. Used by one thread.
 class JournalPages {
   public:
     // The system's journal, or the journal files of a folder. Raises platform::Failure with what stands in
@@ -27,6 +30,7 @@ class JournalPages {
 
   private:
     JournalHandle journal_;
+    std::uint64_t lastPlace_ = UINT64_MAX;
 };
 
 // Another text whenever records may have come; costs no reading of them. Raises nothing.

@@ -15,6 +15,8 @@
 #include "host/eventViewer/eventWindow.h"
 #include "platform/machine/host.h"
 #include "server/clipboardEvent.h"
+#include "service/sources/journalChoice.h"
+#include "support/journalFolder.h"
 #include "support/temporaryHost.h"
 
 namespace {
@@ -150,6 +152,35 @@ TEST_F(EventViewer, AFilterLooksThroughTheWholeLogAndSaysWhenItCannot) {
     std::filesystem::remove(file);
     std::filesystem::create_directories(file);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !window->statusBar()->currentMessage().isEmpty(); }));
+}
+
+TEST_F(EventViewer, TurnsTheJournalOverWhereTheHostWatchesIt) {
+    if (!support::JournalFolder::isPossible())
+        GTEST_SKIP() << "systemd-journal-remote is not installed";
+    open();
+    EXPECT_EQ(find<QComboBox>("comboLog").count(), 3);
+    support::JournalFolder journal(host.root() / "journal");
+    std::vector<support::JournalEntry> entries;
+    for (std::uint64_t second = 1'700'000'000; second < 1'700'001'200; ++second)
+        entries.push_back(support::JournalFolder::message(second, second % 2 ? "sshd" : "cron", "Hello"));
+    journal.append("system", entries);
+    service::chooseJournal({true, journal.path()});
+    open();
+    auto& logs = find<QComboBox>("comboLog");
+    logs.setFocus();
+    QTest::keyClick(&logs, Qt::Key_End);
+    settle();
+    ASSERT_GE(table->model()->rowCount(), 500);
+    EXPECT_EQ(cell(0, 3) + cell(1, 3), "sshdcron");
+    // A copied record is one that the console takes over.
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, {},
+                      table->visualRect(table->model()->index(0, 3)).center());
+    QTest::mouseClick(&find<QPushButton>("cmdCopy"), Qt::LeftButton);
+    std::string source, id;
+    std::int16_t type = -1;
+    EXPECT_TRUE(mdlUtility::checkEventFromClipboardText(QApplication::clipboard()->text().toStdString(),
+                                                        source, id, type));
+    EXPECT_EQ(source + " " + id, "sshd 0");
 }
 
 }  // namespace

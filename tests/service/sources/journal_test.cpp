@@ -234,12 +234,16 @@ TEST_F(JournalSourceTest, IsTurnedOverPageByPageTheNewestFirst) {
     write("system", noon, {"1", "2", "3", "4", "5"});
     const std::string stamp = service::journalStamp(folder.path());
     service::JournalPages pages(folder.path());
+    std::uint64_t last = UINT64_MAX;
     const auto texts = [&](std::size_t most, bool hasEarlier) {
         Texts result;
         const service::JournalPage page = pages.earlier(most);
         EXPECT_EQ(page.hasEarlier, hasEarlier);
-        for (const auto& record : page.records)
+        for (const auto& [place, record] : page.records) {
+            EXPECT_LT(place, last);
+            last = place;
             result.push_back(record.description);
+        }
         return result;
     };
     EXPECT_EQ(texts(2, true), (Texts{"5", "4"}));
