@@ -124,9 +124,10 @@ void Main(platform::WindowStation& station) {
         frame.step([&] { mdlCorvaneDatabase::openCorvaneDB(gCorvaneDb); });
         frame.step([&] { gIgnoreEventKey = mdlDatabase::getIgnoreEventKey(); });
         frame.step([&] { gViewsSupported = mdlCorvaneDatabase::determineViewsSupport(gCorvaneDb); });
-        if (usable)
+        if (usable) {
             frame.step([] { mdlDatabase::rebuildAddressDetailsTable(); });
             frame.step([] { mdlDatabase::makeInitialDatabaseChanges(); });
+        }
         frame.step([&] { createMainWindow(); });
         frame.step([&] { gMainWindow->loadNavigationTree(); });
         frame.step([&] { gMainWindow->selectNode(gMainWindow->nodeAt(1)); });
