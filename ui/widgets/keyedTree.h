@@ -22,6 +22,9 @@ class KeyedTree : public QTreeWidget {
 
     // For a tree whose clicks lead elsewhere: keys only move the selection, Enter and the space bar choose.
     void chooseByEnterOnly() { enterOnly_ = true; }
+    bool isChosenByMoving() const { return !enterOnly_; }
+    // As a person's move to the selected node: a search has led there.
+    void chooseSelected();
 
     struct NewNode {
         std::string parent;  // key of the parent; empty for a root
