@@ -8,9 +8,11 @@
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 #include <QScreen>
 #include <QTableView>
+#include <QTableWidget>
 #include <QtTest/QTest>
 
 #include "database/exclusions.h"
@@ -94,9 +96,13 @@ void addByHand(const Play& play) {
 }
 
 // The viewer is a program of its own; here it runs in this one, so that both share a clipboard.
-void copyAnEvent() {
+void copyAnEvent(const Play& play) {
     viewer::EventWindow window(viewer::userLanguage());
     window.show();
+    const auto settle = [&window] {
+        waitFor([&window] { return window.isAtRest(); }, "the viewer does not come to rest");
+    };
+    settle();
     auto& table = control<QTableView>(window, "tableEvents");
     int row = 0;
     while (table.model()->index(row, 3).data().toString() != "MeridaneCorvane_Telephony" ||
@@ -105,8 +111,24 @@ void copyAnEvent() {
     QTest::mouseClick(table.viewport(), Qt::LeftButton, {},
                       table.visualRect(table.model()->index(row, 3)).center());
     press(window, "cmdCopy");
+    settle();
     walkByKeyboard(window);
     takePicture("event-viewer");
+    play.script.expect("daysDialog", [](QWidget& dialog) {
+        auto& events = control<QListWidget>(dialog, "listEvents");
+        waitFor([&events] { return events.count() > 0; }, "no monitored event can be counted");
+        press(dialog, "cmdCount");
+        auto& days = control<QTableWidget>(dialog, "tableDays");
+        waitFor([&days] { return days.rowCount() == 7; }, "the last days are not counted");
+        walkByKeyboard(dialog);
+        takePicture("last-days");
+        dialog.close();
+    });
+    press(window, "cmdLastDays");
+    QTest::keyClick(&control<QComboBox>(window, "comboLog"), Qt::Key_End);
+    settle();
+    walkByKeyboard(window);
+    takePicture("notifications");
 }
 
 void addFromClipboard(const Play& play) {
@@ -117,7 +139,7 @@ void addFromClipboard(const Play& play) {
         press(dialog, "cmdCancel");
     });
     press(play.window, "cmdCreateNewEvent");
-    copyAnEvent();
+    copyAnEvent(play);
     play.script.expect("dlgEvent", [](QWidget& dialog) {
         press(dialog, "cmdImportFromClipboard");
         insist(control<QComboBox>(dialog, "comboEventSource").currentText() == "MeridaneCorvane_Telephony" &&

@@ -112,6 +112,16 @@ void playRecipients(const Play& play) {
            "the list does not show both recipients");
     walkByKeyboard(play.window);
     takePicture("recipients");
+    ui::KeyedGrid& list = control<ui::KeyedGrid>(play.window, "vsflexgridAllRecipients");
+    list.setFocus();
+    QTest::keyClick(&list, Qt::Key_F, Qt::ControlModifier);
+    type(control<QLineEdit>(play.window, "txtFind"), "weekdays");
+    tick(play.window, "chkOnlyMatches");
+    insist(list.isRowHidden(0) != list.isRowHidden(1), "the filter does not leave one recipient");
+    walkByKeyboard(play.window);
+    takePicture("find-bar");
+    QTest::keyClick(&control<QLineEdit>(play.window, "txtFind"), Qt::Key_Escape);
+    insist(!list.isRowHidden(0) && !list.isRowHidden(1), "a closed filter hides a recipient");
 }
 
 void playAssignment(const Play& play) {

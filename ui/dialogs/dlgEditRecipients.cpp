@@ -11,6 +11,7 @@
 #include "ui/base/text.h"
 #include "ui/parts/mdlRecDevices.h"
 #include "ui/widgets/keyedTree.h"
+#include "ui/widgets/listFinder.h"
 
 namespace {
 
@@ -33,6 +34,7 @@ dlgEditRecipients::dlgEditRecipients(QWidget* parent) : QDialog(parent) {
     whole->addWidget(tvRecipients, 1);
     whole->addLayout(ui::buttonRow({}, {cmdOk, cmdCancel}));
     ui::setTabOrder({tvRecipients, cmdOk, cmdCancel});
+    ui::addFinder(*this);
     resize(480, 460);
 
     Form_Load();

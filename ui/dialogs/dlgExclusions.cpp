@@ -13,6 +13,7 @@
 #include "ui/base/formFonts.h"
 #include "ui/base/text.h"
 #include "ui/parts/eventSourceList.h"
+#include "ui/widgets/listFinder.h"
 #include "ui/widgets/textList.h"
 
 namespace {
@@ -46,6 +47,7 @@ dlgExclusions::dlgExclusions(QWidget* parent) : QDialog(parent) {
     cmdOk = ui::makeControl<QPushButton>(this, "cmdOk");
     cmdCancel = ui::makeControl<QPushButton>(this, "cmdCancel");
     buildLayout();
+    ui::addFinder(*this);
     Form_Load();
     connect(lstAvailableSources, &ui::TextList::rowDoubleClicked, this,
             &dlgExclusions::lstAvailableSources_DblClick);

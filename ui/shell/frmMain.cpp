@@ -5,6 +5,7 @@
 #include <QLayout>
 #include <QMenu>
 #include <QStatusBar>
+#include <QVBoxLayout>
 
 #include "core/classLog.h"
 #include "core/state.h"
@@ -23,6 +24,7 @@
 #include "ui/shell/commands.h"
 #include "ui/shell/menus.h"
 #include "ui/shell/splitter.h"
+#include "ui/widgets/listFinder.h"
 
 frmMain* gMainWindow = nullptr;
 
@@ -61,17 +63,28 @@ frmMain::~frmMain() {
 
 void frmMain::createControls() {
     setWindowIcon(QIcon(":/icons/console.svg"));
-    auto* client = ui::makeControl<QWidget>(this, "client");
-    setCentralWidget(client);
-    tvNavigation = ui::makeControl<ui::KeyedTree>(client, "tvNavigation");
+    auto* all = new QWidget(this);
+    auto* whole = new QVBoxLayout(all);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->setSpacing(0);
+    client_ = ui::makeControl<QWidget>(all, "client");
+    whole->addWidget(client_, 1);
+    setCentralWidget(all);
+    tvNavigation = ui::makeControl<ui::KeyedTree>(client_, "tvNavigation");
     navigation_ = new NavigationTree(*tvNavigation);
     navigation_->setParent(this);
-    splitter_ = new Splitter(*client);
+    splitter_ = new Splitter(*client_);
     connect(splitter_, &Splitter::moved, this, [this](int left) { SizeControls(left); });
     statusBar()->setObjectName("sbStatusBar");
     menus_ = std::make_unique<Menus>(*this);
     commands_ = new Commands(*this, *menus_);
-    panes_ = new DetailPanes(*client);
+    panes_ = new DetailPanes(*client_);
+    finder_ = new ui::ListFinder(*this, [whole](QWidget& bar) {
+        constexpr int margin = 6;
+        bar.setContentsMargins(margin, 0, margin, margin);
+        whole->addWidget(&bar);
+    });
+    connect(finder_, &ui::ListFinder::roomChanged, this, &frmMain::layOutAnew);
 }
 
 void frmMain::connectPanes() {
@@ -145,6 +158,7 @@ void frmMain::frmMain_ControlInit() {
         setWindowTitle(ui::text(1205));
         menus_->caption();
         tvNavigation->setAccessibleName(ui::text(1205));
+        finder_->relabel();
         panes_->controlInit();
         navigation_->relabel();
         hoveredText_.reset();
@@ -167,7 +181,7 @@ void frmMain::SizeControls(int& splitterX) {
         const int windowWidth = ui::twips(width());
         splitterX = std::max(std::min(splitterX, windowWidth - splitterMargin), splitterMargin);
         const int top = ui::pixels(treeTop);
-        const int treeHeight = centralWidget()->height() - ui::pixels(2 * treeTop);
+        const int treeHeight = client_->height() - ui::pixels(2 * treeTop);
         tvNavigation->setGeometry(0, top, ui::pixels(splitterX), treeHeight);
         panes_->place(QRect(ui::pixels(splitterX + paneGap), top,
                             ui::pixels(windowWidth - (splitterX + paneShortfall)), treeHeight));
@@ -177,12 +191,16 @@ void frmMain::SizeControls(int& splitterX) {
 
 void frmMain::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
-    if (isMinimized())
-        return;
+    if (!isMinimized())
+        layOutAnew();
+}
+
+void frmMain::layOutAnew() {
     core::procedure(module, "Form_Resize", [&](core::Frame&) {
         // The client area follows only after this event; it must be laid out before it is divided.
         if (layout())
             layout()->activate();
+        centralWidget()->layout()->activate();
         int splitter = splitter_->left();
         SizeControls(splitter);
     });

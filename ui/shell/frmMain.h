@@ -16,6 +16,10 @@ class Menus;
 class Splitter;
 class cTooltip;
 
+namespace ui {
+class ListFinder;
+}
+
 class frmMain : public QMainWindow {
     Q_OBJECT
 
@@ -66,6 +70,7 @@ class frmMain : public QMainWindow {
     void createControls();
     void connectTree();
     void connectPanes();
+    void layOutAnew();
     void Form_Load();
     void Form_Unload();
 
@@ -83,6 +88,8 @@ class frmMain : public QMainWindow {
     NavigationTree* navigation_;
     DetailPanes* panes_;
     Splitter* splitter_;
+    QWidget* client_;  // holds tree, splitter and panes
+    ui::ListFinder* finder_;
     Commands* commands_;
     std::unique_ptr<cTooltip> tooltip_;
     std::string previousNode_;                // the tree key of the node whose pane is shown

@@ -221,6 +221,11 @@ void KeyedTree::select(std::string_view key) {
     setCurrentItem(&get(key));
 }
 
+void KeyedTree::chooseSelected() {
+    if (const std::string key = selectedKey(); !key.empty())
+        emit nodeClicked(key);
+}
+
 void KeyedTree::mark(std::string_view key) {
     QTreeWidgetItem& item = get(key);
     const bool scrolls = hasAutoScroll();

@@ -24,6 +24,9 @@ class KeyedTree : public QTreeWidget {
 
     // For a tree whose clicks lead elsewhere: keys only move the selection, Enter and the space bar choose.
     void chooseByEnterOnly() { enterOnly_ = true; }
+    bool isChosenByMoving() const { return !enterOnly_; }
+    // As a person's move to the selected node: a search has led there.
+    void chooseSelected();
 
     // What a program for disabled people says of a node behind its text: the state that its sign and its
     // colour tell the eye. It is asked for when such a program wants it.
