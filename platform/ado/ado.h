@@ -126,7 +126,7 @@ class Recordset {
     // All of the following raise 3704 when closed.
     bool EOF_() const;
     bool BOF_() const;
-    // Does nothing on an empty recordset's first row but raise 3021.
+    // To the first row. Raises 3021 when there is none.
     void moveFirst();
     // Raises 3021 at the end.
     void moveNext();
@@ -172,7 +172,7 @@ class Recordset {
     std::unique_ptr<Impl> impl_;
 };
 
-// Runs one statement without rows (DELETE, as the source of a recordset open).
+// Runs one statement that gives no rows, such as DELETE. Raises as Recordset::open does.
 void execute(const Query& statement, Connection& connection);
 
 // Schema of an open connection: count, create, rename and drop tables.
