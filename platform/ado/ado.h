@@ -36,7 +36,6 @@ using Value = std::variant<Null, std::int64_t, double, std::string>;
 namespace ado {
 class OdbcServer;
 class RowSource;
-class StatementCache;
 }  // namespace ado
 
 // A statement, and the whole numbers that its "?" stand for, one for each in their order: with another count
@@ -84,17 +83,15 @@ class Connection {
     std::string damage() const;
 
     // For this layer: the engine's handle (raises 3709 when closed, 3251 on a server, which is only read),
-    // the server that a directory is on, the file's name for messages, whether failures are numbered as the
-    // directory provider does, and the statements that are kept for their next use.
+    // the server that a directory is on, the file's name for messages, and whether failures are numbered as
+    // the directory provider does.
     sqlite3* handle() const;
     const std::shared_ptr<ado::OdbcServer>& server() const noexcept { return server_; }
     const std::string& fileName() const noexcept { return fileName_; }
     bool isDirectory() const noexcept { return directory_; }
-    const std::shared_ptr<ado::StatementCache>& statements() const noexcept { return statements_; }
 
   private:
     sqlite3* handle_ = nullptr;
-    std::shared_ptr<ado::StatementCache> statements_;
     std::shared_ptr<ado::OdbcServer> server_;
     std::string fileName_;
     bool directory_ = false;
@@ -129,7 +126,7 @@ class Recordset {
     // All of the following raise 3704 when closed.
     bool EOF_() const;
     bool BOF_() const;
-    // Does nothing on an empty recordset's first row but raise 3021.
+    // To the first row. Raises 3021 when there is none.
     void moveFirst();
     // Raises 3021 at the end.
     void moveNext();
@@ -175,7 +172,7 @@ class Recordset {
     std::unique_ptr<Impl> impl_;
 };
 
-// Runs one statement without rows (DELETE, as the source of a recordset open).
+// Runs one statement that gives no rows, such as DELETE. Raises as Recordset::open does.
 void execute(const Query& statement, Connection& connection);
 
 // Schema of an open connection: count, create, rename and drop tables.

@@ -16,7 +16,7 @@ namespace platform::ado {
 
 enum class CellKind : std::uint8_t { null, integer, real, text };
 
-// Has no value until one is set, so that blocks of cells are not filled twice.
+// Not initialised, because a block of cells is filled with values at once.
 struct Cell {
     union {
         std::int64_t integer;
@@ -82,7 +82,7 @@ std::string convertedText(const Cell& cell);
 long convertedLong(const Cell& cell);
 bool convertedBoolean(const Cell& cell);
 
-// The same, without a way round for a cell that is what is asked for.
+// The same. A cell that holds what is asked for needs no conversion.
 inline std::string textOf(const Cell& cell) {
     return cell.kind == CellKind::text ? std::string(cell.view()) : convertedText(cell);
 }

@@ -260,7 +260,6 @@ void Connection::open(const std::string& connectionString) {
         } else if (sqlite3_db_readonly(engine.get(), "main") == 0) {
             runUnlessLocked(engine.get(), "PRAGMA journal_mode = DELETE", fileName_);
         }
-        statements_ = std::make_shared<ado::StatementCache>();
         handle_ = engine.release();
     } catch (const Failure& failure) {
         errors_.push_back(failure);
@@ -269,9 +268,6 @@ void Connection::open(const std::string& connectionString) {
 }
 
 void Connection::close() noexcept {
-    if (statements_)
-        statements_->close();
-    statements_.reset();
     ado::EngineClose()(std::exchange(handle_, nullptr));
     server_.reset();
 }

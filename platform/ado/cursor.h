@@ -30,7 +30,7 @@ class Cursor {
     // Moves to the first row from `start` plus `skip` on for which the criterion holds, or to the end: what
     // ado.h says of Recordset::find.
     void find(std::string_view criterion, long skip, std::size_t start);
-    // To be told of each change of the rows.
+    // To be called after each change of the rows, which searches then look at anew.
     void forgetSearches();
 
   private:

@@ -21,8 +21,7 @@ class Edits {
     // The rows, the cursor and the connection must outlive it.
     Edits(Connection& connection, ResultRows& rows, Cursor& cursor, bool batch);
 
-    // Each of these but drop and isAdding raises 3251 on rows that are only read, and what ado.h says of the
-    // procedure of Recordset that it does.
+    // As ado.h says of the procedures of Recordset. All but drop raise 3251 when the rows are only read.
     void addNew();
     void set(std::string_view field, Value value);
     void update();
@@ -55,7 +54,7 @@ class Edits {
     ResultRows& rows_;
     Cursor& cursor_;
     bool batch_;
-    sqlite3* engine_ = nullptr;  // the handle at open: opened anew, it is another one
+    sqlite3* engine_ = nullptr;  // the handle at open; a connection that was opened again has another
 
     bool adding_ = false;
     Values values_;

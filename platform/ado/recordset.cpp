@@ -71,11 +71,9 @@ std::unique_ptr<Recordset::Impl> Recordset::Impl::open(const Query& source, Conn
             impl->read(reading);
             return impl;
         } catch (const Failure&) {
+            // What was prepared for another schema is of no use any more.
             if (again || !impl->rows.columnsChanged())
                 throw;
-            // What was prepared for another schema is of no use any more.
-            impl.reset();
-            connection.statements()->clear();
         }
     }
 }

@@ -10,112 +10,25 @@
 
 namespace platform::ado {
 
-namespace {
-
-constexpr std::size_t keptStatements = 64;
-
-// Of these only the schema that they were prepared for can change what they do, and the engine looks at that.
-bool worthKeeping(std::string_view text) {
-    const std::string_view word = trimmed(text).substr(0, 6);
-    for (const std::string_view kind : {"SELECT", "INSERT", "UPDATE", "DELETE", "COMMIT"}) {
-        if (equalsIgnoringAsciiCase(word, kind))
-            return true;
-    }
-    return false;
-}
-
-}  // namespace
-
 void Finalize::operator()(sqlite3_stmt* statement) const noexcept {
     sqlite3_finalize(statement);
 }
 
-Handle StatementCache::take(const std::string& text) {
-    const auto found = statements_.find(text);
-    if (found == statements_.end() || !found->second)
-        return nullptr;
-    sqlite3_stmt_status(found->second.get(), SQLITE_STMTSTATUS_REPREPARE, 1);
-    return std::move(found->second);
-}
-
-void StatementCache::giveBack(const std::string& text, Handle statement) {
-    sqlite3_reset(statement.get());
-    sqlite3_clear_bindings(statement.get());
-    if (closed_)
-        return;
-    if (const auto known = statements_.find(text); known != statements_.end()) {
-        known->second = std::move(statement);
-        return;
-    }
-    // Those that are asked for again are soon back.
-    if (statements_.size() == keptStatements)
-        statements_.clear();
-    statements_.emplace(text, std::move(statement));
-}
-
-void StatementCache::clear() noexcept {
-    statements_.clear();
-}
-
-void StatementCache::close() noexcept {
-    closed_ = true;
-    clear();
-}
-
 Statement::Statement(const Connection& connection, std::string_view text, Query source)
     : connection_(&connection), source_(std::move(source)) {
-    connection.handle();
+    sqlite3* const engine = connection.handle();
     if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
         throw engineFailure(connection, SQLITE_TOOBIG, {});
-    if (worthKeeping(text)) {
-        text_ = text;
-        cache_ = connection.statements();
-        if (const auto cache = cache_.lock())
-            statement_ = cache->take(text_);
-        if (!statement_)
-            prepare(text_);
-    } else {
-        prepare(text);
-    }
-}
-
-Statement::~Statement() {
-    giveBack();
-}
-
-Statement& Statement::operator=(Statement&& other) noexcept {
-    if (this != &other) {
-        giveBack();
-        connection_ = other.connection_;
-        source_ = std::move(other.source_);
-        text_ = std::move(other.text_);
-        statement_ = std::move(other.statement_);
-        cache_ = std::move(other.cache_);
-    }
-    return *this;
-}
-
-void Statement::prepare(std::string_view text) {
     sqlite3_stmt* prepared = nullptr;
     const char* tail = nullptr;
-    const unsigned flags = text_.empty() ? 0 : SQLITE_PREPARE_PERSISTENT;
-    const int code = sqlite3_prepare_v3(connection_->handle(), text.data(), static_cast<int>(text.size()),
-                                        flags, &prepared, &tail);
+    const int code =
+        sqlite3_prepare_v3(engine, text.data(), static_cast<int>(text.size()), 0, &prepared, &tail);
     statement_.reset(prepared);
     check(code);
     if (!prepared)
-        throw Failure(statementFailed, "no statement [" + spelledOut(source_) + "]", "SQLite");
+        throw Failure(statementFailed, "no statement [" + spelledOut(source_) + "]");
     if (!nothingToRun(text.substr(static_cast<std::size_t>(tail - text.data()))))
-        throw Failure(statementFailed, "more than one statement [" + spelledOut(source_) + "]", "SQLite");
-}
-
-void Statement::giveBack() noexcept {
-    if (!statement_)
-        return;
-    const auto cache = cache_.lock();
-    if (cache && !text_.empty())
-        cache->giveBack(text_, std::move(statement_));
-    statement_.reset();
+        throw Failure(statementFailed, "more than one statement [" + spelledOut(source_) + "]");
 }
 
 bool Statement::preparedAnew() const noexcept {

@@ -6,7 +6,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "platform/ado/rows.h"
@@ -36,32 +35,12 @@ struct Finalize {
 };
 using Handle = std::unique_ptr<sqlite3_stmt, Finalize>;
 
-// Statements of one connection that nobody runs at the moment, by their text: most are asked for again, with
-// other numbers, and preparing one costs more than running it.
-class StatementCache {
-  public:
-    // Nothing when there is none of that text.
-    Handle take(const std::string& text);
-    // After the connection's end the statement just goes; with enough kept, the others go.
-    void giveBack(const std::string& text, Handle statement);
-    void clear() noexcept;
-    void close() noexcept;
-
-  private:
-    std::unordered_map<std::string, Handle> statements_;  // nothing where somebody runs it
-    bool closed_ = false;
-};
-
-// A statement prepared on an open connection, or taken from its cache. `text` is what the engine runs,
-// `source` what failures name.
+// A statement prepared on an open connection: `text` is what the engine runs, `source` what failures name.
 class Statement : public RowSource {
   public:
     Statement() = default;
     // Raises -2147217900 when `text` holds no statement or more than one, and what the engine says.
     Statement(const Connection& connection, std::string_view text, Query source);
-    ~Statement() override;
-    Statement(Statement&&) noexcept = default;
-    Statement& operator=(Statement&& other) noexcept;
 
     explicit operator bool() const noexcept { return statement_ != nullptr; }
     sqlite3_stmt* get() const noexcept { return statement_.get(); }
@@ -78,19 +57,14 @@ class Statement : public RowSource {
     bool preparedAnew() const noexcept override;
 
   private:
-    void prepare(std::string_view text);
-    void giveBack() noexcept;
     void check(int code) const;
 
     const Connection* connection_ = nullptr;
     Query source_{""};
-    std::string text_;  // empty for one that is not kept
     Handle statement_;
-    std::weak_ptr<StatementCache> cache_;
 };
 
-// Prepares a caller's statement, translated, with its numbers. A SELECT that names its columns is kept
-// prepared when its owner is done with it.
+// Prepares a caller's statement, translated, with its numbers.
 Statement prepareSource(const Connection& connection, const Query& source);
 
 // Runs a statement of this layer's own to its end.

@@ -1,5 +1,5 @@
-// Text without regard to case: of every script, or of the letters A to Z alone, as names are compared that
-// the system gives itself.
+// Text without regard to case: of every script, or of the letters A to Z alone, as the
+// registry, services and databases compare names.
 #pragma once
 
 #include <string>

@@ -23,8 +23,8 @@ class EventLogPages {
 
     // True while there are earlier records.
     bool hasEarlier() const noexcept { return begin_ > 0; }
-    // The whole records of the page before, the newest first; lines that are none are left out. Raises the
-    // file's failure number.
+    // The whole records of the page before, the newest first; lines that are no record are left out. Raises
+    // the file's failure number.
     std::vector<PlacedEvent> earlier();
 
   private:

@@ -8,7 +8,7 @@
 
 namespace platform {
 
-// Key names differ by more than case.
+// The form of a key name by which services are told apart: names that differ in case alone are one service's.
 std::string foldedServiceName(std::string_view keyName);
 // Makes the host's folder of service states where it is missing.
 void ensureServicesFolder();

@@ -109,7 +109,7 @@ TEST_F(RecordsetTest, FindsRowsFirstBySearchThenByIndex) {
     EXPECT_EQ(failureOf([&] { rows.find("DeviceKey = 1", -9, 3); }), invalidProcedureCall);
 }
 
-TEST_F(RecordsetTest, KeepsAStatementForTheNextNumberAndNothingElseOfIt) {
+TEST_F(RecordsetTest, AStatementRunsWithEachNumberOnTheTableOfToday) {
     fillDevices(300);
     const auto open = [&](Recordset& rows, int key) {
         rows.open({"SELECT Address, DeviceKey FROM Device WHERE DeviceKey = ?", {key}}, connection);
@@ -134,12 +134,7 @@ TEST_F(RecordsetTest, KeepsAStatementForTheNextNumberAndNothingElseOfIt) {
     first.close();
     other.run("ALTER TABLE Device DROP COLUMN Address");
     EXPECT_EQ(failureOf([&] { open(first, 7); }), columnMissing);
-    // More texts than are kept, and a recordset that outlives its connection.
-    for (int i = 0; i < 100; ++i) {
-        Recordset rows;
-        rows.open("SELECT " + std::to_string(i) + " AS N FROM Device WHERE DeviceKey = 1", connection);
-        EXPECT_EQ(rows.number("N"), i);
-    }
+    // One recordset will outlive its connection.
     second.open("SELECT DeviceKey FROM Device WHERE DeviceKey = 5", connection);
     // Two of one text at once.
     Recordset third;
