@@ -63,6 +63,9 @@ void checkEnvironment() {
 
 // False when the database cannot be used. An empty tree alone would look as if there were nothing yet.
 bool tellOfDatabaseTrouble() {
+    const std::string notice = mdlDatabase::newDatabaseNotice();
+    if (!notice.empty())
+        platform::prompts().messageBox({notice, mdlVerInfo::productName(), BoxIcon::exclamation});
     const std::string trouble = mdlDatabase::databaseTrouble();
     if (!trouble.empty())
         platform::prompts().messageBox({trouble, mdlVerInfo::productName(), BoxIcon::critical});

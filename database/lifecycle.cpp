@@ -97,6 +97,24 @@ std::string connectionString(const std::string& path) {
     return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path + databaseName;
 }
 
+// What newDatabaseNotice says, and whether the backup must stay: it may be all that is left of a database
+// that was moved away or deleted.
+std::string notice;
+bool backupStays = false;
+
+// Keeps what the end of this run replaces, under a name that nothing has yet.
+void keepBackup(Frame& frame, const std::string& path) {
+    std::string kept;
+    for (int number = 1; kept.empty() || files::fileExists(path + kept); ++number)
+        kept = "/QLNDB_BKP_" + std::to_string(number) + ".MDB";
+    backupStays = !frame.step([&] { files::copyFile(path + backupName, path + kept); });
+    const std::string folder = absolute(path);
+    notice = "There was no database:\n" + folder + databaseName +
+             "\n\nA new one was made. The last backup of the one before is\n" + folder +
+             (backupStays ? std::string(backupName) : kept);
+    gLog().log(notice, core::logError, frame.tag());
+}
+
 // What databaseTrouble found last.
 bool troubled = false;
 
@@ -132,13 +150,16 @@ std::string getDatabasePath() {
 
 void openDatabase() {
     core::procedure(module, "openDatabase", [&](Frame& frame) {
-        troubled = false;
+        troubled = backupStays = false;
+        notice.clear();
         const std::string path = getDatabasePath();
         if (!files::fileExists(path + databaseName)) {
             const std::string folder = absolute(path);
             gLog().log("Copying " + folder + templateName + " to " + folder + databaseName, core::logInfo,
                        frame.tag());
-            frame.step([&] { files::copyFile(path + templateName, path + databaseName); });
+            if (frame.step([&] { files::copyFile(path + templateName, path + databaseName); }) &&
+                files::fileExists(path + backupName))
+                keepBackup(frame, path);
         }
         // Required: the read-only test looks at the folder's path without the file's name, so it normally
         // finds nothing and a read-only database keeps its attribute.
@@ -152,6 +173,10 @@ void openDatabase() {
         frame.step([&] { core::gDatabase.close(); });
         frame.step([&] { core::gDatabase.open(connectionString(path)); });
     });
+}
+
+std::string newDatabaseNotice() {
+    return notice;
 }
 
 std::string databaseTrouble() {
@@ -183,9 +208,10 @@ bool copyDatabase(const std::string& fileName) {
                        core::logError, frame.tag());
             copied = false;
         });
-        if (troubled) {
-            gLog().log("The database cannot be used, so the backup stays as it is", core::logError,
-                       frame.tag());
+        if (troubled || (backupStays && fileName == backupName + 1)) {
+            gLog().log(troubled ? "The database cannot be used, so the backup stays as it is"
+                                : "The backup is of the database before, so it stays as it is",
+                       core::logError, frame.tag());
             copied = false;
             return;
         }

@@ -9,12 +9,16 @@ namespace mdlDatabase {
 std::string getDatabasePath();
 // Opens gDatabase, after copying the template when there is no database yet.
 void openDatabase();
+// That openDatabase made a new database although there is a backup of one before, in words for the
+// administrator, and where that backup lies: copied to a name of its own, because the end of each run
+// replaces the backup. Empty when it did not.
+std::string newDatabaseNotice();
 // What keeps the database from being used, in words for the administrator: what is wrong with which file,
 // that it was left as it is, and where the backup lies. Empty when nothing does. Otherwise the connection can
 // only read from then on, until openDatabase.
 std::string databaseTrouble();
 // Copies the database to `fileName` in its folder; false when the target is read-only, or when the database
-// cannot be used: a backup that can be is worth more.
+// cannot be used, or the backup of the one before could not be kept: a backup that can be used is worth more.
 bool copyDatabase(const std::string& fileName = "QLNDB_BKP.MDB");
 // Gives Exclusions its key column. Required: the result is always false and means nothing.
 bool upgradeDatabase();

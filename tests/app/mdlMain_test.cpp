@@ -212,6 +212,23 @@ TEST_F(Start, LeavesADamagedDatabaseAsItIs) {
     EXPECT_FALSE(backupExists());
 }
 
+TEST_F(Start, TellsThatItBeginsAnewBesideABackup) {
+    makeReady();
+    const fs::path backup = host.databaseFolder() / "QLNDB_BKP.MDB";
+    platform::files::writeFile(backup, "of better days");
+    const fs::path kept = host.databaseFolder() / "QLNDB_BKP_1.MDB";
+    prompts.expect({"There was no database:\n" + host.databaseFile().string() +
+                        "\n\nA new one was made. The last backup of the one before is\n" + kept.string(),
+                    "QLNAdmin", BoxIcon::exclamation},
+                   BoxAnswer::ok);
+    expectServiceWarning();
+    ASSERT_EQ(runMain(), -1);
+    support::ManualClock clock;
+    EXPECT_THROW(mdlMain::myFinalExit(), support::ProcessEnded);
+    EXPECT_NE(platform::files::readFile(backup), "of better days");
+    EXPECT_EQ(platform::files::readFile(kept), "of better days");
+}
+
 TEST_F(Start, ComesUpInItsOrderAndEndsWithABackup) {
     makeReady();
     expectServiceWarning();

@@ -197,6 +197,35 @@ TEST_F(Lifecycle, BackupReplacesTheLastOneUnlessItIsReadOnly) {
               Lines{"77"});
 }
 
+// The end of the run replaces the backup, which may be all that is left of a database that somebody deleted.
+TEST_F(Lifecycle, ABackupOutlivesTheDatabaseThatItIsOf) {
+    const auto kept = [&](int number) { return folder / ("QLNDB_BKP_" + std::to_string(number) + ".MDB"); };
+    for (const int number : {1, 2}) {
+        files::writeFile(backupFile, "backup " + std::to_string(number));
+        openDatabase();
+        EXPECT_EQ(newDatabaseNotice(), "There was no database:\n" + host.databaseFile().string() +
+                                           "\n\nA new one was made. The last backup of the one before is\n" +
+                                           kept(number).string());
+        EXPECT_EQ(logged("ERROR", "   There was no database:"), number);
+        EXPECT_TRUE(copyDatabase());
+        EXPECT_EQ(support::query(backupFile, "SELECT count(*) FROM Events"), Lines{"2"});
+        for (int each = 1; each <= number; ++each)
+            EXPECT_EQ(files::readFile(kept(each)), "backup " + std::to_string(each));
+        core::gDatabase.close();
+        fs::remove(host.databaseFile());
+    }
+    // One that cannot be kept apart stays what it is.
+    fs::create_directory(kept(3));
+    files::writeFile(backupFile, "backup");
+    openDatabase();
+    EXPECT_TRUE(newDatabaseNotice().ends_with("\n" + backupFile.string()));
+    EXPECT_FALSE(copyDatabase());
+    EXPECT_EQ(files::readFile(backupFile), "backup");
+    openDatabase();
+    EXPECT_EQ(newDatabaseNotice(), "") << "there is one now";
+    EXPECT_TRUE(copyDatabase());
+}
+
 TEST_F(Lifecycle, UpgradeKeepsRowsInOrderAndTheOldShapeInACopy) {
     useOldExclusions("('zeta', 5), ('Alpha', -1), ('zeta', 5), ('mid''s', NULL)");
     const Lines before = rows("SELECT * FROM Exclusions");
