@@ -193,10 +193,15 @@ mdlDatabase::RecipientRecord paneRecipientDetails::shownRecipient() const {
 void paneRecipientDetails::save() {
     if (!shownKey_)
         return;
-    mdlDatabase::modifyRecipient(*shownKey_, shownRecipient());
+    const long key = *shownKey_;
+    mdlDatabase::modifyRecipient(key, shownRecipient());
     mdlDatabase::rebuildAddressDetailsTable();
     recipientChanged_ = false;
     cmdRecipientApply->setEnabled(false);
+    // One that somebody else deleted, which the log tells, is not shown any longer.
+    const Recordset row = mdlDatabase::getRecipient(key);
+    if (row.state() == platform::ObjectState::open && row.EOF_())
+        blank();
 }
 
 void paneRecipientDetails::cmdRecipientApply_Click() {
