@@ -376,12 +376,13 @@ void paneRecipientDetails::refillNames() {
         if (!frame.step([&] { rows = mdlDatabase::openRecipientWithDevices(*shownKey_); }))
             return;
         // An entry that was chosen and not saved yet is none of these, and keeps its name.
-        for (ui::DirectoryEntry* entry : {sstabRecipientDevices->voiceMail, sstabRecipientDevices->email})
-            frame.step([&] {
-                for (rows.moveFirst(); !rows.EOF_(); rows.moveNext())
-                    if (textOrEmpty(rows, "DeviceAddress") == entry->directoryId())
-                        entry->txtName->setText(ui::fromUtf8(textOrEmpty(rows, "DisplayName")));
-            });
+        const auto refill = [&](DeviceType type, ui::DirectoryEntry& entry) {
+            for (bool found = findFirst(rows, type); found; found = findNext(rows, type))
+                if (textOrEmpty(rows, "DeviceAddress") == entry.directoryId())
+                    entry.txtName->setText(ui::fromUtf8(textOrEmpty(rows, "DisplayName")));
+        };
+        frame.step([&] { refill(mdlDatabase::voiceMail, *sstabRecipientDevices->voiceMail); });
+        frame.step([&] { refill(mdlDatabase::email, *sstabRecipientDevices->email); });
         frame.step([&] { rows.close(); });
     });
 }
