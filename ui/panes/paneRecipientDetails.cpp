@@ -194,6 +194,7 @@ void paneRecipientDetails::save() {
     if (!shownKey_)
         return;
     const long key = *shownKey_;
+    sstabRecipientDevices->addTyped();
     mdlDatabase::modifyRecipient(key, shownRecipient());
     mdlDatabase::rebuildAddressDetailsTable();
     recipientChanged_ = false;
