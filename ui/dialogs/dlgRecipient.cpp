@@ -113,6 +113,7 @@ void dlgRecipient::updateOkButton() {
 
 void dlgRecipient::cmdOk_Click() {
     core::procedure(module, "cmdOk_Click", [&](core::Frame&) {
+        sstabDevices->addTyped();
         cancelled = false;
         accept();
     });

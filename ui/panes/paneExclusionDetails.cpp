@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "core/classLog.h"
 #include "core/procedure.h"
 #include "core/state.h"
 #include "database/exclusions.h"
@@ -154,7 +155,15 @@ void paneExclusionDetails::cmdExclusionApply_Click() {
             return;
         const long key = *shownKey_;
         exclusionChanged_ = false;
-        frame.step([&] { mdlDatabase::modifyExclusion(key, eventId); });
+        const platform::Recordset row = mdlDatabase::getExclusion(key);
+        if (row.state() == platform::ObjectState::open && row.EOF_()) {
+            core::gLog().log("Not saved, because it is not in the database any more: " +
+                                 ui::toUtf8(txtExclusionSource->text()) + " Key: " + std::to_string(key),
+                             core::logWarning, frame.tag());
+            blank();
+        } else {
+            frame.step([&] { mdlDatabase::modifyExclusion(key, eventId); });
+        }
         frame.step([&] { emit exclusionSaved(key); });
     });
 }

@@ -193,10 +193,16 @@ mdlDatabase::RecipientRecord paneRecipientDetails::shownRecipient() const {
 void paneRecipientDetails::save() {
     if (!shownKey_)
         return;
-    mdlDatabase::modifyRecipient(*shownKey_, shownRecipient());
+    const long key = *shownKey_;
+    sstabRecipientDevices->addTyped();
+    mdlDatabase::modifyRecipient(key, shownRecipient());
     mdlDatabase::rebuildAddressDetailsTable();
     recipientChanged_ = false;
     cmdRecipientApply->setEnabled(false);
+    // One that somebody else deleted, which the log tells, is not shown any longer.
+    const Recordset row = mdlDatabase::getRecipient(key);
+    if (row.state() == platform::ObjectState::open && row.EOF_())
+        blank();
 }
 
 void paneRecipientDetails::cmdRecipientApply_Click() {
@@ -371,12 +377,13 @@ void paneRecipientDetails::refillNames() {
         if (!frame.step([&] { rows = mdlDatabase::openRecipientWithDevices(*shownKey_); }))
             return;
         // An entry that was chosen and not saved yet is none of these, and keeps its name.
-        for (ui::DirectoryEntry* entry : {sstabRecipientDevices->voiceMail, sstabRecipientDevices->email})
-            frame.step([&] {
-                for (rows.moveFirst(); !rows.EOF_(); rows.moveNext())
-                    if (textOrEmpty(rows, "DeviceAddress") == entry->directoryId())
-                        entry->txtName->setText(ui::fromUtf8(textOrEmpty(rows, "DisplayName")));
-            });
+        const auto refill = [&](DeviceType type, ui::DirectoryEntry& entry) {
+            for (bool found = findFirst(rows, type); found; found = findNext(rows, type))
+                if (textOrEmpty(rows, "DeviceAddress") == entry.directoryId())
+                    entry.txtName->setText(ui::fromUtf8(textOrEmpty(rows, "DisplayName")));
+        };
+        frame.step([&] { refill(mdlDatabase::voiceMail, *sstabRecipientDevices->voiceMail); });
+        frame.step([&] { refill(mdlDatabase::email, *sstabRecipientDevices->email); });
         frame.step([&] { rows.close(); });
     });
 }

@@ -31,6 +31,7 @@ AddressList::AddressList(Names names, QWidget* parent) : QWidget(parent), names_
     }
     buildLayout();
     txtNew->installEventFilter(this);
+    connect(txtNew, &QLineEdit::textEdited, this, [this] { typed_ = true; });
     connect(txtNew, &QLineEdit::textChanged, this, &AddressList::txtNew_Change);
     connect(cmdAdd, &QPushButton::clicked, this, &AddressList::cmdAdd_Click);
     connect(list, &EntryList::entryClicked, this, &AddressList::list_Click);
@@ -75,6 +76,12 @@ void AddressList::controlInit(const Texts& texts) {
 void AddressList::clear() {
     list->clear();
     selectedIndex_ = -1;
+    typed_ = false;
+}
+
+void AddressList::addTyped() {
+    if (typed_ && cmdAdd->isEnabled())
+        cmdAdd_Click();
 }
 
 void AddressList::add(const mdlDatabase::AddressEntry& entry) {
@@ -107,6 +114,7 @@ void AddressList::cmdAdd_Click() {
         });
         txtNew->clear();
         selectedIndex_ = -1;
+        typed_ = false;
         emit changed();
     });
 }
@@ -115,6 +123,7 @@ void AddressList::list_Click(int index) {
     core::procedure(names_.module, names_.listClick, [&](core::Frame& frame) {
         frame.step([&] { txtNew->setText(fromUtf8(list->entryText(index))); });
         selectedIndex_ = index;
+        typed_ = false;
         cmdDelete->setEnabled(true);
         emit picked();
     });
@@ -124,6 +133,7 @@ void AddressList::cmdDelete_Click() {
     core::procedure(names_.module, names_.remove + "_Click", [&](core::Frame& frame) {
         frame.step([&] { list->removeEntry(list->chosenEntry()); });
         selectedIndex_ = -1;
+        typed_ = false;
         cmdDelete->setEnabled(false);
         emit changed();
     });

@@ -39,6 +39,9 @@ class AddressList : public QWidget {
     void clear();
     // An entry with its node key; one without a key is new.
     void add(const mdlDatabase::AddressEntry& entry);
+    // Puts an address that was typed and not added into the list, as its button does. A person who applies
+    // what he typed means it.
+    void addTyped();
     // In the order of the list.
     std::vector<mdlDatabase::AddressEntry> entries() const;
 
@@ -67,6 +70,7 @@ class AddressList : public QWidget {
 
     Names names_;
     int selectedIndex_ = -1;  // the entry being edited
+    bool typed_ = false;      // what stands in the box; not left there by a choice or a deletion
 };
 
 // What may be added: anything but nothing for a pager; for SMTP a text whose first "@" is neither its first

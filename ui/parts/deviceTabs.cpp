@@ -160,6 +160,11 @@ QWidget* DeviceTabs::placeBehind(QWidget* before) {
     return before;
 }
 
+void DeviceTabs::addTyped() {
+    for (AddressList* addresses : {pagers, smtp})
+        addresses->addTyped();
+}
+
 void DeviceTabs::collect(mdlDatabase::RecipientRecord& record) const {
     record.voiceMailDirectoryId = voiceMail->directoryId();
     record.emailDirectoryId = email->directoryId();

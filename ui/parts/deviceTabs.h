@@ -26,6 +26,8 @@ class DeviceTabs : public TabRows {
     void hideUnsupportedKinds();
     // Puts tabs and controls behind a control in the order of the Tab key and returns the last of them.
     QWidget* placeBehind(QWidget* before);
+    // Adds the addresses that were typed and not added.
+    void addTyped();
     // Puts the devices into a record, whose name and state stay.
     void collect(mdlDatabase::RecipientRecord& record) const;
 

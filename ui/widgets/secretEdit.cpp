@@ -2,9 +2,12 @@
 
 #include <string.h>
 
+#include <QApplication>
 #include <QSignalBlocker>
 #include <QValidator>
 #include <array>
+
+#include "ui/base/text.h"
 
 namespace ui {
 
@@ -50,13 +53,17 @@ void appendUtf8(platform::Secret& text, char32_t character) {
 
 }  // namespace
 
-// A text that brings the stand-in's own character cannot be told from the stand-ins, so it is not taken.
+// A text that brings the stand-in's own character cannot be told from the stand-ins, so it is not taken. Nor
+// is one of several lines, or one that does not fit: a part of it would be another password.
 class SecretEdit::OwnStandInsOnly : public QValidator {
   public:
     explicit OwnStandInsOnly(SecretEdit& box) : QValidator(&box), box_(box) {}
 
     State validate(QString& shown, int&) const override {
-        return shown.count(standIn) <= box_.count() ? Acceptable : Invalid;
+        return shown.count(standIn) <= box_.count() - box_.selected_ && shown.size() <= longestPassword &&
+                       onOneLine(shown) == shown
+                   ? Acceptable
+                   : Invalid;
     }
 
   private:
@@ -66,8 +73,9 @@ class SecretEdit::OwnStandInsOnly : public QValidator {
 SecretEdit::SecretEdit(QWidget* parent) : QLineEdit(parent) {
     setEchoMode(QLineEdit::Password);
     setValidator(new OwnStandInsOnly(*this));
-    setMaxLength(longestPassword);
     setDragEnabled(false);
+    connect(this, &QLineEdit::selectionChanged, this, [this] { selected_ = selectionLength(); });
+    connect(this, &QLineEdit::inputRejected, this, [] { QApplication::beep(); });
     connect(this, &QLineEdit::textChanged, this, [this] { absorb(); });
 }
 
@@ -102,6 +110,7 @@ void SecretEdit::absorb() {
 
 void SecretEdit::showStandIns(qsizetype count, int cursor) {
     const QSignalBlocker ownChange(this);
+    selected_ = 0;
     setText(QString(count, standIn));
     setCursorPosition(cursor);
 }

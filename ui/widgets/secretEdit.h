@@ -25,6 +25,7 @@ class SecretEdit : public QLineEdit {
     void absorb();
     void showStandIns(qsizetype count, int cursor);
 
+    qsizetype selected_ = 0;  // length of the selection before what is being typed takes its place
     platform::Secret units_;  // UTF-16, one unit per stand-in
 };
 

@@ -161,6 +161,18 @@ TEST_F(About, NamesOfDevicesFollowTheLanguageInThePanesThatShowThem) {
     ASSERT_EQ(tree->nodeText("DeviceKey:11"), "a@b" + modLocalize::myLoadResString(1197));
     inAbout([&](QWidget& about) { choose(about, "Deutsch (Deutschland)"); });
     EXPECT_EQ(tree->nodeText("DeviceKey:11"), "a@b" + modLocalize::myLoadResString(1197));
+
+    // A syslog host may be empty, as an entry that nobody chose is; it is no entry's name for that.
+    support::run(host.databaseFile(),
+                 "INSERT INTO Device VALUES(12, 6, '', -1); INSERT INTO DeviceRecipient VALUES(12, 1);");
+    mdlDatabase::rebuildAddressDetailsTable();
+    window.loadNavigationTree({}, 1);
+    auto* devices =
+        window.findChild<QWidget*>("vsviewportDetails_3")->findChild<ui::KeyedTree*>("tvRecipientDevices");
+    ASSERT_TRUE(devices->contains("DeviceKey:12"));
+    inAbout([&](QWidget& about) { choose(about, "French (France)"); });
+    for (const char* box : {"txtVoiceMail", "txtEmail"})
+        EXPECT_EQ(window.findChild<QLineEdit*>(box)->text(), "") << box;
 }
 
 TEST_F(About, ChangesEveryLoadedWindowAtOnceTwiceInARow) {

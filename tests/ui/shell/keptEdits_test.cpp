@@ -13,6 +13,7 @@
 #include <tuple>
 
 #include "support/mainWindowFixture.h"
+#include "support/person.h"
 #include "ui/widgets/eventIdBox.h"
 #include "ui/widgets/limitsSign.h"
 
@@ -165,6 +166,28 @@ TEST_F(KeptEdits, ARowThatSomebodyElseDeletedLeavesABlankPane) {
     clickNode(eventNode(first));
     EXPECT_EQ(find<QLineEdit>("txtEventTitle")->text(), "first");
     EXPECT_TRUE(find<QLineEdit>("txtEventTitle")->isEnabled());
+}
+
+TEST_F(KeptEdits, WhatSomebodyElseDeletedIsNotShownAfterApply) {
+    open();
+    clickNode(recipientNode(second));
+    person::type(*find<QLineEdit>("txtRecipientName"), "Bo");
+    run("DELETE FROM Recipients WHERE RecipientKey = " + std::to_string(second));
+    press("cmdRecipientApply");
+    clickNode("ExclusionKey-" + std::to_string(second));
+    for (auto* option : find<QWidget>("vsviewportDetails_7")->findChildren<QRadioButton*>("optionEventId_0"))
+        person::click(*option);
+    run("DELETE FROM Exclusions WHERE ExclusionKey = " + std::to_string(second));
+    press("cmdExclusionApply");
+    EXPECT_EQ(host.countInLog("ERROR", "modifyRecipient", "Could not find a recipient"), 1);
+    EXPECT_EQ(host.countInLog("Warning", "cmdExclusionApply_Click", "Not saved, because"), 1);
+    for (const auto& [node, box] :
+         {std::pair(recipientNode(second), "txtRecipientName"),
+          std::pair("ExclusionKey-" + std::to_string(second), "txtExclusionSource")}) {
+        EXPECT_FALSE(tree->contains(node));
+        EXPECT_EQ(find<QLineEdit>(box)->text(), "");
+        EXPECT_FALSE(find<QLineEdit>(box)->isEnabled());
+    }
 }
 
 TEST_F(KeptEdits, WhatCannotBeReadIsNotOverwritten) {
