@@ -4,7 +4,9 @@
 #include "host/textViewer/textWindow.h"
 #include "host/viewer/showViewer.h"
 #include "platform/failure.h"
+#include "platform/machine/language.h"
 #include "ui/base/appearance.h"
+#include "ui/base/toolkitWords.h"
 
 namespace {
 
@@ -22,6 +24,7 @@ int main(int argc, char** argv) {
     int ownName = 1;
     QApplication application(ownName, argv);
     ui::applyAppearance();
+    ui::translateToolkit(platform::userDefaultLanguageId());
     const viewer::Language language = viewer::userLanguage();
     const viewer::Texts& texts = viewer::texts(language);
     if (argc != 2)

@@ -26,9 +26,14 @@ const char* toolkitCode(long languageId) {
 }  // namespace
 
 void translateToolkit() {
+    constexpr long english = 1033;
+    translateToolkit(core::gResourceLibrary ? core::gLanguageId : english);
+}
+
+void translateToolkit(long languageId) {
     static std::unique_ptr<QTranslator> translator;
     translator.reset();  // takes itself out of the application
-    const char* code = core::gResourceLibrary ? toolkitCode(core::gLanguageId) : nullptr;
+    const char* code = toolkitCode(languageId);
     if (!code)
         return;
     translator = std::make_unique<QTranslator>();

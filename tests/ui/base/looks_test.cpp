@@ -19,6 +19,7 @@
 #include "ui/base/appearance.h"
 #include "ui/base/contrast.h"
 #include "ui/base/messageBoxes.h"
+#include "ui/base/toolkitWords.h"
 #include "ui/widgets/keyedGrid.h"
 #include "ui/widgets/keyedTree.h"
 #include "ui/widgets/tabRows.h"
@@ -145,6 +146,15 @@ TEST(Looks, OnlyThePartWithTheFocusLooksAsIfItHadIt) {
     other.setFocus();
     EXPECT_LT(ui::contrast(ground(), shown(QPalette::Inactive, QPalette::Highlight)), same);
     EXPECT_GT(ui::contrast(ground(), shown(QPalette::Active, QPalette::Base)), same) << "it is still chosen";
+}
+
+TEST(Looks, AProgramWithoutStringLibrariesHasTheButtonsOfItsLanguage) {
+    const auto yes = [] { return QCoreApplication::translate("QPlatformTheme", "&Yes"); };
+    for (const auto& [language, word] : {std::pair(1031L, "&Ja"), {1036L, "&Oui"}, {1033L, "&Yes"}}) {
+        ui::translateToolkit(language);
+        EXPECT_EQ(yes(), word) << language;
+    }
+    ui::translateToolkit();
 }
 
 TEST(Looks, ABoxBelongsToTheDialogThatHasTheInput) {
