@@ -170,7 +170,7 @@ TEST_F(About, NamesOfDevicesFollowTheLanguageInThePanesThatShowThem) {
     auto* devices =
         window.findChild<QWidget*>("vsviewportDetails_3")->findChild<ui::KeyedTree*>("tvRecipientDevices");
     ASSERT_TRUE(devices->contains("DeviceKey:12"));
-    inAbout([&](QWidget& about) { choose(about, "French (France)"); });
+    inAbout([&](QWidget& about) { choose(about, "Français (France)"); });
     for (const char* box : {"txtVoiceMail", "txtEmail"})
         EXPECT_EQ(window.findChild<QLineEdit*>(box)->text(), "") << box;
 }
