@@ -8,9 +8,7 @@
 #include "host/commands.h"
 #include "platform/machine/clock.h"
 #include "platform/machine/eventLog.h"
-#include "service/decision/decide.h"
-#include "service/outbox/inspection.h"
-#include "service/transports/waysOut.h"
+#include "service/inspection/whoIsTold.h"
 
 namespace qlnhost {
 
@@ -75,15 +73,13 @@ int listEvents(const std::string& chosen) {
     return 0;
 }
 
-void print(const service::EventVerdict& verdict, const service::WaysOutSettings& ways) {
-    std::printf("Event %ld, \"%s\": %s\n", verdict.event->key, verdict.event->title.c_str(),
-                std::string(service::textOf(verdict.reason)).c_str());
-    for (const service::DeviceVerdict& each : verdict.devices) {
-        const bool isNotSetUp = each.reason == service::Reason::notSetUp;
-        std::printf("  %s, %s: %s%s\n", each.device->recipient.c_str(), each.device->address.c_str(),
+void print(const service::EventAnswer& answer) {
+    std::printf("Event %ld, \"%s\": %s\n", answer.key, answer.title.c_str(),
+                std::string(service::textOf(answer.reason)).c_str());
+    for (const service::DeviceAnswer& each : answer.devices)
+        std::printf("  %s, %s: %s%s\n", each.recipient.c_str(), each.address.c_str(),
                     std::string(service::textOf(each.reason)).c_str(),
-                    isNotSetUp ? (": " + service::problemOf(ways, each.device->kind)).c_str() : "");
-    }
+                    each.problem.empty() ? "" : (": " + each.problem).c_str());
 }
 
 }  // namespace
@@ -102,20 +98,11 @@ int eventsCommand(Arguments& arguments) {
 int explainCommand(Arguments& arguments) {
     const platform::EventRecord record = takeRecord(arguments);
     arguments.finish();
-    platform::Connection database;
-    database.open("Provider=Microsoft.Jet.OLEDB.4.0;Mode=Read;Data Source=" + databaseFile().string());
-    const service::Monitoring monitoring = service::readMonitoring(database);
-    const service::WaysOutSettings ways = service::readWaysOut();
-    const auto outbox = service::viewOutbox(outboxFile());
-    const service::Circumstances circumstances{
-        platform::clock().now(),
-        [&](service::DeviceKind kind) { return service::problemOf(ways, kind).empty(); },
-        [&](long eventKey) { return outbox ? outbox->pendingSince(eventKey) : std::nullopt; }};
-    const auto verdicts = service::decide(record, monitoring, circumstances);
-    if (verdicts.empty())
+    const auto answers = service::WhoIsTold(databaseFile(), outboxFile()).of(record, platform::clock().now());
+    if (answers.empty())
         std::puts("No monitored event has this source and id.");
-    for (const service::EventVerdict& verdict : verdicts)
-        print(verdict, ways);
+    for (const service::EventAnswer& answer : answers)
+        print(answer);
     return 0;
 }
 

@@ -95,12 +95,14 @@ void WhoPanel::ask() {
     if (!entry_)
         return;
     isAsking_ = true;
-    const service::Moment now = platform::clock().now();
-    const service::Moment moment =
-        chkAsIfNow_->isChecked() ? now : service::momentOfStored(entry_->record.time).value_or(now);
+    const auto moment =
+        chkAsIfNow_->isChecked() ? std::nullopt : service::momentOfStored(entry_->record.time);
     worker_.post([this, entry = entry_, moment, who = who_, generation = ++generation_] {
         std::vector<service::EventAnswer> answers;
-        const std::string failure = failureOf([&] { answers = who->of(entry->record, moment); });
+        const std::string failure = failureOf([&] {
+            answers = moment ? who->ofThen(entry->record, *moment)
+                             : who->of(entry->record, platform::clock().now());
+        });
         inWindow(this, [this, generation, failure, answers = std::move(answers)] {
             if (generation != generation_)
                 return;

@@ -44,14 +44,29 @@ const Monitoring& WhoIsTold::monitoring() {
     return monitoring_;
 }
 
-std::vector<EventAnswer> WhoIsTold::of(const platform::EventRecord& record, Moment moment) {
+std::vector<EventAnswer> WhoIsTold::of(const platform::EventRecord& record, Moment now) {
+    const auto outbox = viewOutbox(outboxFile_);
+    return answers(record, now,
+                   [&](long eventKey) { return outbox ? outbox->pendingSince(eventKey) : std::nullopt; });
+}
+
+std::vector<EventAnswer> WhoIsTold::ofThen(const platform::EventRecord& record, Moment moment) {
+    // The database knows moments by the second, so what was told of this very record may bear the same.
+    const Moment before = moment - std::chrono::milliseconds(1);
+    const auto newest = newestMessagesBefore(outboxFile_, before);
+    return answers(record, before, [&](long eventKey) {
+        const auto found = newest.find(eventKey);
+        return found == newest.end() ? std::nullopt : std::optional(found->second);
+    });
+}
+
+std::vector<EventAnswer> WhoIsTold::answers(const platform::EventRecord& record, Moment moment,
+                                            std::function<std::optional<Moment>(long)> pendingSince) {
     const Monitoring& known = monitoring();
     const WaysOutSettings ways = readWaysOut();
-    const auto outbox = viewOutbox(outboxFile_);
-    const Circumstances circumstances{
-        moment, [&](DeviceKind kind) { return problemOf(ways, kind).empty(); },
-        [&](long eventKey) { return outbox ? outbox->pendingSince(eventKey) : std::nullopt; }};
-    std::vector<EventAnswer> answers;
+    const Circumstances circumstances{moment, [&](DeviceKind kind) { return problemOf(ways, kind).empty(); },
+                                      std::move(pendingSince)};
+    std::vector<EventAnswer> result;
     for (const EventVerdict& verdict : decide(record, known, circumstances)) {
         EventAnswer answer{verdict.event->key, verdict.event->title, verdict.reason, {}, {}};
         if (verdict.has(Reason::withinInterval))
@@ -60,9 +75,9 @@ std::vector<EventAnswer> WhoIsTold::of(const platform::EventRecord& record, Mome
             answer.devices.push_back(
                 {each.device->recipient, each.device->kind, each.device->address, each.reason,
                  each.reason == Reason::notSetUp ? problemOf(ways, each.device->kind) : std::string()});
-        answers.push_back(std::move(answer));
+        result.push_back(std::move(answer));
     }
-    return answers;
+    return result;
 }
 
 }  // namespace service

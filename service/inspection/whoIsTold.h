@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,14 +38,19 @@ class WhoIsTold {
   public:
     WhoIsTold(std::filesystem::path databaseFile, std::filesystem::path outboxFile);
 
-    // One answer for each monitored event of the record's source and id, as if the record came at `moment`.
+    // One answer for each monitored event of the record's source and id, as if the record came at `now`.
     // Raises platform::Failure; the next call tries again.
-    std::vector<EventAnswer> of(const platform::EventRecord& record, Moment moment);
+    std::vector<EventAnswer> of(const platform::EventRecord& record, Moment now);
+    // The same, as if the record came at its own moment: with what is set up now, and what the outbox still
+    // knows of what had been told by then.
+    std::vector<EventAnswer> ofThen(const platform::EventRecord& record, Moment moment);
     // What the database says by now. Raises platform::Failure. The reference holds until the next call.
     const Monitoring& monitoring();
 
   private:
     void open();
+    std::vector<EventAnswer> answers(const platform::EventRecord& record, Moment moment,
+                                     std::function<std::optional<Moment>(long)> pendingSince);
 
     std::filesystem::path databaseFile_;
     std::filesystem::path outboxFile_;

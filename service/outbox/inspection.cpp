@@ -31,4 +31,20 @@ std::optional<OutboxView> viewOutbox(const std::filesystem::path& file) {
     return view;
 }
 
+std::unordered_map<long, Moment> newestMessagesBefore(const std::filesystem::path& file, Moment moment) {
+    std::unordered_map<long, Moment> newest;
+    struct stat status {};
+    if (::stat(file.c_str(), &status) != 0)
+        return newest;
+    Store store(file, Store::Access::reader);
+    Query rows = store.query(
+        "SELECT EventKey, max(max(CASE WHEN Created <= ?1 THEN Created ELSE 0 END,"
+        " CASE WHEN 1 IN (State, Outcome) AND Settled <= ?1 THEN Settled ELSE 0 END)) AS Newest"
+        " FROM Message GROUP BY EventKey HAVING Newest > 0");
+    rows.with(numberOf(moment));
+    while (rows.next())
+        newest.emplace(static_cast<long>(rows.number(0)), momentOf(rows.number(1)));
+    return newest;
+}
+
 }  // namespace service

@@ -20,6 +20,10 @@ struct OutboxView {
     std::optional<Moment> pendingSince(long eventKey) const;
 };
 
+// By event: when the newest message before a moment was made or told. Empty when there is no outbox yet.
+// Raises platform::Failure for one that cannot be read.
+std::unordered_map<long, Moment> newestMessagesBefore(const std::filesystem::path& file, Moment moment);
+
 // Nothing when there is no outbox yet. Raises platform::Failure for one that cannot be read.
 std::optional<OutboxView> viewOutbox(const std::filesystem::path& file);
 
