@@ -351,7 +351,7 @@ void classLog::dumpRecordsets(platform::Recordset& recordset, std::string_view t
     log(std::string(rulerWidth, '*'), logVersionInfo, tag);
     log("Object Recordset Dump", logVersionInfo, tag);
     log(std::string(rulerWidth, '*'), logVersionInfo, tag);
-    for (; !recordset.EOF_(); recordset.moveNext()) {
+    while (recordset.next()) {
         for (std::size_t i = 0; i < recordset.fieldCount(); ++i) {
             const std::string& name = recordset.fieldName(i);
             log(leftAligned(name, 32) + "    " + platform::valueText(recordset.value(name)), logVersionInfo,

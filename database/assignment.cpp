@@ -171,7 +171,7 @@ std::map<long, bool> assignmentsOfEvent(long eventKey) {
     Recordset rows =
         openForReading({"SELECT DeviceKey, Active FROM EventDevice WHERE EventKey = ?", {eventKey}});
     std::map<long, bool> assignments;
-    for (; !rows.EOF_(); rows.moveNext()) {
+    while (rows.next()) {
         if (rows.isNull("DeviceKey"))
             continue;
         bool& active = assignments[rows.number("DeviceKey")];

@@ -137,7 +137,7 @@ std::map<long, std::vector<RecipientDevice>> devicesOfAllRecipients() {
         return rows.isNull(field) ? std::string() : rows.text(field);
     };
     std::map<long, std::vector<RecipientDevice>> all;
-    for (; !rows.EOF_(); rows.moveNext())
+    while (rows.next())
         all[rows.number("RecipientKey")].push_back(
             {rows.number("DeviceKey"), rows.isNull("DeviceType") ? 0 : rows.number("DeviceType"),
              !rows.isNull("DeviceActive") && rows.boolean("DeviceActive"), text("DeviceAddress"),

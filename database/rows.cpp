@@ -47,26 +47,13 @@ void Rows::close(Where where) {
 
 bool Rows::next(Where where) {
     bool found = false;
-    if (!isOpen())
-        return false;
-    step(
-        [&] {
-        if (begun_ && !rows_.EOF_())
-            rows_.moveNext();
-        begun_ = true;
-        found = !rows_.EOF_();
-        },
-        where);
+    if (isOpen())
+        step([&] { found = rows_.next(); }, where);
     return found;
 }
 
 void Rows::rewind(Where where) {
-    step(
-        [&] {
-        rows_.moveFirst();
-        begun_ = false;
-        },
-        where);
+    step([&] { rows_.moveFirst(); }, where);
 }
 
 bool Rows::hasRow(Where where) {

@@ -96,7 +96,6 @@ class Rows {
             platform::Recordset opened;
             open(opened);
             rows_ = std::move(opened);
-            begun_ = false;
             },
             where);
     }
@@ -107,7 +106,6 @@ class Rows {
     platform::Connection& connection_;
     platform::Recordset rows_;
     bool allRan_ = true;
-    bool begun_ = false;  // the loop over the rows has been at its first one
 };
 
 // A statement without rows as a step of its own; false when it failed.

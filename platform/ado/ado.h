@@ -130,6 +130,9 @@ class Recordset {
     void moveFirst();
     // Raises 3021 at the end.
     void moveNext();
+    // The loop over all rows, `while (rows.next())`: the first call after open or moveFirst stays at the
+    // first row, and a later one moves on. False at the end.
+    bool next();
     // Moves to the first row, from `start` (a bookmark; the present row by default) plus `skip` rows on, for
     // which "Column = number" or "Column = 'text'" holds (text without regard to case); to the end when
     // none does. Raises 3021 on an empty recordset (and at the end without `start`), 5 for a criterion of

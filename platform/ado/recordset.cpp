@@ -38,6 +38,7 @@ struct Recordset::Impl {
     ado::Cursor cursor;
     ado::Edits edits;
     bool counted = true;
+    bool begun = false;  // next has been at the first row
 };
 
 namespace {
@@ -128,7 +129,15 @@ bool Recordset::BOF_() const {
 void Recordset::moveFirst() {
     Impl& impl = opened(impl_);
     impl.edits.drop();
+    impl.begun = false;
     impl.cursor.moveFirst();
+}
+
+bool Recordset::next() {
+    Impl& impl = opened(impl_);
+    if (std::exchange(impl.begun, true) && !EOF_())
+        moveNext();
+    return !EOF_();
 }
 
 void Recordset::moveNext() {

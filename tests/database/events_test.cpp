@@ -200,7 +200,7 @@ TEST_F(Events, ListHasTheCatchAllFirstAndNeverTheHiddenOne) {
         addNewEvent(newEvent(source, "7"));
     platform::Recordset list = getEvents();
     Lines sources;
-    for (; !list.EOF_(); list.moveNext())
+    while (list.next())
         sources.push_back(list.text("EventSource"));
     EXPECT_EQ(sources, (Lines{"MeridaneCorvane", "alpha", "Beta", "zeta"}));
     EXPECT_EQ(getIgnoreEventKey(), hiddenEvent);

@@ -326,7 +326,7 @@ class ModifyRandomly : public testing::Test {
             "JOIN EventDevice USING (DeviceKey) WHERE RecipientKey = " +
                 recipient + " ORDER BY DeviceKey",
             core::gDatabase, platform::CursorType::staticCursor);
-        for (; !rows.EOF_(); rows.moveNext()) {
+        while (rows.next()) {
             const long key = rows.number("DeviceKey");
             if (devices.empty() || devices.back().key != key)
                 devices.push_back({key,

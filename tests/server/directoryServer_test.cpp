@@ -19,7 +19,7 @@ std::string answer(platform::Connection& connection, const std::string& statemen
     try {
         platform::Recordset rows;
         rows.open(statement, connection);
-        for (; !rows.EOF_(); rows.moveNext()) {
+        while (rows.next()) {
             for (std::size_t i = 0; i < rows.fieldCount(); ++i) {
                 const platform::Value& value = rows.value(rows.fieldName(i));
                 text += std::holds_alternative<platform::Null>(value) ? "Null|" : valueText(value) + "|";
@@ -182,7 +182,7 @@ TEST_F(DirectoryServer, AServerThatGoesAwayInTheMiddleOfASearch) {
     int seen = 0;
     long number = 0;
     try {
-        for (; !rows.EOF_(); rows.moveNext())
+        while (rows.next())
             ++seen;
     } catch (const platform::Failure& failure) {
         number = failure.number();

@@ -83,7 +83,7 @@ TEST_F(EditsTest, ChangesAndDeletesRowsByTheirIdentity) {
     EXPECT_EQ(failureOf([&] { rows.update(); }), rowNotLocated);
     int visited = 0;
     rows.moveFirst();
-    for (; !rows.EOF_(); rows.moveNext(), ++visited)
+    for (; rows.next(); ++visited)
         rows.deleteCurrent();
     EXPECT_EQ(visited, 2) << "a deleted row is passed over and the loop ends";
     EXPECT_EQ(failureOf([&] { rows.moveFirst(); }), noCurrentRecord);

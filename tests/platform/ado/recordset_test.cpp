@@ -32,8 +32,9 @@ TEST_F(RecordsetTest, StreamsAcrossBlocksAndLeavesNoLockOnShortResults) {
     rows.open("SELECT * FROM Device ORDER BY DeviceKey", connection);
     EXPECT_EQ(rows.recordCount(), -1);
     long sum = 0;
-    for (; !rows.EOF_(); rows.moveNext())
+    while (rows.next())
         sum += rows.number("DeviceKey");
+    EXPECT_FALSE(rows.next());
     EXPECT_EQ(sum, 500500);
     EXPECT_FALSE(rows.BOF_());
     EXPECT_EQ(failureOf([&] { rows.moveNext(); }), noCurrentRecord);
