@@ -19,6 +19,8 @@ namespace {
 // Rows that are got ready at once, and how long a turn may take.
 constexpr std::size_t screenful = 200;
 constexpr qint64 longestTurn = 5;  // ms
+// Entries that are handed over at once at most, but for the end of a page.
+constexpr std::size_t enough = 2000;
 
 const QIcon& iconOf(std::size_t typeIndex) {
     static const QIcon icons[] = {QApplication::style()->standardIcon(QStyle::SP_MessageBoxCritical),
@@ -70,7 +72,7 @@ void EventModel::readTo(std::uint64_t place) {
     goOn();
 }
 
-// In the worker; its answer comes to take(). One page at a time, so that a log that is left is left at once.
+// In the worker; its answer comes to take(). A little at a time, so that a log that is left is left at once.
 void EventModel::request() {
     isReading_ = true;
     worker_.post([this, pages = pages_, log = next_ ? *next_ : log_, generation = generation_] {
@@ -81,8 +83,13 @@ void EventModel::request() {
                 answer.stamp = log.stamp();
                 pages->log = log.open();
             }
-            while (answer.entries.empty() && pages->log->hasEarlier() && !worker_.isEnding())
-                answer.entries = pages->log->earlier();
+            // Some pages where they are small, but none that somebody would have to wait for.
+            QElapsedTimer reading;
+            reading.start();
+            while ((answer.entries.empty() || reading.elapsed() < longestTurn) &&
+                   answer.entries.size() < enough && pages->log->hasEarlier() && !worker_.isEnding())
+                for (EntryPointer& entry : pages->log->earlier())
+                    answer.entries.push_back(std::move(entry));
             answer.hasEarlier = pages->log->hasEarlier();
         });
         inWindow(this, [this, answer = std::move(answer)]() mutable { take(std::move(answer)); });

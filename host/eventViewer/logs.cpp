@@ -27,7 +27,7 @@ class HostLogPages : public LogPages {
     }
 
   private:
-    static constexpr std::uint64_t pageSize = 128 << 10;
+    static constexpr std::uint64_t pageSize = 512 << 10;
     platform::EventLogPages pages_;
 };
 

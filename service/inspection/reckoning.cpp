@@ -27,25 +27,25 @@ class Interval {
     template <class Tell>
     void pass(Moment moment, std::size_t devices, const Tell& tell) {
         finish(moment, tell);
-        if (last_ && moment < *last_ + length_) {
+        if (moment < end_) {
             held_ = devices;
             return;
         }
-        last_ = moment;
+        end_ = moment + length_;
         tell(moment, devices);
     }
     // What is held back is told at the end of its interval, if that has come by `moment`.
     template <class Tell>
     void finish(Moment moment, const Tell& tell) {
-        if (held_ == 0 || *last_ + length_ > moment)
+        if (held_ == 0 || end_ > moment)
             return;
-        last_ = *last_ + length_;
-        tell(*last_, std::exchange(held_, 0));
+        const Moment told = std::exchange(end_, end_ + length_);
+        tell(told, std::exchange(held_, 0));
     }
 
   private:
     std::chrono::minutes length_;
-    std::optional<Moment> last_;
+    Moment end_ = Moment::min();  // of the interval that runs
     std::size_t held_ = 0;
 };
 

@@ -39,7 +39,7 @@ class EventViewer : public ::testing::Test {
     }
     // What is read and asked beside the window has come.
     void settle() {
-        EXPECT_TRUE(QTest::qWaitFor([this] { return window->isAtRest(); }));
+        EXPECT_TRUE(QTest::qWaitFor([this] { return window->isAtRest(); }, 30000));
     }
     QString cell(int row, int column) const { return table->model()->index(row, column).data().toString(); }
     QString sources() const {
@@ -136,7 +136,7 @@ TEST_F(EventViewer, AFilterLooksThroughTheWholeLogAndSaysWhenItCannot) {
     open();
     auto& type = find<QComboBox>("comboType");
     QTest::keyClicks(&type, "W");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return sources() == "First"; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return sources() == "First"; }, 30000));
     EXPECT_EQ(find<QLabel>("lblCount").text(), "1 of 151 events");
     EXPECT_TRUE(find<QPushButton>("cmdCopy").isEnabled());
     QTest::keyClick(window.get(), Qt::Key_F5);
@@ -146,8 +146,7 @@ TEST_F(EventViewer, AFilterLooksThroughTheWholeLogAndSaysWhenItCannot) {
     EXPECT_EQ(sources(), "");
     settle();
 
-    // The log goes away while it is being looked through.
-    QTest::keyClick(window.get(), Qt::Key_F5);
+    // Something else has taken the log's place.
     const auto file = platform::host::eventLogsFolder() / "Application.log";
     std::filesystem::remove(file);
     std::filesystem::create_directories(file);

@@ -100,7 +100,7 @@ class NotificationsLog : public ::testing::Test {
         settle();
     }
     void settle() {
-        EXPECT_TRUE(QTest::qWaitFor([this] { return window->isAtRest(); }));
+        EXPECT_TRUE(QTest::qWaitFor([this] { return window->isAtRest(); }, 30000));
     }
     QString column(int index) const {
         QStringList all;

@@ -83,11 +83,19 @@ void FindBar::createControls() {
 
 void FindBar::setTexts(const FindTexts& texts) {
     texts_ = texts;
-    lblFind_->setText(texts.find);
-    cmdNext_->setText(texts.next);
-    cmdPrevious_->setText(texts.previous);
-    chkOnlyMatches_->setText(texts.onlyMatches);
+    const auto caption = [this](const char* text) {
+        return hasMnemonics_ ? QString(text) : QString(text).remove('&');
+    };
+    lblFind_->setText(caption(texts.find));
+    cmdNext_->setText(caption(texts.next));
+    cmdPrevious_->setText(caption(texts.previous));
+    chkOnlyMatches_->setText(caption(texts.onlyMatches));
     nameLine();
+}
+
+void FindBar::dropMnemonics() {
+    hasMnemonics_ = false;
+    setTexts(texts_);
 }
 
 void FindBar::setTarget(Target target) {

@@ -38,6 +38,8 @@ class FindBar : public QWidget {
     FindBar(const FindTexts& texts, Target target, QWidget* parent);
 
     void setTexts(const FindTexts& texts);
+    // For a window whose own captions have the keys already: Tab leads to every control.
+    void dropMnemonics();
     void setTarget(Target target);
     // What is searched, for those who hear the line's name.
     void setSubject(const QString& subject);
@@ -69,6 +71,7 @@ class FindBar : public QWidget {
     void nameLine();
 
     FindTexts texts_;
+    bool hasMnemonics_ = true;
     Target target_;
     QString subject_;
     QHBoxLayout* row_;

@@ -143,6 +143,7 @@ ListFinder::ListFinder(QWidget& window, std::function<void(QWidget&)> place)
                         [this](const QString& text) { filter(text); }, [this] { close(); }},
                        &window);
     bar_->hide();
+    bar_->dropMnemonics();
     place(*bar_);
     connect(new QShortcut(QKeySequence::Find, &window), &QShortcut::activated, this, &ListFinder::open);
     whileOpen_ = bar_->takeStepKeys();

@@ -105,6 +105,8 @@ TEST_F(FindInLists, TheTreeIsSearchedAndStandsWhereTheSearchEnds) {
     find<QLineEdit>("txtEventTitle")->setFocus();
     EXPECT_EQ(tree->selectedKey(), firstKey);
     QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(bar->findChild<QCheckBox*>("chkOnlyMatches")->text(), "Only matching rows")
+        << "its mnemonics would be those of the menu bar";
     QTest::keyClick(line, Qt::Key_Escape);
     EXPECT_EQ(tree->selectedKey(), firstKey);
     EXPECT_NE(tree->selectedKey(), start);
