@@ -1,4 +1,8 @@
+#include <cstdio>
+#include <string_view>
+
 #include "app/mdlMain.h"
+#include "core/mdlVerInfo.h"
 #include "platform/machine/host.h"
 #include "platform/machine/language.h"
 #include "platform/machine/windowStation.h"
@@ -9,7 +13,27 @@
 #include "ui/helpViewer/helpViewer.h"
 #include "ui/shell/windowServices.h"
 
+namespace {
+
+// What can be said without a window, a host or a log; false for a run of the console.
+bool isAnswered(int argc, char** argv) {
+    const std::string_view asked = argc == 2 ? argv[1] : "";
+    if (asked == "--version")
+        std::printf("%s %s\n", mdlVerInfo::productName().c_str(),
+                    mdlVerInfo::getFileVersionString(platform::program::file().string()).c_str());
+    else if (asked == "--help")
+        std::puts(
+            "usage: QLNAdmin [debug]\n\n"
+            "The administration console of the Quillon Service, on the host of its installation tree\n"
+            "or of the environment's QLN_HOST. With debug its log is written to standard error as well.");
+    return asked == "--version" || asked == "--help";
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
+    if (isAnswered(argc, argv))
+        return 0;
     platform::program::setCommandLine(argc, argv);
     platform::setDateOrder(platform::userDateOrder());
     ui::Application application(argc, argv);

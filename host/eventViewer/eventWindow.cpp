@@ -5,6 +5,7 @@
 #include <QFileDialog>
 #include <QFontMetrics>
 #include <QHeaderView>
+#include <QIcon>
 #include <QLabel>
 #include <QLocale>
 #include <QPlainTextEdit>
@@ -38,6 +39,7 @@ EventWindow::EventWindow(Language language) : texts_(texts(language)) {
     model_ = new EventModel(texts_, this);
     search_ = new EntrySearch(*model_);
     setObjectName("EventVwr");
+    setWindowIcon(QIcon(":/icons/eventViewer.svg"));
     setWindowTitle(texts_.eventViewer);
     auto* all = new QWidget(this);
     auto* layout = new QVBoxLayout(all);

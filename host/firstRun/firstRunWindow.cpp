@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCommandLinkButton>
 #include <QDialogButtonBox>
+#include <QIcon>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -18,6 +19,7 @@ FirstRunWindow::FirstRunWindow(QString tree, const Texts& texts)
       told_(new QPlainTextEdit),
       buttons_(new QDialogButtonBox(QDialogButtonBox::Cancel)) {
     setWindowTitle(texts.title);
+    setWindowIcon(QIcon(":/icons/console.svg"));
     auto* const layout = new QVBoxLayout(this);
     QFont heading = question_->font();
     heading.setPointSizeF(heading.pointSizeF() * 1.3);

@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QFontDatabase>
+#include <QIcon>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QScrollBar>
@@ -22,6 +23,7 @@ constexpr int lookEvery = 500;  // ms
 TextWindow::TextWindow(const std::filesystem::path& file, Language language)
     : texts_(texts(language)), file_(file) {
     setObjectName("notepad");
+    setWindowIcon(QIcon(":/icons/textViewer.svg"));
     setWindowTitle(QString::fromStdString(file.filename().string()) + " - " + texts_.textViewer);
     auto* all = new QWidget(this);
     auto* layout = new QVBoxLayout(all);

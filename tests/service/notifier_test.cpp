@@ -327,6 +327,18 @@ TEST_F(NotifierTest, ASecondServiceOnTheSameOutboxWaitsForItsTurn) {
     EXPECT_EQ(told().size(), 2u);
 }
 
+TEST_F(NotifierTest, ADatabaseThatNoConsoleHasUpgradedYetIsReadAsItIs) {
+    run("DROP TABLE Exclusions; CREATE TABLE Exclusions(EventSource TEXT(50), EventId LONG);"
+        "INSERT INTO Exclusions VALUES ('Disk', 51); DROP TABLE AddressDetails;"
+        "DELETE FROM Configuration WHERE Setting IN ('EventNotificationInterval', 'ReportDataAging');"
+        "UPDATE Events SET EventActive = -1 WHERE EventCollection <> 0");
+    restart();
+    write("Disk", 51);
+    look();
+    EXPECT_EQ(told().size(), 1u);
+    EXPECT_FALSE(isLogged("Configuration: "));
+}
+
 TEST_F(NotifierTest, OldRowsOfTheHistoryGo) {
     run("UPDATE Configuration SET Value = '3' WHERE Setting = 'ReportDataAging'; UPDATE NotificationLog SET "
         "LogTime = "
