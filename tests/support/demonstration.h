@@ -14,6 +14,7 @@
 #include "app/mdlMain.h"
 #include "platform/services/serviceManager.h"
 #include "server/serviceControl.h"
+#include "support/person.h"
 #include "support/scriptedPrompts.h"
 #include "support/serviceHost.h"
 #include "ui/shell/frmMain.h"
@@ -52,7 +53,7 @@ class Demonstration : public ::testing::Test {
         EXPECT_EQ(pclose(pipe), 0) << text;
         return text;
     }
-    void choose(const char* entry) { gMainWindow->findChild<QAction*>(entry)->trigger(); }
+    void choose(const char* entry) { person::chooseMenu(*gMainWindow, entry); }
     void expectQuestion(const std::string& text, const std::string& title, platform::BoxAnswer answer) {
         prompts.expect({text, title, platform::BoxIcon::question, platform::BoxButtons::yesNo}, answer);
     }

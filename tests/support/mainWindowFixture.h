@@ -13,6 +13,7 @@
 #include "core/state.h"
 #include "database/events.h"
 #include "database/settings.h"
+#include "support/person.h"
 #include "support/scriptedPrompts.h"
 #include "support/temporaryHost.h"
 #include "support/windowScript.h"
@@ -66,7 +67,8 @@ class MainWindowOn : public ::testing::Test {
     void clickNode(const std::string& key, Qt::MouseButton button = Qt::LeftButton) {
         QTest::mouseClick(tree->viewport(), button, {}, placeOf(key));
     }
-    void press(const char* button) { QTest::mouseClick(find<QPushButton>(button), Qt::LeftButton); }
+    void press(const char* button) { person::click(*find<QPushButton>(button)); }
+    void chooseMenu(const char* entry) { person::chooseMenu(*window, entry); }
     std::vector<std::string> rows(const std::string& statement) {
         return support::query(host.databaseFile(), statement);
     }

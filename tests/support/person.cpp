@@ -12,6 +12,7 @@
 #include <QPushButton>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QToolBar>
 #include <QtTest/QTest>
 #include <deque>
 
@@ -97,6 +98,9 @@ void chooseRow(QComboBox& list, int row) {
     for (int i = 0; i < row; ++i)
         QTest::keyClick(&view, Qt::Key_Down);
     QTest::keyClick(&view, Qt::Key_Return);
+    // As a window manager does, which the offscreen platform lacks.
+    list.window()->activateWindow();
+    QCoreApplication::processEvents();
 }
 
 void showPage(const ui::TabRows& pages, int index) {
@@ -112,6 +116,15 @@ void showPage(const ui::TabRows& pages, int index) {
 void showPage(const QTabWidget& pages, int index) {
     if (canReach(*pages.tabBar()))
         QTest::mouseClick(pages.tabBar(), Qt::LeftButton, {}, pages.tabBar()->tabRect(index).center());
+}
+
+void chooseTool(const QMainWindow& window, const QString& entryName) {
+    auto* entry = window.findChild<QAction*>(entryName);
+    ASSERT_TRUE(entry) << qPrintable(entryName);
+    for (const QToolBar* bar : window.findChildren<QToolBar*>())
+        if (auto* button = qobject_cast<QAbstractButton*>(bar->widgetForAction(entry)))
+            return click(*button);
+    ADD_FAILURE() << qPrintable(entryName) << " is in no tool bar";
 }
 
 void chooseMenu(QMainWindow& window, const QString& entryName) {

@@ -29,6 +29,8 @@ void chooseRow(QComboBox& list, int row);
 // Clicks a tab.
 void showPage(const ui::TabRows& pages, int index);
 void showPage(const QTabWidget& pages, int index);
+// Clicks a tool of a tool bar, by its object name.
+void chooseTool(const QMainWindow& window, const QString& entryName);
 // Chooses an entry by its object name: opens its menu in the menu bar and the ones within, and clicks it.
 void chooseMenu(QMainWindow& window, const QString& entryName);
 

@@ -14,6 +14,7 @@
 #include "platform/failure.h"
 #include "platform/machine/host.h"
 #include "platform/machine/process.h"
+#include "support/person.h"
 #include "support/temporaryHost.h"
 
 namespace {
@@ -66,7 +67,7 @@ TEST_F(TextViewer, FindsRoundTheEndAndStaysWhereItIsUnlessItFollows) {
     text.moveCursor(QTextCursor::Start);
     QTest::keyClick(&window, Qt::Key_F3, Qt::ShiftModifier);
     EXPECT_EQ(text.textCursor().blockNumber(), 79);
-    find.setText("nowhere");
+    person::type(find, "nowhere");
     QTest::keyClick(&find, Qt::Key_Return);
     EXPECT_EQ(window.findChild<QLabel*>("lblResult")->text(), "Not found: nowhere");
     EXPECT_EQ(text.textCursor().blockNumber(), 79);
@@ -75,7 +76,7 @@ TEST_F(TextViewer, FindsRoundTheEndAndStaysWhereItIsUnlessItFollows) {
     write("more\n");
     window.lookAgain();
     EXPECT_EQ(text.verticalScrollBar()->value(), 50);
-    window.findChild<QCheckBox*>("chkFollow")->setChecked(true);
+    person::click(window, "chkFollow");
     write("still more\n");
     window.lookAgain();
     EXPECT_EQ(text.verticalScrollBar()->value(), text.verticalScrollBar()->maximum());

@@ -12,6 +12,7 @@
 #include "host/directory.h"
 #include "platform/machine/host.h"
 #include "server/mdlCorvaneDatabase.h"
+#include "support/person.h"
 #include "support/temporaryHost.h"
 #include "support/windowScript.h"
 #include "ui/dialogs/dlgSelect.h"
@@ -44,7 +45,7 @@ class DirectorySearch : public ::testing::TestWithParam<host::DirectoryLayout> {
             grid = search->findChild<ui::BoundGrid*>("myGrid");
             action();
             if (search->isVisible())
-                find<QPushButton>("cmdCancel")->click();
+                person::click(*search, "cmdCancel");
         });
         window.exec();
         EXPECT_TRUE(script.finished());
@@ -57,7 +58,7 @@ class DirectorySearch : public ::testing::TestWithParam<host::DirectoryLayout> {
     bool okEnabled() { return find<QPushButton>("cmdOk")->isEnabled(); }
     // Searches, and waits for all rows.
     void searchFor(const QString& text) {
-        find<QLineEdit>("txtSearchString")->setText(text);
+        person::type(*find<QLineEdit>("txtSearchString"), text);
         QTest::keyClick(find<QLineEdit>("txtSearchString"), Qt::Key_Return);
         for (int before = -1; before != grid->gridRowCount(); QTest::qWait(20))
             before = grid->gridRowCount();
@@ -117,13 +118,13 @@ TEST_P(DirectorySearch, FindsSubscribersByEachField) {
         EXPECT_EQ(grid->gridRowCount(), marinos);
         searchFor("Mari");
         EXPECT_EQ(grid->gridRowCount(), 0);
-        fields->setCurrentIndex(0);
+        person::chooseRow(*fields, 0);
         searchFor("200*");
         EXPECT_EQ(grid->gridRowCount(), 9);
-        fields->setCurrentIndex(1);
+        person::chooseRow(*fields, 1);
         searchFor("aabbott");
         EXPECT_EQ(grid->gridRowCount(), 1);
-        fields->setCurrentIndex(2);
+        person::chooseRow(*fields, 2);
         searchFor("");
         EXPECT_EQ(grid->gridRowCount(), 0);
         searchFor("Zo*");
@@ -133,7 +134,7 @@ TEST_P(DirectorySearch, FindsSubscribersByEachField) {
         EXPECT_FALSE(okEnabled());
         click(1);
         EXPECT_TRUE(okEnabled());
-        find<QPushButton>("cmdOk")->click();
+        person::click(*search, "cmdOk");
     });
     EXPECT_FALSE(result.cancelled);
     EXPECT_EQ(result.selectedDirectoryId.front(), '{');
@@ -193,7 +194,7 @@ TEST_P(DirectorySearch, KeyboardAloneAndTheHeaderRowOfASecondSearch) {
         searchFor("*");
         EXPECT_EQ(grid->currentGridRow(), 0);
         EXPECT_TRUE(okEnabled());
-        find<QPushButton>("cmdOk")->click();
+        person::click(*search, "cmdOk");
     });
     EXPECT_EQ(header.selectedDirectoryId, "");
     EXPECT_EQ(header.selectedDisplayName, "Display Name");
@@ -221,7 +222,7 @@ TEST_P(DirectorySearch, FailuresAreLoggedAndTheWindowGoesOn) {
 TEST_P(DirectorySearch, ALargeDirectoryComesInBlocksAndLeavesNoLock) {
     makeDirectory(5000);
     show(1, [&] {
-        find<QPushButton>("cmdSearch")->click();
+        person::click(*search, "cmdSearch");
         const int first = grid->gridRowCount();
         EXPECT_GT(first, 0);
         EXPECT_LT(first, 2000);
@@ -229,7 +230,7 @@ TEST_P(DirectorySearch, ALargeDirectoryComesInBlocksAndLeavesNoLock) {
         click(3);
         EXPECT_TRUE(QTest::qWaitFor([&] { return grid->gridRowCount() == 4000; }));
         EXPECT_EQ(grid->currentGridRow(), 3);
-        find<QPushButton>("cmdSearch")->click();
+        person::click(*search, "cmdSearch");
         EXPECT_LT(grid->gridRowCount(), 2000);
     });
     // Closed in the middle of its reading.

@@ -18,6 +18,7 @@
 #include "database/settings.h"
 #include "platform/files/files.h"
 #include "support/colorsOf.h"
+#include "support/person.h"
 #include "support/scriptedPrompts.h"
 #include "support/temporaryHost.h"
 #include "support/windowScript.h"
@@ -190,7 +191,7 @@ TEST_F(EventDialog, OpensTheEventViewerMaximizedAndStaysOpen) {
 
 TEST_F(EventDialog, EnterDoesNotCarryABlankSubjectPastItsQuestion) {
     work([&] {
-        find<QComboBox>("comboEventSource").setCurrentIndex(0);
+        person::chooseRow(find<QComboBox>("comboEventSource"), 0);
         auto& subject = find<ui::VariableTextBox>("rtbEmailSubject");
         subject.setFocus();
         subject.clear();
@@ -210,8 +211,8 @@ TEST_F(EventDialog, AnIdThatNoEventCanHaveIsAnsweredWhileItIsTyped) {
         auto& ok = find<QPushButton>("cmdOk");
         auto& id = find<QLineEdit>("tdbnlSpecificEventId");
         const auto& limits = *dialog.findChild<ui::LimitsSign*>();
-        find<QComboBox>("comboEventSource").setCurrentIndex(0);
-        find<QRadioButton>("optionEventId_1").click();
+        person::chooseRow(find<QComboBox>("comboEventSource"), 0);
+        person::click(find<QRadioButton>("optionEventId_1"));
         QTest::keyClicks(&id, "2147483648");
         EXPECT_EQ(id.text(), "2147483648");
         EXPECT_FALSE(ok.isEnabled());
@@ -221,13 +222,13 @@ TEST_F(EventDialog, AnIdThatNoEventCanHaveIsAnsweredWhileItIsTyped) {
         EXPECT_TRUE(ok.isEnabled());
         EXPECT_FALSE(limits.isVisible());
         for (const char* fits : {"2147483647", "-2147483648", "0"}) {
-            id.setText(fits);
+            person::type(id, fits);
             EXPECT_TRUE(ok.isEnabled()) << fits;
         }
         import(copied("Event Type:\tError", "Event Source:\tDisk", "Event ID:\t999999999999999"));
         EXPECT_EQ(shown(), "0|id 999999999999999|0");
         EXPECT_TRUE(limits.isVisible());
-        find<QRadioButton>("optionEventId_0").click();
+        person::click(find<QRadioButton>("optionEventId_0"));
         EXPECT_FALSE(limits.isVisible()) << "all ids need no number";
         EXPECT_TRUE(ok.isEnabled());
     });

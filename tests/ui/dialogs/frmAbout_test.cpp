@@ -22,6 +22,7 @@
 #include "database/settings.h"
 #include "platform/registry/registry.h"
 #include "server/serviceControl.h"
+#include "support/person.h"
 #include "support/processEnd.h"
 #include "support/serviceHost.h"
 #include "support/windowScript.h"
@@ -70,13 +71,16 @@ class About : public ::testing::Test {
             action(about);
             QTest::mouseClick(about.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
         });
-        window.findChild<QAction*>("mnuHelpAbout")->trigger();
+        person::chooseMenu(window, "mnuHelpAbout");
     }
     // Chooses the language with that name in the About window.
     void choose(QWidget& about, const QString& language) {
-        for (QAction* item : about.findChild<QMenu*>("mnuSelectLanguage")->actions())
-            if (item->text() == language)
-                return item->trigger();
+        auto& menu = *about.findChild<QMenu*>("mnuSelectLanguage");
+        for (QAction* item : menu.actions())
+            if (item->text() == language) {
+                script.expectMenu(item->objectName());
+                return person::click(about, "lblChangeLanguage");
+            }
         ADD_FAILURE() << "no language " << qPrintable(language);
     }
     QString header(int column) {
@@ -142,7 +146,7 @@ TEST_F(About, ShowsVersionAndMaker) {
         EXPECT_EQ(items[0]->text(), "Select Language");
         EXPECT_EQ(items[1]->text(), "No Languages Loaded");
         EXPECT_EQ(items[1]->data().toInt(), 1033);
-        items[1]->trigger();
+        choose(about, "No Languages Loaded");
         EXPECT_EQ(core::gLanguageId, 1033);
         EXPECT_FALSE(core::gRebuildingControls);
     });
@@ -180,12 +184,12 @@ TEST_F(About, ChangesEveryLoadedWindowAtOnceTwiceInARow) {
     const std::map<long, QString> english = table();
     // A dialog that was used before is loaded, though not shown, and holds what its user typed.
     script.expect("dlgEvent", [](QWidget& dialog) {
-        dialog.findChild<QComboBox*>("comboEventSource")->setCurrentIndex(0);
-        dialog.findChild<QComboBox*>("comboEventType")->setCurrentIndex(2);
-        dialog.findChild<QLineEdit*>("txtEventTitle")->setText("typed");
+        person::chooseRow(*dialog.findChild<QComboBox*>("comboEventSource"), 0);
+        person::chooseRow(*dialog.findChild<QComboBox*>("comboEventType"), 2);
+        person::type(*dialog.findChild<QLineEdit*>("txtEventTitle"), "typed");
         QTest::mouseClick(dialog.findChild<QPushButton*>("cmdCancel"), Qt::LeftButton);
     });
-    window.findChild<QAction*>("mnuFileNewEvent")->trigger();
+    person::chooseMenu(window, "mnuFileNewEvent");
     QWidget& dialog = *window.findChild<QWidget*>("dlgEvent");
     auto* types = dialog.findChild<QComboBox*>("comboEventType");
     int edits = 0;
@@ -236,11 +240,11 @@ TEST_F(About, DialogsThatWaitHiddenSpeakTheNewLanguageToo) {
     addLanguages();
     script.expect("dlgRecipient", [&](QWidget& dialog) {
         script.expect("dlgSelect", [](QWidget& search) { dynamic_cast<QDialog&>(search).accept(); });
-        dialog.findChild<QRadioButton*>("optionVoiceMailType_0")->click();
-        dialog.findChild<QPushButton*>("cmdSelectVoiceMail")->click();
+        person::click(dialog, "optionVoiceMailType_0");
+        person::click(dialog, "cmdSelectVoiceMail");
         QTest::keyClick(&dialog, Qt::Key_Escape);
     });
-    window.findChild<QAction*>("mnuFileNewRecipient")->trigger();
+    person::chooseMenu(window, "mnuFileNewRecipient");
     inAbout([&](QWidget& about) { choose(about, "Deutsch (Deutschland)"); });
     const std::tuple<const char*, const char*, long> captions[] = {{"dlgRecipient", "lblRecipientName", 1103},
                                                                    {"dlgRecipient", "cmdCancel", 1023},
@@ -261,7 +265,6 @@ TEST_F(About, RemovingTheServiceEndsTheConsole) {
     int ends = 0;
     QObject::connect(&window, &frmMain::finalExitRequested, &window, [&] { ++ends; });
     EXPECT_TRUE(mdlUtility::myStartService("hbqlnsvc"));
-    auto* entry = window.findChild<QAction*>("mnuRemoveService");
     script.expectBox("Confirm Service Removal", "No", [](QWidget& box) {
         EXPECT_EQ(
             dynamic_cast<QMessageBox&>(box).text(),
@@ -270,12 +273,12 @@ TEST_F(About, RemovingTheServiceEndsTheConsole) {
             "the Service control manager to stop the service.\n\nAre you sure you want to remove the "
             "service?");
     });
-    entry->trigger();
+    person::chooseMenu(window, "mnuRemoveService");
     EXPECT_EQ(ends, 0);
     EXPECT_EQ(host.processes(), 1);
     script.expectBox("Confirm Service Removal", "Yes");
     clock.slept = std::chrono::seconds(0);
-    entry->trigger();
+    person::chooseMenu(window, "mnuRemoveService");
     EXPECT_EQ(ends, 1);
     EXPECT_EQ(host.processes(), 0);
     EXPECT_GE(clock.slept, std::chrono::seconds(4)) << "a poll, and the pause to read the notice";

@@ -32,14 +32,14 @@ class Options : public uiTest::MainWindow {
             if (shown.isVisible())
                 QTest::mouseClick(&in<QPushButton>("cmdCancel"), Qt::LeftButton);
         });
-        find<QAction>("mnuOptions")->trigger();
+        chooseMenu("mnuOptions");
     }
     template <class Control>
     Control& in(const char* name) {
         return *options->findChild<Control*>(name);
     }
     void click(const char* button) { QTest::mouseClick(&in<QPushButton>(button), Qt::LeftButton); }
-    void showTab(int tab) { in<QTabWidget>("sstabOptions").setCurrentIndex(tab); }
+    void showTab(int tab) { person::showPage(in<QTabWidget>("sstabOptions"), tab); }
     void type(const char* control, const char* keys) {
         auto& box = in<QWidget>(control);
         box.setFocus();
@@ -82,12 +82,12 @@ TEST_F(Options, ShowsWhatIsStoredAndSavesAllTenInTheirOrder) {
         EXPECT_EQ(in<QComboBox>("comboVoiceMailPriority").currentText(), "Normal");
         EXPECT_EQ(in<QComboBox>("comboEmailPriority").currentIndex(), -1) << "a stored 0 has no row";
         type("tdbnumliteNoficationInterval", "120");
-        in<QCheckBox>("chkWarnOnDuplicateMonitoredEvents").click();
-        in<QCheckBox>("chkMaxDiagnostics").click();
+        person::click(*options, "chkWarnOnDuplicateMonitoredEvents");
+        person::click(*options, "chkMaxDiagnostics");
         showTab(1);
         EXPECT_EQ(colorsOf(in<ui::VariableTextBox>("rtbEmailSubject")).at(25), 'b') << "the tokens stand out";
-        in<QLineEdit>("txtVoiceMailFileName").setText("it's.wav");
-        in<QComboBox>("comboVoiceMailPriority").setCurrentIndex(0);
+        type("txtVoiceMailFileName", "it's.wav");
+        person::chooseRow(in<QComboBox>("comboVoiceMailPriority"), 0);
         type("rtbEmailSubject", "<Type> now");
         type("rtbEmailBody", "one");
         QTest::keyClick(&in<QWidget>("rtbEmailBody"), Qt::Key_Return);

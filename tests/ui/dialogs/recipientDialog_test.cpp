@@ -14,6 +14,7 @@
 #include "host/directory.h"
 #include "platform/machine/host.h"
 #include "server/mdlCorvaneDatabase.h"
+#include "support/person.h"
 #include "support/temporaryHost.h"
 #include "support/windowScript.h"
 #include "ui/dialogs/dlgRecipient.h"
@@ -57,7 +58,7 @@ class RecipientDialog : public ::testing::Test {
         QTest::mouseClick(find<QAbstractButton>(name), Qt::LeftButton, {},
                           find<QWidget>(name)->inherits("QPushButton") ? QPoint() : QPoint(8, 12));
     }
-    void type(const char* name, const char* text) { find<QLineEdit>(name)->setText(text); }
+    void type(const char* name, const char* text) { person::type(*find<QLineEdit>(name), text); }
     void expectEnabled(std::initializer_list<const char*> names, bool enabled) {
         for (const char* name : names)
             EXPECT_EQ(find<QWidget>(name)->isEnabled(), enabled) << name;
@@ -72,7 +73,7 @@ class RecipientDialog : public ::testing::Test {
         script.expect(title, [&](QWidget& window) {
             auto& search = dynamic_cast<dlgSelect&>(window);
             types = search.subscriberTypes;
-            search.findChild<QPushButton*>("cmdSearch")->click();
+            person::click(search, "cmdSearch");
             auto* grid = search.findChild<ui::BoundGrid*>("myGrid");
             grid->setFocus();
             QTest::keyClick(grid, Qt::Key_Down);
@@ -101,14 +102,14 @@ TEST_F(RecipientDialog, NeedsANameAndADevice) {
         EXPECT_FALSE(okEnabled());
         for (const auto& [tab, box] :
              {std::pair(4, "chkSNMPTrapEnabled"), {5, "chkSyslogEnabled"}, {6, "chkFailoverEnabled"}}) {
-            tabs->setCurrentIndex(tab);
+            person::showPage(*tabs, tab);
             click(box);
             EXPECT_TRUE(okEnabled()) << box;
             EXPECT_EQ(find<QWidget>("txtSyslogHostAddress")->isEnabled(), tab == 5);
             click(box);
             EXPECT_FALSE(okEnabled()) << box;
         }
-        tabs->setCurrentIndex(5);
+        person::showPage(*tabs, 5);
         click("chkSyslogEnabled");
         type("txtRecipientName", "");
         EXPECT_FALSE(okEnabled());
@@ -134,7 +135,7 @@ TEST_F(RecipientDialog, NeedsANameAndADevice) {
 TEST_F(RecipientDialog, ListsAreEditedByTheirBoxes) {
     show([&] {
         type("txtRecipientName", "Ana");
-        tabs->setCurrentIndex(3);
+        person::showPage(*tabs, 3);
         ui::EntryList* list = tabs->smtp->list;
         for (const auto& [text, accepted] : {std::pair("a@b", true),
                                              {"@b", false},
@@ -174,7 +175,7 @@ TEST_F(RecipientDialog, ListsAreEditedByTheirBoxes) {
         }
         EXPECT_FALSE(okEnabled());
 
-        tabs->setCurrentIndex(1);
+        person::showPage(*tabs, 1);
         type("txtPagerNumber", "x");
         click("cmdAddToPagerList");
         clickEntry(tabs->pagers->list, 0);
@@ -189,7 +190,7 @@ TEST_F(RecipientDialog, ListsAreEditedByTheirBoxes) {
         EXPECT_EQ(tabs->pagers->list->count(), 0);
         EXPECT_EQ(find<QLineEdit>("txtPagerNumber")->text(), "");
         // The delete button is not reset; on the empty list it does nothing but leave a line in the log.
-        tabs->setCurrentIndex(1);
+        person::showPage(*tabs, 1);
         EXPECT_TRUE(find<QWidget>("cmdDeletePager")->isEnabled());
         EXPECT_EQ(host.countInLog("Err.Number"), 0);
         click("cmdDeletePager");
@@ -219,7 +220,7 @@ TEST_F(RecipientDialog, DirectoryEntriesAreSearchedForByKind) {
         click("optionVoiceMailType_0");
         EXPECT_NE(find<QLineEdit>("txtVoiceMailDirectoryId")->text(), "");
 
-        tabs->setCurrentIndex(2);
+        person::showPage(*tabs, 2);
         click("optionEmailType_0");
         select("cmdSelectEmail", "Subscriber Search", types);
         EXPECT_EQ(types, "(1,2,3)");
@@ -283,7 +284,7 @@ TEST_F(RecipientDialog, UnsupportedKindsAreOutOfSightAndTabsStandInRowsOfFour) {
         for (const char* hidden : {"Pager", "SNMP Trap", "Failover"})
             EXPECT_TRUE(place(hidden).isNull()) << hidden;
         EXPECT_EQ(place("Syslog").top(), place("Voice Mail").top());
-        tabs->setCurrentIndex(5);
+        person::showPage(*tabs, 5);
         EXPECT_TRUE(find<QCheckBox>("chkSyslogEnabled")->isVisible());
     });
 }

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QTabWidget>
 #include <QTreeWidget>
 #include <QtTest/QTest>
 #include <filesystem>
@@ -13,6 +14,7 @@
 
 #include "core/state.h"
 #include "platform/libraries/chmFile.h"
+#include "support/person.h"
 #include "support/scriptedPrompts.h"
 #include "support/temporaryHost.h"
 #include "ui/helpViewer/helpPages.h"
@@ -63,7 +65,7 @@ TEST_F(Help, OpensByItsKeyFromTheMainWindowAndIsClosedAtTheEnd) {
 
     mdlHTMLHelp::closeHelpWindow();
     EXPECT_EQ(window(), nullptr);
-    shell.findChild<QAction*>("mnuHelpContents")->trigger();
+    person::chooseMenu(shell, "mnuHelpContents");
     ASSERT_NE(window(), nullptr);
     window()->close();
     EXPECT_FALSE(viewer.isWindow(core::gHelpWindow));
@@ -88,16 +90,16 @@ TEST_F(Help, ContentsLinksAndHistoryLeadThroughThePages) {
     pages->setSource(QUrl("boxes.html"));
     EXPECT_EQ(heading(), "What each message means");
     EXPECT_EQ(contents->currentItem()->text(0), "What each message means");
-    find<QAction>("helpBack")->trigger();
+    person::chooseTool(*window(), "helpBack");
     EXPECT_EQ(page(), "assignment.html");
-    find<QAction>("helpForward")->trigger();
+    person::chooseTool(*window(), "helpForward");
     EXPECT_EQ(page(), "boxes.html");
     EXPECT_FALSE(find<QAction>("helpForward")->isEnabled());
     // Ways out of the file lead nowhere.
     for (const char* outside : {"https://example.org/boxes.html", "file:///etc/hostname", "absent.html"})
         pages->setSource(QUrl(outside));
     EXPECT_EQ(page(), "boxes.html");
-    find<QAction>("helpHome")->trigger();
+    person::chooseTool(*window(), "helpHome");
     EXPECT_EQ(page(), "welcome.html");
 }
 
@@ -106,20 +108,23 @@ TEST_F(Help, SearchFindsPagesThatHoldAllWordsTheBestFirst) {
     mdlHTMLHelp::showCHMHelp(mdlHTMLHelp::getHelpFileName(), 0);
     auto* words = find<QLineEdit>("helpSearch");
     auto* hits = find<QListWidget>("helpHits");
-    words->setText("exclusions");
+    auto& sidebar = *window()->findChild<QTabWidget*>();
+    person::showPage(sidebar, 2);
+    person::type(*words, "exclusions");
     ASSERT_GE(hits->count(), 3);
     EXPECT_EQ(hits->item(0)->text(), "Exclusions");
-    words->setText("  CLIPBOARD   colon ");
+    person::type(*words, "  CLIPBOARD   colon ");
     ASSERT_EQ(hits->count(), 1);
     QTest::keyClick(words, Qt::Key_Return);
     EXPECT_EQ(page(), "importFromEventViewer.html");
     EXPECT_EQ(find<ui::HelpPages>("helpPages")->textCursor().selectedText().toLower(), "clipboard");
-    words->setText("clipboard nowhereatall");
+    person::type(*words, "clipboard nowhereatall");
     EXPECT_EQ(hits->count(), 0);
     words->clear();
     EXPECT_EQ(hits->count(), 0);
 
-    find<QLineEdit>("helpIndexFilter")->setText("syslog");
+    person::showPage(sidebar, 1);
+    person::type(*find<QLineEdit>("helpIndexFilter"), "syslog");
     auto* index = find<QListWidget>("helpIndex");
     int shown = 0;
     for (int row = 0; row < index->count(); ++row)

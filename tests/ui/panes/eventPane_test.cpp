@@ -13,6 +13,7 @@
 #include <set>
 
 #include "support/mainWindowFixture.h"
+#include "ui/parts/deviceTabs.h"
 #include "ui/widgets/eventIdBox.h"
 #include "ui/widgets/textList.h"
 #include "ui/widgets/variableTextBox.h"
@@ -69,7 +70,7 @@ class EventPane : public uiTest::MainWindow {
     }
     bool applyEnabled() { return find<QPushButton>("cmdEventApply")->isEnabled(); }
     void apply() { QTest::mouseClick(find<QPushButton>("cmdEventApply"), Qt::LeftButton); }
-    void rename(const char* title) { find<QLineEdit>("txtEventTitle")->setText(title); }
+    void rename(const char* title) { person::type(*find<QLineEdit>("txtEventTitle"), title); }
     std::string title(long key) {
         return value("SELECT EventTitle FROM Events WHERE EventKey = " + std::to_string(key));
     }
@@ -145,11 +146,11 @@ TEST_F(EventPane, EveryControlMarksTheEventChanged) {
     makeAna(true);
     show(event);
     const std::pair<const char*, std::function<void()>> changes[] = {
-        {"source", [&] { find<QComboBox>("comboEventSource")->setCurrentIndex(0); }},
+        {"source", [&] { person::chooseRow(*find<QComboBox>("comboEventSource"), 0); }},
         {"id", [&] { QTest::keyClicks(find<ui::EventIdBox>("comboEventId"), "5"); }},
         {"type", [&] { QTest::keyClick(find<QComboBox>("comboEventType"), Qt::Key_Down); }},
         {"title", [&] { QTest::keyClicks(find<QLineEdit>("txtEventTitle"), "x"); }},
-        {"active", [&] { find<QCheckBox>("chkActive")->click(); }},
+        {"active", [&] { person::click(*window, "chkActive"); }},
         {"file", [&] { QTest::keyClicks(find<QLineEdit>("txtVoiceMailFileName"), "x"); }},
         {"voice priority", [&] { QTest::keyClick(find<QComboBox>("comboVoiceMailPriority"), Qt::Key_Up); }},
         {"subject", [&] { QTest::keyClicks(find<QWidget>("rtbEmailSubject"), "x"); }},
@@ -184,7 +185,7 @@ TEST_F(EventPane, IdTakesDigitsOnly) {
     EXPECT_EQ(id->idText(), "123") << "the first digit takes the place of the row's text";
     QTest::keyClick(id->lineEdit(), Qt::Key_Backspace);
     EXPECT_EQ(id->idText(), "12");
-    id->setCurrentIndex(0);
+    person::chooseRow(*id, 0);
     EXPECT_EQ(id->idText(), "-1");
     QTest::keyClick(id->lineEdit(), Qt::Key_Backspace);
     EXPECT_EQ(id->idText(), "");
@@ -196,14 +197,14 @@ TEST_F(EventPane, IdTakesDigitsOnly) {
 TEST_F(EventPane, ApplyWritesWhatIsShownAndSelectsTheEventAgain) {
     makeAna(true);
     show(event);
-    find<QComboBox>("comboEventSource")->setCurrentIndex(2);
-    find<ui::EventIdBox>("comboEventId")->setCurrentIndex(0);
-    find<QComboBox>("comboEventType")->setCurrentIndex(2);
+    person::chooseRow(*find<QComboBox>("comboEventSource"), 2);
+    person::chooseRow(*find<ui::EventIdBox>("comboEventId"), 0);
+    person::chooseRow(*find<QComboBox>("comboEventType"), 2);
     rename("it's");
-    find<QLineEdit>("txtVoiceMailFileName")->setText("b.wav");
-    find<QComboBox>("comboVoiceMailPriority")->setCurrentIndex(0);
-    find<ui::VariableTextBox>("rtbEmailSubject")->setStoredText("new <Type>");
-    find<ui::VariableTextBox>("rtbEmailBody")->setStoredText("one\r\ntwo");
+    person::type(*find<QLineEdit>("txtVoiceMailFileName"), "b.wav");
+    person::chooseRow(*find<QComboBox>("comboVoiceMailPriority"), 0);
+    person::type(*find<QWidget>("rtbEmailSubject"), "new <Type>");
+    person::type(*find<QWidget>("rtbEmailBody"), "one\ntwo");
     toggle("DeviceKey:12");
     prompts.expect(activateQuestion, BoxAnswer::no);
     apply();
@@ -237,7 +238,7 @@ TEST_F(EventPane, ApplyAsksWhatMayHaveBeenForgotten) {
     // An active event without an active device is warned of, an inactive one is not.
     rename("1");
     apply();
-    find<QCheckBox>("chkActive")->click();
+    person::click(*window, "chkActive");
     prompts.expect(noActiveDevices, BoxAnswer::ok);
     apply();
     // Activated by a tick and Apply with a device: nothing to ask.
@@ -247,7 +248,7 @@ TEST_F(EventPane, ApplyAsksWhatMayHaveBeenForgotten) {
 
     // An active event without recipients: No leaves it so.
     clickNode(nodeOf(other));
-    find<QCheckBox>("chkActive")->click();
+    person::click(*window, "chkActive");
     prompts.expect(noRecipients, BoxAnswer::no);
     apply();
     EXPECT_TRUE(mdlDatabase::isEventActive(other));
@@ -266,7 +267,7 @@ TEST_F(EventPane, ApplyAsksWhatMayHaveBeenForgotten) {
 
 TEST_F(EventPane, TheFirstRecipientIsCreatedOnTheWay) {
     show(event);
-    find<QCheckBox>("chkActive")->setChecked(true);
+    person::click(*window, "chkActive");
     prompts.expect(noRecipients, BoxAnswer::yes);
     script.expect("dlgRecipient", [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
     apply();
@@ -275,8 +276,9 @@ TEST_F(EventPane, TheFirstRecipientIsCreatedOnTheWay) {
     rename("again");
     prompts.expect(noRecipients, BoxAnswer::yes);
     script.expect("dlgRecipient", [](QWidget& dialog) {
-        dialog.findChild<QLineEdit*>("txtRecipientName")->setText("Ana");
-        dialog.findChild<QCheckBox*>("chkSyslogEnabled")->setChecked(true);
+        person::type(*dialog.findChild<QLineEdit*>("txtRecipientName"), "Ana");
+        person::showPage(*dialog.findChild<ui::DeviceTabs*>(), 5);
+        person::click(dialog, "chkSyslogEnabled");
         QTest::mouseClick(dialog.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
     });
     script.expect("dlgEditRecipients", [](QWidget& dialog) {
@@ -310,7 +312,7 @@ TEST_F(EventPane, LeavingAChangedEventAsks) {
     // the click, and the clicked node is the selected one.
     clickNode(nodeOf(other));
     rename("saved");
-    find<QCheckBox>("chkActive")->click();
+    person::click(*window, "chkActive");
     prompts.expect(saveQuestion, BoxAnswer::yes);
     clickNode(nodeOf(event));
     EXPECT_EQ(title(other), "saved");

@@ -35,7 +35,7 @@ class ExclusionPanes : public uiTest::MainWindow {
         script.expect("dlgAddExclusion", [this, source, typedId](QWidget& dialog) {
             auto& sources = *dialog.findChild<QComboBox*>("comboEventSource");
             EXPECT_EQ(sources.currentIndex(), -1);
-            sources.setCurrentIndex(sources.findText(QString::fromStdString(source)));
+            person::chooseRow(sources, sources.findText(QString::fromStdString(source)));
             auto* box = dialog.findChild<QLineEdit*>("tdbnlSpecificEventId");
             QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
             QTest::keyClicks(box, typedId);
@@ -99,27 +99,27 @@ TEST_F(ExclusionPanes, DetailsChangeTheIdAndNothingElse) {
     EXPECT_TRUE(option[0]->isChecked());
     EXPECT_FALSE(id->isVisible());
     EXPECT_FALSE(apply->isEnabled());
-    option[1]->click();
+    person::click(*option[1]);
     EXPECT_TRUE(id->isVisible());
     EXPECT_FALSE(apply->isEnabled()) << "with an empty box the button stays as it was";
     QTest::keyClicks(id, "8");
     EXPECT_TRUE(apply->isEnabled());
     QTest::keyClick(id, Qt::Key_Backspace);
     EXPECT_TRUE(apply->isEnabled()) << "an empty text does not switch it off";
-    apply->click();
+    person::click(*apply);
     EXPECT_EQ(exclusions().at(0), "Alarm|-1") << "an empty box is no number";
     EXPECT_EQ(host.countInLog("ERROR", "cmdExclusionApply_Click", "Err.Number = 13 "), 1);
     QTest::keyClicks(id, "21474836487");
     EXPECT_EQ(id->text(), "2147483647") << "the box takes what Apply reads, and no more";
-    source.setText("not saved");
-    apply->click();
+    person::type(source, "not saved");
+    person::click(*apply);
     EXPECT_EQ(exclusions().at(0), "Alarm|2147483647");
     EXPECT_EQ(tree->selectedKey(), "ExclusionKey-0");
     EXPECT_EQ(tree->nodeText("ExclusionKey-0"), "Alarm (2147483647)");
     EXPECT_EQ(source.text(), "Alarm");
     EXPECT_FALSE(apply->isEnabled());
 
-    option[0]->click();
+    person::click(*option[0]);
     EXPECT_FALSE(id->isVisible());
     EXPECT_TRUE(apply->isEnabled());
     // The other exclusion comes without a question, and the change is lost.
@@ -131,8 +131,8 @@ TEST_F(ExclusionPanes, DetailsChangeTheIdAndNothingElse) {
     EXPECT_EQ(exclusions().at(0), "Alarm|2147483647");
 
     run("DELETE FROM Exclusions WHERE ExclusionKey = 0");
-    option[0]->click();
-    apply->click();
+    person::click(*option[0]);
+    person::click(*apply);
     EXPECT_EQ(exclusions(), Lines{"Backup|7"}) << "an exclusion that is gone is not written";
 }
 
@@ -143,7 +143,7 @@ TEST_F(ExclusionPanes, CreatesFromEveryPlaceAndReadsTheIdAs16Bits) {
     EXPECT_EQ(tree->nodeText(tree->selectedKey()), "Backup (32767)");
     EXPECT_EQ(visiblePane(), 7);
     expectDialog("Alarm", "32768");
-    find<QAction>("mnuFileNewExclusion")->trigger();
+    chooseMenu("mnuFileNewExclusion");
     EXPECT_EQ(exclusions(), Lines{"Backup|32767"});
     EXPECT_EQ(host.countInLog("ERROR", "mnuPopupExclusion_Create_Click", "Err.Number = 6 "), 1);
     script.expectMenu("mnuPopupExclusion_Create");
@@ -152,13 +152,14 @@ TEST_F(ExclusionPanes, CreatesFromEveryPlaceAndReadsTheIdAs16Bits) {
         EXPECT_FALSE(ok->isEnabled()) << "a source is missing";
         EXPECT_TRUE(dialog.findChild<QRadioButton*>("optionEventId_0")->isChecked());
         EXPECT_EQ(dialog.findChild<QLineEdit*>("tdbnlSpecificEventId")->text(), "32768");
-        dialog.findChild<QComboBox*>("comboEventSource")->setCurrentIndex(2);
+        person::chooseRow(*dialog.findChild<QComboBox*>("comboEventSource"), 2);
         QTest::mouseClick(ok, Qt::LeftButton);
     });
     clickNode("keyExclusions", Qt::RightButton);
     EXPECT_EQ(tree->nodeText(tree->selectedKey()), "Cluster (All)");
     EXPECT_EQ(exclusions(), (Lines{"Backup|32767", "Cluster|-1"}));
     script.expect("dlgAddExclusion", [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    clickNode("keyExclusions");
     press("cmdCreateNewExclusion");
     EXPECT_EQ(exclusions().size(), 2u);
 }
@@ -168,7 +169,7 @@ TEST_F(ExclusionPanes, MenusDeleteTheSelectedExclusion) {
     openOn("ExclusionKey-0");
     expectQuestion("Alarm", BoxAnswer::yes);
     EXPECT_TRUE(find<QAction>("mnuFileDelete")->isEnabled());
-    find<QAction>("mnuFileDelete")->trigger();
+    chooseMenu("mnuFileDelete");
     EXPECT_EQ(tree->selectedKey(), "keyMonitoredEvents");
     expectQuestion("Backup", BoxAnswer::yes);
     script.expectMenu("mnuPopupExclusion_Delete");
@@ -192,36 +193,36 @@ TEST_F(ExclusionPanes, DialogHoldsItsRulesForOkAndImportsACopiedEvent) {
     };
     script.expect("dlgAddExclusion", [&](QWidget& shown) {
         EXPECT_TRUE(box->isVisible()) << "also with all ids chosen";
-        dialog.findChild<QRadioButton*>("optionEventId_1")->click();
-        dialog.findChild<QComboBox*>("comboEventSource")->setCurrentIndex(0);
+        person::click(dialog, "optionEventId_1");
+        person::chooseRow(*dialog.findChild<QComboBox*>("comboEventSource"), 0);
         EXPECT_FALSE(ok->isEnabled()) << "an id is missing";
-        dialog.findChild<QRadioButton*>("optionEventId_0")->click();
+        person::click(dialog, "optionEventId_0");
         EXPECT_TRUE(ok->isEnabled());
         QTest::keyClicks(box, "-12x");
         EXPECT_TRUE(check("optionEventId_1")) << "typing an id chooses it";
         EXPECT_EQ(box->text(), "-12");
-        dialog.findChild<QRadioButton*>("optionEventId_0")->click();
+        person::click(dialog, "optionEventId_0");
         EXPECT_EQ(box->text(), "-12") << "the text stays";
         copy("cluster", "0042");
-        import->click();
+        person::click(*import);
         EXPECT_EQ(dialog.eventSource(), "Cluster");
         EXPECT_FALSE(dialog.allEventIds());
         EXPECT_EQ(box->text(), "42");
         copy("cluster", "-32769");
         auto* sign = dialog.findChild<QWidget*>("Frame1")->findChild<ui::LimitsSign*>();
-        import->click();
+        person::click(*import);
         EXPECT_TRUE(sign->isVisible());
-        dialog.findChild<QRadioButton*>("optionEventId_0")->click();
+        person::click(dialog, "optionEventId_0");
         EXPECT_FALSE(sign->isVisible()) << "the id does not count";
         copy("cluster", "42");
-        import->click();
+        person::click(*import);
         EXPECT_FALSE(sign->isVisible());
         copy("Unknown", "5");
         prompts.expect({"Clipboard data does not appear to be Event data.  Please see the 'How to import "
                         "events from the Event Viewer' section in the help file.",
                         "No Event Data Found", BoxIcon::exclamation, BoxButtons::ok},
                        BoxAnswer::ok);
-        import->click();
+        person::click(*import);
         EXPECT_EQ(box->text(), "42");
         QTest::keyClick(&shown, Qt::Key_Escape);
     });

@@ -68,7 +68,7 @@ class RecipientPanes : public uiTest::MainWindow {
     void show(long key) {
         if (!window)
             open();
-        window->selectNode("RecipientKey:" + std::to_string(key));
+        clickNode("RecipientKey:" + std::to_string(key));
         ASSERT_EQ(visiblePane(), 3);
         pane = find<paneRecipientDetails>("vsviewportDetails_3");
         tabs = find<ui::DeviceTabs>("sstabRecipientDevices");
@@ -80,11 +80,20 @@ class RecipientPanes : public uiTest::MainWindow {
     }
     bool enabled(const char* name) { return in<QWidget>(name)->isEnabled(); }
     std::string textOf(const char* name) { return ui::toUtf8(in<QLineEdit>(name)->text()); }
-    void type(const char* name, const char* text) { in<QLineEdit>(name)->setText(text); }
-    void push(const char* name) { in<QAbstractButton>(name)->click(); }
+    // A control of a page stands behind its tab.
+    template <class Control>
+    Control& reach(const char* name) {
+        auto* control = in<Control>(name);
+        for (int i = 0; i < tabs->count() && !control->isVisible(); ++i)
+            if (tabs->isTabVisible(i))
+                person::showPage(*tabs, i);
+        return *control;
+    }
+    void type(const char* name, const char* text) { person::type(reach<QLineEdit>(name), text); }
+    void push(const char* name) { person::click(reach<QAbstractButton>(name)); }
     void clickEntry(const char* name, int index) {
         auto* list = in<ui::EntryList>(name);
-        tabs->setCurrentIndex(std::string(name) == "tvPagerNumbers" ? 1 : 3);
+        person::showPage(*tabs, std::string(name) == "tvPagerNumbers" ? 1 : 3);
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
                           list->visualItemRect(list->item(index)).center());
     }
@@ -162,7 +171,7 @@ TEST_F(RecipientPanes, ActiveColumnWritesAtOnceAndOthersDoNot) {
     QTest::keyClick(grid, Qt::Key_Space);
     EXPECT_NE(grid->cellValue(1, "RecipientActive").toBool(), before) << "by keyboard";
 
-    window->selectNode("keyRecipients");
+    clickNode("keyRecipients");
     QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {},
                        grid->cellRectangle(3, "RecipientName").center());
     EXPECT_EQ(tree->selectedKey(), "RecipientKey:3");
@@ -388,24 +397,25 @@ TEST_F(RecipientPanes, RecipientsAreCreatedAndDeletedFromEveryPlace) {
     openDirectory();
     showList();
     script.expect("dlgRecipient", [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
-    find<QPushButton>("cmdCreateNewRecipient")->click();
+    press("cmdCreateNewRecipient");
     EXPECT_EQ(value("SELECT Count(*) FROM Recipients"), "3");
     script.expect("dlgRecipient", [](QWidget& dialog) {
-        dialog.findChild<QLineEdit*>("txtRecipientName")->setText("Dan");
-        dialog.findChild<QCheckBox*>("chkSNMPTrapEnabled")->click();
-        dialog.findChild<QPushButton*>("cmdOk")->click();
+        person::type(*dialog.findChild<QLineEdit*>("txtRecipientName"), "Dan");
+        person::showPage(*dialog.findChild<ui::DeviceTabs*>(), 4);
+        person::click(dialog, "chkSNMPTrapEnabled");
+        person::click(dialog, "cmdOk");
     });
-    find<QAction>("mnuFileNewRecipient")->trigger();
+    chooseMenu("mnuFileNewRecipient");
     EXPECT_EQ(tree->selectedKey(), "RecipientKey:4");
     EXPECT_EQ(visiblePane(), 3);
     EXPECT_EQ(value("SELECT Count(*) FROM AddressDetails WHERE AddressType = 5"), "2") << "rebuilt";
 
     EXPECT_TRUE(find<QAction>("mnuFileDelete")->isEnabled());
     prompts.expect(deleteQuestion("Dan"), BoxAnswer::no);
-    find<QAction>("mnuFileDelete")->trigger();
+    chooseMenu("mnuFileDelete");
     EXPECT_EQ(tree->selectedKey(), "RecipientKey:4");
     prompts.expect(deleteQuestion("Dan"), BoxAnswer::yes);
-    find<QAction>("mnuFileDelete")->trigger();
+    chooseMenu("mnuFileDelete");
     EXPECT_EQ(tree->selectedKey(), "keyRecipients");
     EXPECT_FALSE(tree->contains("RecipientKey:4"));
     prompts.expect(deleteQuestion("Cy"), BoxAnswer::yes);

@@ -61,7 +61,7 @@ class ImportEvents : public uiTest::MainWindowOn<support::ServiceHost> {
                  "import again.",
                  "Cannot Stop TsKESN Service", BoxIcon::critical, BoxButtons::ok},
                 BoxAnswer::ok);
-        find<QAction>("mnuImportEvents")->trigger();
+        chooseMenu("mnuImportEvents");
     }
     Lines imported() { return rows("SELECT EventSource, EventId FROM Events WHERE EventKey > 2"); }
 

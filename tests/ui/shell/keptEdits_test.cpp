@@ -120,7 +120,7 @@ TEST_F(KeptEdits, WhatIsDeletedIsForgottenWithItsEdits) {
     prompts.expect({"Are your sure you want to delete event: Alarm (4)", "Delete Selected Event?",
                     BoxIcon::question, BoxButtons::yesNo},
                    BoxAnswer::yes);
-    find<QAction>("mnuFileDelete")->trigger();
+    chooseMenu("mnuFileDelete");
     EXPECT_EQ(visiblePane(), 0);
     EXPECT_EQ(value("SELECT count(*) FROM Contents WHERE EventKey = " + std::to_string(first)), "0");
     clickNode(recipientNode(first));
@@ -128,7 +128,7 @@ TEST_F(KeptEdits, WhatIsDeletedIsForgottenWithItsEdits) {
     prompts.expect({"Are your sure you want to delete recipient: Ana " + std::to_string(first),
                     "Delete Selected Recipient?", BoxIcon::question, BoxButtons::yesNo},
                    BoxAnswer::yes);
-    find<QAction>("mnuFileDelete")->trigger();
+    chooseMenu("mnuFileDelete");
     EXPECT_EQ(visiblePane(), 2);
 }
 

@@ -101,17 +101,17 @@ TEST_F(MainWindow, AddsAnEventThroughTheDialogAndSelectsIt) {
         sources->setFocus();
         QTest::keyClicks(sources, "B");
         EXPECT_TRUE(ok->isEnabled());
-        dialog.findChild<QRadioButton*>("optionEventId_1")->click();
+        person::click(dialog, "optionEventId_1");
         EXPECT_TRUE(id->isVisible());
         EXPECT_FALSE(ok->isEnabled()) << "a specific id is missing";
         QTest::keyClicks(id, "42");
         EXPECT_TRUE(ok->isEnabled());
-        dialog.findChild<QComboBox*>("comboEmailPriority")->setCurrentIndex(0);
-        dialog.findChild<QComboBox*>("comboEventType")->setCurrentIndex(2);
-        dialog.findChild<QLineEdit*>("txtEventTitle")->setText("it's; \"quoted\" 100%");
+        person::chooseRow(*dialog.findChild<QComboBox*>("comboEmailPriority"), 0);
+        person::chooseRow(*dialog.findChild<QComboBox*>("comboEventType"), 2);
+        person::type(*dialog.findChild<QLineEdit*>("txtEventTitle"), "it's; \"quoted\" 100%");
         QTest::mouseClick(ok, Qt::LeftButton);
     });
-    find<QAction>("mnuFileNewEvent")->trigger();
+    chooseMenu("mnuFileNewEvent");
     EXPECT_EQ(tree->nodeText(tree->selectedKey()), "Backup (42)");
     EXPECT_EQ(value("SELECT EventSource, EventId, EventTitle, EventType, EventActive FROM Events "
                     "ORDER BY EventKey DESC LIMIT 1"),
@@ -125,12 +125,13 @@ TEST_F(MainWindow, AddsAnEventThroughTheDialogAndSelectsIt) {
     script.expect("Add New Event", [&](QWidget& dialog) {
         EXPECT_EQ(dialog.findChild<QLineEdit*>("txtEventTitle")->text(), "")
             << "the shared dialog starts fresh";
-        dialog.findChild<QRadioButton*>("optionEventId_1")->click();
-        dialog.findChild<QRadioButton*>("optionEventId_0")->click();
+        person::click(dialog, "optionEventId_1");
+        person::click(dialog, "optionEventId_0");
         EXPECT_EQ(dialog.findChild<QLineEdit*>("tdbnlSpecificEventId")->text(), "-1");
         QTest::keyClick(&dialog, Qt::Key_Escape);
     });
-    find<QPushButton>("cmdCreateNewEvent")->click();
+    clickNode("keyMonitoredEvents");
+    press("cmdCreateNewEvent");
     EXPECT_EQ(value("SELECT Count(*) FROM Events"), "3");
 }
 
@@ -163,9 +164,9 @@ TEST_F(MainWindow, AnyTextArrivesInTheDatabase) {
         auto* typed = dialog.findChild<QWidget*>("txtEventTitle");
         typed->setFocus();
         QTest::keyClicks(typed, "'--\"");
-        dialog.findChild<QPushButton*>("cmdOk")->click();
+        person::click(dialog, "cmdOk");
     });
-    find<QAction>("mnuFileNewEvent")->trigger();
+    chooseMenu("mnuFileNewEvent");
     const std::string stored = QString::fromStdString(body).replace("\n", "\r\n").toStdString();
     const std::string notes = title + std::string(100'000, 'x') + "'--\"";
     // Compared whole, but not printed.
@@ -190,9 +191,9 @@ TEST_F(MainWindow, DuplicateDeclinedSelectsTheExistingEvent) {
         auto* sources = dialog.findChild<QComboBox*>("comboEventSource");
         sources->setFocus();
         QTest::keyClicks(sources, "B");
-        dialog.findChild<QPushButton*>("cmdOk")->click();
+        person::click(dialog, "cmdOk");
     });
-    find<QAction>("mnuFileNewEvent")->trigger();
+    chooseMenu("mnuFileNewEvent");
     EXPECT_EQ(tree->selectedKey(), "EventKey-" + std::to_string(existing));
 }
 
@@ -230,10 +231,10 @@ TEST_F(MainWindow, GridSwitchesAnEventAtOnceAndDeletesAfterAQuestion) {
     const platform::MessageBox question{"Are your sure you want to delete event: Backup (17)",
                                         "Delete Selected Event?", BoxIcon::question, BoxButtons::yesNo};
     prompts.expect(question, BoxAnswer::no);
-    find<QAction>("mnuFileDelete")->trigger();
+    chooseMenu("mnuFileDelete");
     EXPECT_EQ(grid->gridRowCount(), 2);
     prompts.expect(question, BoxAnswer::yes);
-    find<QAction>("mnuFileDelete")->trigger();
+    chooseMenu("mnuFileDelete");
     EXPECT_EQ(grid->gridRowCount(), 1);
     EXPECT_EQ(tree->selectedKey(), tree->keyAt(1));
     EXPECT_EQ(visiblePane(), 0);
@@ -359,7 +360,7 @@ TEST_F(MainWindow, ExitLosesUnsavedEditsWithoutAQuestionAndTakesTheOtherWindowsA
     const long key = add("Backup", "17", "nightly");
     open();
     clickNode("EventKey-" + std::to_string(key));
-    find<QLineEdit>("txtEventTitle")->setText("unsaved");
+    person::type(*find<QLineEdit>("txtEventTitle"), "unsaved");
     QWidget other;
     other.show();
     std::string order;
@@ -367,7 +368,7 @@ TEST_F(MainWindow, ExitLosesUnsavedEditsWithoutAQuestionAndTakesTheOtherWindowsA
         order =
             std::string(window->isVisible() ? "open" : "closed") + (other.isVisible() ? " open" : " closed");
     });
-    find<QAction>("mnuExit")->trigger();
+    chooseMenu("mnuExit");
     EXPECT_EQ(order, "closed closed");
     EXPECT_EQ(value("SELECT EventTitle FROM Events WHERE EventKey = " + std::to_string(key)), "nightly");
 }
@@ -410,7 +411,7 @@ TEST_F(MainWindow, ShowsTheCurrentLogFileInAnotherProgram) {
     std::filesystem::permissions(program, std::filesystem::perms::owner_all);
     mdlDatabase::setConfigurationSetting("OutputFilePath", "/a folder/the log.txt");
     open();
-    find<QAction>("mnuViewCurrentLogFile")->trigger();
+    chooseMenu("mnuViewCurrentLogFile");
     ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(seen); }));
     std::ifstream file(seen);
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "1\n/a folder/the log.txt\n");
