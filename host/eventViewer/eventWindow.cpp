@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QFileDialog>
-#include <QFontMetrics>
 #include <QHeaderView>
 #include <QIcon>
 #include <QLabel>
@@ -111,10 +110,10 @@ QWidget* EventWindow::createDetails(QWidget* parent) {
     txtDetails_->setTabChangesFocus(true);
     // A read-only text that the keyboard can reach and mark.
     txtDetails_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    int widest = 0;
+    int widest = txtDetails_->fontMetrics().horizontalAdvance(texts_.monitoredEvent);
     for (const char* caption : texts_.copiedLabels)
-        widest = std::max(widest, QFontMetrics(txtDetails_->font())
-                                      .horizontalAdvance(ui::plainCaption(QString(caption).trimmed())));
+        widest = std::max(widest, txtDetails_->fontMetrics().horizontalAdvance(
+                                      ui::plainCaption(QString(caption).trimmed())));
     constexpr int gap = 24;
     txtDetails_->setTabStopDistance(widest + gap);
     label->setBuddy(txtDetails_);
