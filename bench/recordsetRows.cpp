@@ -195,12 +195,13 @@ void updateBare(const Engine& engine) {
     }
 }
 
+constexpr double usualReach = 1.3;
+
 }  // namespace
 
 void recordsetRows(Table& table, const std::filesystem::path& folder, const std::string& place) {
     // Reading ahead takes all columns of a row, and nobody notices what that costs.
     constexpr double streamReach = 1.5;
-    constexpr double reach = 1.3;
     const std::filesystem::path file = folder / "recordsets.MDB";
     makeDatabase(file, eventCount);
     Connection connection;
@@ -210,7 +211,7 @@ void recordsetRows(Table& table, const std::filesystem::path& folder, const std:
     insist(readOurs(openStream(connection)) == keepBare(engine), "both sides read the same");
     insist(findOurs(connection) == findBare(engine), "both sides find the same");
     const auto compare = [&](const std::string& what, double units, const std::function<void()>& ours,
-                             const std::function<void()>& peer, double within = reach) {
+                             const std::function<void()>& peer, double within = usualReach) {
         table.compare({what + ", " + place, units, Show::timePerUnit, 9, within},
                       {"ours", [&] { return secondsOf(ours); }}, {bareName, [&] { return secondsOf(peer); }});
     };

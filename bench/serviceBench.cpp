@@ -2,6 +2,7 @@
 // side's memory is that of a process of its own.
 #include <curl/curl.h>
 #include <poll.h>
+#include <sqlite3.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <systemd/sd-journal.h>
@@ -47,8 +48,9 @@ constexpr long journalRecords = 1'000'000;
 platform::EventRecord recordOf(long number) {
     platform::EventRecord record;
     record.log = "Application";
-    record.source = "MeridaneCorvane_" + std::to_string(number % 40);
-    record.id = static_cast<std::uint32_t>(number % (eventCount - 2) + 1);
+    const long event = number % (eventCount - 2) + 1;
+    record.source = "MeridaneCorvane_" + std::to_string(event % 40);
+    record.id = static_cast<std::uint32_t>(event);
     record.type = 1;
     return record;
 }
@@ -250,8 +252,11 @@ void compareMailbox(Table& table, const fs::path& folder) {
                        service::Message message;
                        message.key = std::to_string(++number);
                        message.address = "a@b";
-                       return secondsOf([&] {
-                           insist(bare.send(message, {}).result == service::Result::delivered, "mailbox");
+                       return secondsOf(
+                           [&] {
+            insist(bare.send(message, {std::chrono::steady_clock::now() + std::chrono::seconds(10)}).result ==
+                       service::Result::delivered,
+                   "mailbox");
                        });
                    }});
 }
