@@ -14,6 +14,9 @@ namespace service {
 
 namespace {
 
+// To one address, kept with one write: their number bounds what a crash lets be sent a second time.
+constexpr std::size_t messagesTogether = 100;
+
 Moment now() {
     return platform::clock().now();
 }
@@ -68,11 +71,14 @@ void Delivery::sendDue(Outbox& outbox) {
     const std::size_t most = std::max<std::size_t>(options_.threads / 2, 1);
     for (const Lane lane : {Lane::mail, Lane::other})
         while (dispatcher_.idle() > 0 && dispatcher_.busyIn(lane) < most) {
-            const auto message = outbox.due(now(), lane, dispatcher_.busy());
-            if (!message)
+            Dispatcher::Jobs jobs;
+            for (const Outgoing& message : outbox.due(now(), lane, dispatcher_.busy(), messagesTogether)) {
+                options_.passes("before send");
+                jobs.push_back(jobOf(outbox, message));
+            }
+            if (jobs.empty())
                 break;
-            options_.passes("before send");
-            dispatcher_.start(jobOf(outbox, *message));
+            dispatcher_.start(std::move(jobs));
         }
 }
 
@@ -81,16 +87,28 @@ void Delivery::collect() {
         ended_.push_back(std::move(ended));
 }
 
-// An outcome that cannot be kept stays here, and nothing more is sent until it can: its message would look as
-// if it had never been sent.
+// Outcomes that cannot be kept stay here, and nothing more is sent until they can: their messages would look
+// as if they had never been sent.
 void Delivery::settle(Outbox& outbox) {
     collect();
-    for (; !ended_.empty(); ended_.pop_front())
-        settle(outbox, ended_.front().first, ended_.front().second);
+    std::vector<Outgoing> kept;
+    std::vector<std::string> lines;
+    for (const auto& [message, outcome] : ended_) {
+        options_.passes("sent but unmarked");
+        const Outgoing settled = settledOf(message, outcome, lines);
+        // In an outbox that was made anew its key belongs to another message.
+        if (settled.outboxId == outbox.id())
+            kept.push_back(settled);
+    }
+    if (!kept.empty())
+        outbox.update(kept);
+    for (const std::string& line : lines)
+        log_.add(line);
+    ended_.clear();
 }
 
-void Delivery::settle(Outbox& outbox, Outgoing message, const Outcome& outcome) {
-    options_.passes("sent but unmarked");
+Outgoing Delivery::settledOf(Outgoing message, const Outcome& outcome,
+                             std::vector<std::string>& lines) const {
     ++message.attempts;
     message.answer = readableText(outcome.answer);
     message.settled = now();
@@ -105,15 +123,14 @@ void Delivery::settle(Outbox& outbox, Outgoing message, const Outcome& outcome) 
         message.state = State::givenUp;
     }
     const bool waits = message.state == State::waiting;
-    // In an outbox that was made anew its key belongs to another message.
-    if (message.outboxId == outbox.id())
-        outbox.update({message});
-    log_.add((taken   ? "Told: "
-              : waits ? "Waits: "
-                      : "Not told: ") +
-             nameOf(message) + ": " + outcomeText(message) +
-             (waits ? "; next attempt at " + platform::defaultForm(platform::localTime(message.nextAttempt))
-                    : std::string()));
+    lines.push_back(
+        (taken   ? "Told: "
+         : waits ? "Waits: "
+                 : "Not told: ") +
+        nameOf(message) + ": " + outcomeText(message) +
+        (waits ? "; next attempt at " + platform::defaultForm(platform::localTime(message.nextAttempt))
+               : std::string()));
+    return message;
 }
 
 // First the outcome, then the history, then done: whatever is interrupted is finished after a restart.

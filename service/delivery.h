@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "service/decision/configuration.h"
 #include "service/outbox/dispatcher.h"
@@ -49,7 +50,7 @@ class Delivery {
     int descriptor() const noexcept { return dispatcher_.descriptor(); }
 
   private:
-    void settle(Outbox& outbox, Outgoing message, const Outcome& outcome);
+    Outgoing settledOf(Outgoing message, const Outcome& outcome, std::vector<std::string>& lines) const;
     Dispatcher::Job jobOf(const Outbox& outbox, const Outgoing& message) const;
     std::optional<Outcome> prepare(Dispatcher::Job& job, const Deadline& deadline) const;
 

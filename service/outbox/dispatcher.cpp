@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdint>
 #include <exception>
+#include <iterator>
 
 #include "platform/failure.h"
 
@@ -17,6 +18,7 @@ namespace service {
 namespace {
 
 constexpr std::chrono::minutes longestAttempt(10);
+constexpr std::chrono::milliseconds longestTogether(500);
 
 platform::Descriptor makeWake() {
     platform::Descriptor wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
@@ -49,11 +51,12 @@ Dispatcher::~Dispatcher() {
     stop();
 }
 
-void Dispatcher::start(Job job) {
-    busy_.emplace(job.stored.key, Attempt{addressKey(job.stored), laneOf(job.stored.kind)});
+void Dispatcher::start(Jobs jobs) {
+    const Outgoing& first = jobs.front().stored;
+    busy_.emplace(first.key, Attempt{addressKey(first), laneOf(first.kind)});
     {
         const std::lock_guard lock(mutex_);
-        jobs_.push_back(std::move(job));
+        jobs_.push_back(std::move(jobs));
     }
     news_.notify_one();
 }
@@ -73,14 +76,17 @@ std::vector<std::string> Dispatcher::busy() const {
 std::vector<std::pair<Outgoing, Outcome>> Dispatcher::take() {
     std::uint64_t count = 0;
     [[maybe_unused]] const ssize_t drained = ::read(wake_.get(), &count, sizeof count);
-    std::vector<std::pair<Outgoing, Outcome>> finished;
+    std::vector<Ended> finished;
     {
         const std::lock_guard lock(mutex_);
         finished.swap(finished_);
     }
-    for (const auto& [message, outcome] : finished)
-        busy_.erase(message.key);
-    return finished;
+    std::vector<std::pair<Outgoing, Outcome>> all;
+    for (Ended& ended : finished) {
+        busy_.erase(ended.firstKey);
+        std::ranges::move(ended.outcomes, std::back_inserter(all));
+    }
+    return all;
 }
 
 void Dispatcher::stop() {
@@ -95,40 +101,57 @@ void Dispatcher::stop() {
             thread.join();
 }
 
+Outcome Dispatcher::attempt(Job& job, Transports& transports) {
+    try {
+        auto& transport = transports[job.stored.kind];
+        if (!transport)
+            transport = make_(job.stored.kind);
+        // What is not set up may be again, within the day that a message is kept.
+        if (!transport)
+            return {Result::tryAgain, "This host is not set up for such devices at present"};
+        const Deadline deadline{std::chrono::steady_clock::now() + longestAttempt, &isStopping_};
+        auto settled = prepare_(job, deadline);
+        return settled ? std::move(*settled) : transport->send(job.message, deadline);
+    } catch (const std::exception& error) {
+        return {Result::tryAgain, error.what()};
+    }
+}
+
+Dispatcher::Ended Dispatcher::attemptAll(Jobs jobs, Transports& transports) {
+    const auto end = std::chrono::steady_clock::now() + longestTogether;
+    Ended ended{jobs.front().stored.key, {}};
+    bool goesOn = true;
+    for (Job& job : jobs) {
+        if (!goesOn)
+            break;
+        Outcome outcome = attempt(job, transports);
+        goesOn = outcome.result != Result::tryAgain && !isStopping_ && std::chrono::steady_clock::now() < end;
+        ended.outcomes.emplace_back(std::move(job.stored), std::move(outcome));
+    }
+    return ended;
+}
+
 void Dispatcher::work() {
-    std::map<DeviceKind, std::unique_ptr<Transport>> transports;
+    Transports transports;
     unsigned generation = generation_;
     for (;;) {
-        Job job;
+        Jobs jobs;
         {
             std::unique_lock lock(mutex_);
             news_.wait(lock, [this] { return isStopping_ || !jobs_.empty(); });
             if (isStopping_)
                 return;
-            job = std::move(jobs_.front());
+            jobs = std::move(jobs_.front());
             jobs_.pop_front();
         }
         if (generation != generation_) {
             generation = generation_;
             transports.clear();
         }
-        // What is not set up may be again, within the day that a message is kept.
-        Outcome outcome{Result::tryAgain, "This host is not set up for such devices at present"};
-        try {
-            auto& transport = transports[job.stored.kind];
-            if (!transport)
-                transport = make_(job.stored.kind);
-            const Deadline deadline{std::chrono::steady_clock::now() + longestAttempt, &isStopping_};
-            if (transport) {
-                auto settled = prepare_(job, deadline);
-                outcome = settled ? std::move(*settled) : transport->send(job.message, deadline);
-            }
-        } catch (const std::exception& error) {
-            outcome = {Result::tryAgain, error.what()};
-        }
+        Ended ended = attemptAll(std::move(jobs), transports);
         {
             const std::lock_guard lock(mutex_);
-            finished_.emplace_back(std::move(job.stored), std::move(outcome));
+            finished_.push_back(std::move(ended));
         }
         const std::uint64_t one = 1;
         [[maybe_unused]] const ssize_t written = ::write(wake_.get(), &one, sizeof one);

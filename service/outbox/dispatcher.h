@@ -31,6 +31,9 @@ class Dispatcher {
         Message message;
     };
 
+    // Messages to one address, sent one after the other by one thread.
+    using Jobs = std::vector<Job>;
+
     // Completes a job in its thread, before it is sent; gives the outcome where it cannot even be sent.
     using Prepare = std::function<std::optional<Outcome>(Job&, const Deadline&)>;
 
@@ -41,8 +44,11 @@ class Dispatcher {
     Dispatcher(const Dispatcher&) = delete;
     Dispatcher& operator=(const Dispatcher&) = delete;
 
-    // The following are for the owner's thread. Starts an attempt; there must be an idle() thread for it.
-    void start(Job job);
+    // The following are for the owner's thread. Starts attempts, one at least; there must be an idle() thread
+    // for them. They end together, so that one write keeps all their outcomes: after half a second, or with
+    // the first that is to be tried again. What was not tried until then is given by nobody, and is due as
+    // before.
+    void start(Jobs jobs);
     std::size_t idle() const { return threads_.size() - busy_.size(); }
     std::size_t busyIn(Lane lane) const;
     // The addresses that attempts are on their way to, as addressKey() has them.
@@ -63,15 +69,23 @@ class Dispatcher {
         std::string address;
         Lane lane;
     };
+    struct Ended {
+        std::int64_t firstKey;
+        std::vector<std::pair<Outgoing, Outcome>> outcomes;
+    };
+    using Transports = std::map<DeviceKind, std::unique_ptr<Transport>>;
+    Outcome attempt(Job& job, Transports& transports);
+    Ended attemptAll(Jobs jobs, Transports& transports);
+
     MakeTransport make_;
     Prepare prepare_;
     platform::Descriptor wake_;
     std::atomic<bool> isStopping_ = false;
     std::atomic<unsigned> generation_ = 0;
-    std::map<std::int64_t, Attempt> busy_;  // of the owner
+    std::map<std::int64_t, Attempt> busy_;  // of the owner, by the key of the first message
     std::mutex mutex_;                      // guards the two below
-    std::deque<Job> jobs_;
-    std::vector<std::pair<Outgoing, Outcome>> finished_;
+    std::deque<Jobs> jobs_;
+    std::vector<Ended> finished_;
     std::condition_variable news_;
     std::vector<std::thread> threads_;
 };

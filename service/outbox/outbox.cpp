@@ -172,24 +172,29 @@ std::optional<Moment> Outbox::pendingSince(long eventKey) {
                                                            : std::nullopt;
 }
 
-std::optional<Outgoing> Outbox::due(Moment now, Lane lane, const std::vector<std::string>& busy) {
+std::vector<Outgoing> Outbox::due(Moment now, Lane lane, const std::vector<std::string>& busy,
+                                  std::size_t most) {
     Query row = store_->query(
         "SELECT Key, Kind, Address FROM Message WHERE State = 0 AND NextAttempt <= ? AND (Kind BETWEEN 1 AND "
         "4) = ?"
         " ORDER BY NextAttempt, Key");
     row.with(numberOf(now)).with(std::int64_t{lane == Lane::mail});
-    while (row.next()) {
+    static const std::string byKey = std::string(messageColumns) + "WHERE Key = ?";
+    std::vector<Outgoing> messages;
+    std::string address;
+    while (messages.size() < most && row.next()) {
         Outgoing head;
         head.kind = static_cast<DeviceKind>(row.number(1));
         head.address = row.text(2);
-        if (std::ranges::find(busy, addressKey(head)) != busy.end())
+        const std::string key = addressKey(head);
+        if (messages.empty() ? std::ranges::find(busy, key) != busy.end() : key != address)
             continue;
-        static const std::string byKey = std::string(messageColumns) + "WHERE Key = ?";
+        address = key;
         Query message = store_->query(byKey.c_str());
         if (message.with(row.number(0)).next())
-            return messageOf(message);
+            messages.push_back(messageOf(message));
     }
-    return std::nullopt;
+    return messages;
 }
 
 std::optional<Moment> Outbox::nextAttemptAfter(Moment moment) {

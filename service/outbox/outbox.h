@@ -97,8 +97,8 @@ class Outbox {
     std::optional<Moment> pendingSince(long eventKey);
 
     // The message of a lane that has been due for longest by `now`, but for those to the addresses in `busy`,
-    // as addressKey() has them; nothing when there is none.
-    std::optional<Outgoing> due(Moment now, Lane lane, const std::vector<std::string>& busy);
+    // as addressKey() has them, and behind it those that are due to the same address, `most` in all.
+    std::vector<Outgoing> due(Moment now, Lane lane, const std::vector<std::string>& busy, std::size_t most);
     // When, after a moment, the next message is to be sent; nothing when none waits so.
     std::optional<Moment> nextAttemptAfter(Moment moment);
     // Keeps the state, attempts, moments and answer of messages, all or none.

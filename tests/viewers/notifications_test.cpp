@@ -180,7 +180,9 @@ TEST_F(NotificationsLog, JoinsTheHistoryWithWhatWaitsAndSendsAgain) {
     EXPECT_EQ(column(0), "Waiting|Waiting|Refused|Told|Told");
     EXPECT_EQ(table->currentIndex().row(), 2) << "the old one stays, and stays chosen";
     EXPECT_TRUE(says(Qt::Key_A, "The same message waits already."));
-    EXPECT_EQ(outbox.due(platform::clock().now() + std::chrono::minutes(1), service::Lane::mail, {})->address,
+    EXPECT_EQ(outbox.due(platform::clock().now() + std::chrono::minutes(1), service::Lane::mail, {}, 1)
+                  .at(0)
+                  .address,
               "x@y");
 }
 
