@@ -19,8 +19,8 @@ void createHost(const std::filesystem::path& folder, const HostOptions& options)
     addShortcut(root);
     if (options.legacyNotifier)
         fillLegacyNotifier(root, options.kit);
-    // Last, because a folder with a registry is a host: one that was cut short can be made again.
     fillDemonstrationRegistry(root, options);
+    finishTree(root);
 }
 
 }  // namespace host

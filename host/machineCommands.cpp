@@ -6,6 +6,7 @@
 #include "host/machineHost.h"
 #include "host/machineMail.h"
 #include "host/registryEntries.h"
+#include "host/tree.h"
 #include "platform/failure.h"
 #include "platform/files/files.h"
 #include "platform/machine/host.h"
@@ -94,7 +95,9 @@ int createMachineCommand(Arguments& arguments, const std::filesystem::path& kit)
     options.sources = sourcesOf(journal);
     const host::MachineHost made = host::createMachineHost(folder, options);
     service::chooseJournal(choice);
-    tell(made, journal, setUpMail());
+    const Mail mail = setUpMail();
+    host::finishTree(made.root);
+    tell(made, journal, mail);
     return 0;
 }
 

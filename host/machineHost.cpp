@@ -110,7 +110,6 @@ MachineHost createMachineHost(const std::filesystem::path& folder, const Machine
     // The console asks the main service's entry for the account; this machine has no such program.
     setValue(std::string(servicesKey) + "TsHubMgr", "ObjectName", account.name);
     addNotifyingService(made.root, account);
-    // Last, because a folder whose registry names the product is a host.
     addProduct(made.root, 4);
     return made;
 }

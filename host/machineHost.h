@@ -31,9 +31,9 @@ struct MachineHost {
     long people = 0;
 };
 
-// Makes the host and its installation tree below `folder`; it becomes the present one. The service is
-// installed to start with the host, under an account of its own whose password nobody knows. Raises
-// platform::Failure, 58 for a folder that holds a host already.
+// Makes the host and its installation tree below `folder`, for finishTree to finish; it becomes the present
+// one. The service is installed to start with the host, under an account of its own whose password nobody
+// knows. Raises platform::Failure, 58 for a folder that holds a host already.
 MachineHost createMachineHost(const std::filesystem::path& folder, const MachineOptions& options);
 
 struct Registered {

@@ -51,8 +51,11 @@ bool reaches(const std::string& name, ServiceState wanted) {
     return state == wanted;
 }
 
-bool accepted(std::uint32_t error) {
-    if (error != platform::noError)
+bool accepted(const std::string& name, std::uint32_t error) {
+    if (error == platform::errorServiceNotActive)
+        std::fprintf(stderr, "qlnhost: %s does not run, and nobody starts it again by itself\n",
+                     name.c_str());
+    else if (error != platform::noError)
         std::fprintf(stderr, "qlnhost: the service manager refuses with error %u\n", error);
     return error == platform::noError;
 }
@@ -101,7 +104,7 @@ std::filesystem::path outboxFile() {
 }
 
 bool startService(const std::string& name) {
-    return accepted(openService(name).start()) && reaches(name, ServiceState::running);
+    return accepted(name, openService(name).start()) && reaches(name, ServiceState::running);
 }
 
 int servicesCommand(Arguments& arguments) {
@@ -125,7 +128,7 @@ int servicesCommand(Arguments& arguments) {
     arguments.finish();
     if (verb == "start")
         return startService(name) ? 0 : 1;
-    return accepted(openService(name).control(platform::ServiceControl::stop)) &&
+    return accepted(name, openService(name).control(platform::ServiceControl::stop)) &&
                    reaches(name, ServiceState::stopped)
                ? 0
                : 1;

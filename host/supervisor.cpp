@@ -8,12 +8,15 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <thread>
 #include <vector>
 
 #include "platform/failure.h"
 #include "platform/files/descriptor.h"
 #include "platform/files/fileLock.h"
+#include "platform/files/files.h"
 #include "platform/machine/host.h"
 #include "platform/registry/registry.h"
 #include "platform/services/serviceManager.h"
@@ -43,6 +46,10 @@ std::vector<std::string> automaticServices() {
     std::vector<std::string> names = platform::serviceNames();
     std::erase_if(names, [](const std::string& name) { return !isAutomatic(name); });
     return names;
+}
+
+bool runs(const std::string& name) {
+    return platform::queryServiceStatus(name).state != ServiceState::stopped;
 }
 
 // A service that ends because it was told to says so before its end.
@@ -85,6 +92,32 @@ platform::Descriptor soleSupervisor() {
     return platform::files::lockWithin(lock, milliseconds(0)) ? std::move(lock) : platform::Descriptor();
 }
 
+// Names this start of the machine, as long as a supervisor is at work: a file that is left tells of one that
+// crashed.
+class Mark {
+  public:
+    Mark() : file_(platform::host::runFolder() / "supervised") {
+        std::ifstream("/proc/sys/kernel/random/boot_id") >> boot_;
+        std::string left;
+        std::ifstream(file_) >> left;
+        isLeft_ = !left.empty() && left == boot_;
+        platform::files::writeFile(file_, boot_ + "\n");
+    }
+    ~Mark() {
+        std::error_code ignored;
+        std::filesystem::remove(file_, ignored);
+    }
+    Mark(const Mark&) = delete;
+    Mark& operator=(const Mark&) = delete;
+
+    bool isLeft() const noexcept { return isLeft_; }
+
+  private:
+    std::filesystem::path file_;
+    std::string boot_;
+    bool isLeft_ = false;
+};
+
 void say(const std::string& line) {
     std::printf("%s\n", line.c_str());
     std::fflush(stdout);
@@ -111,8 +144,7 @@ void Supervisor::start(const std::string& name, Watched& service, Moment now) {
 }
 
 void Supervisor::look(const std::string& name, Watched& service, Moment now) {
-    const bool runs = platform::queryServiceStatus(name).state != ServiceState::stopped;
-    if (runs) {
+    if (runs(name)) {
         if (!service.isRunning) {
             service.since = now;
             say_(name + " was started");
@@ -129,21 +161,30 @@ void Supervisor::look(const std::string& name, Watched& service, Moment now) {
             fail(name, service, now, "crashed");
         else
             say_(name + " was stopped");
+    } else if (service.isWanted && wasStopped(name)) {
+        service.isWanted = false;
+        say_(name + " was stopped and is not started again");
     } else if (service.isWanted && now >= service.startAt) {
         start(name, service, now);
     }
 }
 
-void Supervisor::begin(Moment now) {
+void Supervisor::begin(Moment now, bool goesOn) {
     for (const std::string& name : automaticServices())
-        start(name, services_[name], now);
+        if (goesOn && wasStopped(name)) {
+            services_[name] = {};
+            say_(name + " stays stopped");
+        } else {
+            start(name, services_[name], now);
+        }
 }
 
 void Supervisor::look(Moment now) {
     try {
         const std::vector<std::string> names = automaticServices();
+        // One that does not start automatically any more is left alone, and stopped at the end if it runs.
         std::erase_if(services_, [&](const auto& each) {
-            return std::find(names.begin(), names.end(), each.first) == names.end();
+            return std::find(names.begin(), names.end(), each.first) == names.end() && !runs(each.first);
         });
         for (const std::string& name : names)
             look(name, services_[name], now);
@@ -153,20 +194,23 @@ void Supervisor::look(Moment now) {
     }
 }
 
-void Supervisor::end() {
+bool Supervisor::end() {
+    bool allStopped = true;
     for (auto each = services_.rbegin(); each != services_.rend(); ++each) {
         const std::string& name = each->first;
-        if (platform::queryServiceStatus(name).state == ServiceState::stopped)
+        if (!runs(name))
             continue;
-        open(name).control(platform::ServiceControl::stop);
+        // One that is still starting takes no request, and is asked again.
         const auto deadline = steady_clock::now() + seconds(10);
-        while (platform::queryServiceStatus(name).state != ServiceState::stopped &&
-               steady_clock::now() < deadline)
-            std::this_thread::sleep_for(milliseconds(20));
-        say_(name + (platform::queryServiceStatus(name).state == ServiceState::stopped
-                         ? " stopped"
-                         : " does not end and is left to the system"));
+        while (runs(name) && steady_clock::now() < deadline) {
+            open(name).control(platform::ServiceControl::stop);
+            std::this_thread::sleep_for(milliseconds(50));
+        }
+        const bool isStopped = !runs(name);
+        allStopped = allStopped && isStopped;
+        say_(name + (isStopped ? " stopped" : " does not end and is left to the system"));
     }
+    return allStopped;
 }
 
 std::string Supervisor::status() const {
@@ -188,8 +232,9 @@ int superviseHost() {
     endOnSignal();
     std::uint64_t patience = 0;
     const bool isWatched = ::sd_watchdog_enabled(0, &patience) > 0;
+    const Mark mark;
     Supervisor supervisor(say);
-    supervisor.begin(steady_clock::now());
+    supervisor.begin(steady_clock::now(), mark.isLeft());
     ::sd_notify(0, "READY=1");
     std::string told;
     Supervisor::Moment nextSign;
@@ -206,8 +251,7 @@ int superviseHost() {
         ::poll(nullptr, 0, static_cast<int>(betweenLooks.count()));
     }
     ::sd_notify(0, "STOPPING=1");
-    supervisor.end();
-    return 0;
+    return supervisor.end() ? 0 : 1;
 }
 
 }  // namespace qlnhost

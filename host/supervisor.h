@@ -17,15 +17,17 @@ class Supervisor {
     // `say` gets a line for each thing that happens.
     explicit Supervisor(std::function<void(const std::string&)> say) : say_(std::move(say)) {}
 
-    // Starts the automatic services that do not run yet. Raises platform::Failure when the host cannot be
-    // read.
-    void begin(Moment now);
+    // Starts the automatic services that do not run yet; where this goes on with the work of a supervisor
+    // that crashed, those that somebody had stopped stay stopped. Raises platform::Failure when the host
+    // cannot be read.
+    void begin(Moment now, bool goesOn);
     // Looks at each service once: one that crashed is started again when its time has come, 1, 2, 5, 10, 30 s
     // after the crash and then every minute; one that has run for a minute begins anew. What cannot be read
     // for a moment is looked at the next time.
     void look(Moment now);
-    // Stops the services that run, the last one first, and waits for each, ten seconds at most.
-    void end();
+    // Stops the services that run, the last one first, and waits for each, ten seconds at most; false when
+    // one does not end.
+    bool end();
     // "HbQlnSvc running, TsHubMgr stopped".
     std::string status() const;
 

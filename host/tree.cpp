@@ -18,6 +18,11 @@ constexpr char consoleShortcut[] =
     "Name=Quillon Service Administration\n"
     "Exec=";
 
+// Stands as long as a host is being made; packaging/QLNAdmin knows it too.
+fs::path unfinished(const fs::path& root) {
+    return root / "Host" / "unfinished";
+}
+
 // A server where the service is installed: its running files are copies of the kit's, and its log is there.
 void installService(const fs::path& service, const fs::path& log) {
     for (const auto& [kitForm, runningForm] :
@@ -32,9 +37,20 @@ void installService(const fs::path& service, const fs::path& log) {
 fs::path beginTree(const fs::path& folder) {
     const fs::path root = fs::absolute(folder).lexically_normal();
     platform::host::setFolder(root / "Host");
-    if (platform::files::fileExists(platform::host::registryFile()))
-        throw platform::makeFailure(platform::fileAlreadyExists, platform::host::registryFile().string());
+    const fs::path registry = platform::host::registryFile();
+    if (!platform::files::fileExists(unfinished(root)))
+        for (const fs::path& file : {registry, root / "Database" / "QLNDB.MDB"})
+            if (platform::files::fileExists(file))
+                throw platform::makeFailure(platform::fileAlreadyExists, file.string());
+    ensureFolder(root / "Host");
+    platform::files::writeFile(unfinished(root), "");
+    if (platform::files::fileExists(registry))
+        platform::files::deleteFile(registry, true);
     return root;
+}
+
+void finishTree(const fs::path& root) {
+    platform::files::deleteFile(unfinished(root), true);
 }
 
 void fillTree(const fs::path& root, const fs::path& kit, bool serviceInstalled) {

@@ -148,6 +148,9 @@ bool Choices::follows() const {
 
 // In the order of the alphabet. Names that differ in case alone are one source.
 void Choices::addSource(const QString& source) {
+    // A record without a source is found among all.
+    if (source.isEmpty())
+        return;
     int at = 1;
     while (at < comboSource_->count() && comboSource_->itemText(at).compare(source, Qt::CaseInsensitive) < 0)
         ++at;

@@ -32,10 +32,18 @@ std::string lineOf(const std::vector<std::string>& fields) {
 }  // namespace
 
 std::string csvField(const std::string& text) {
-    const bool isFormula =
-        !text.empty() && std::string_view("=+-@\t\r").find(text.front()) != std::string_view::npos;
-    const std::string safe = isFormula ? "'" + text : text;
-    if (safe.find_first_of("\",\r\n") == std::string::npos && !safe.empty())
+    const auto isOneOf = [](char c, std::string_view set) { return set.find(c) != std::string_view::npos; };
+    // Where a spreadsheet would begin a cell, some by other separators than ours, no sign may make it a
+    // formula.
+    std::string safe = !text.empty() && isOneOf(text.front(), "\t\r\n") ? "'" : "";
+    bool beginsCell = true;
+    for (const char c : text) {
+        if (beginsCell && isOneOf(c, "=+-@"))
+            safe += '\'';
+        safe += c;
+        beginsCell = isOneOf(c, ";\t") || (beginsCell && isOneOf(c, " \r\n"));
+    }
+    if (safe.find_first_of("\",;\t\r\n") == std::string::npos && !safe.empty())
         return safe;
     std::string quoted = "\"";
     for (const char c : safe)

@@ -168,8 +168,10 @@ void DaysDialog::count() {
             });
         };
         const std::string failure = failureOf([&] {
-            result = countDays({hostLog("Application"), hostLog("System")}, *monitoring, key,
-                               platform::clock().now(), days, *isCancelled, tell);
+            std::vector<Log> logs{hostLog("Application"), hostLog("System")};
+            if (auto journal = journalLog())
+                logs.push_back(std::move(*journal));
+            result = countDays(logs, *monitoring, key, platform::clock().now(), days, *isCancelled, tell);
         });
         inWindow(this, [this, result, failure, isCancelled] {
             // What was cancelled has been told of already.

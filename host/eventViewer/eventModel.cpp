@@ -145,7 +145,8 @@ void EventModel::lookForNews() {
 }
 
 bool EventModel::isShown(const Entry& entry) const {
-    return (!filter_.type || (entry.record.type != 0 && typeIndex(entry.record.type) == *filter_.type)) &&
+    return (!filter_.type || ((entry.record.type != 0 || !entry.notification) &&
+                              typeIndex(entry.record.type) == *filter_.type)) &&
            (!filter_.fate || (entry.notification && entry.notification->fate == *filter_.fate)) &&
            (filter_.source.empty() || platform::foldCase(entry.record.source) == filter_.source) &&
            (filter_.text.isEmpty() || contains(entry, filter_.text));

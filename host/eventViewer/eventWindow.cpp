@@ -203,8 +203,15 @@ void EventWindow::goOn() {
     if (!model_->failure().empty())
         say(QString(texts_.cannotRead).arg(QString::fromStdString(model_->failure())));
     showCounts();
-    if (!exportFile_.empty() && model_->isAtRest() && (!model_->hasEarlier() || !model_->failure().empty()))
+    if (exportFile_.empty() || !model_->isAtRest())
+        return;
+    // A part of the rows is none that anybody asked for.
+    if (!model_->failure().empty()) {
+        exportFile_.clear();
+        say(QString(texts_.cannotExport).arg(QString::fromStdString(model_->failure())));
+    } else if (!model_->hasEarlier()) {
         writeExport();
+    }
 }
 
 void EventWindow::fitColumns() {

@@ -159,8 +159,16 @@ std::uint32_t Service::control(ServiceControl control) {
     if (control != ServiceControl::stop)
         return errorInvalidParameter;
     const auto record = readServiceRecord(keyName_);
-    if (!record || record->state == ServiceState::stopped || !isAlive(*record))
+    if (!record || record->state == ServiceState::stopped)
         return errorServiceNotActive;
+    if (!isAlive(*record)) {
+        // It crashed: whoever starts such services again sees that this one is not wanted any more.
+        guarded([&] {
+            writeServiceState(keyName_, ServiceState::stopped, static_cast<long>(record->processId));
+            return noError;
+        });
+        return errorServiceNotActive;
+    }
     if (record->state != ServiceState::running)
         return errorServiceCannotAcceptControl;
     if (signalService(*record, SIGTERM, programOf(textValue(keyName_, "ImagePath"))))

@@ -8,15 +8,16 @@ namespace {
 
 // The same words to the same device.
 constexpr char waitingTwin[] =
-    "SELECT 1 FROM Message AS Twin JOIN Message AS Old ON Twin.EventKey = Old.EventKey AND Twin.DeviceKey ="
-    " Old.DeviceKey AND Twin.Address = Old.Address AND Twin.Subject = Old.Subject AND Twin.Body = Old.Body"
+    "SELECT 1 FROM Message AS Twin JOIN Message AS Old ON Twin.DeviceKey = Old.DeviceKey AND"
+    " Twin.Address = Old.Address AND Twin.Subject = Old.Subject AND Twin.Body = Old.Body"
     " WHERE Old.Key = ? AND Twin.State = 0";
 
+// It is of no event: the event's interval begins with news, and not with an old message to one address.
 constexpr char newMessage[] =
     "INSERT INTO Message(EventKey, EventSource, EventId, EventType, Computer, IsTest, DeviceKey, Kind,"
     " Recipient, Address, Subject, Body, Priority, VoiceFile, Created, Attempts, NextAttempt, Settled,"
     " Answer, State, Outcome)"
-    " SELECT EventKey, EventSource, EventId, EventType, Computer, IsTest, DeviceKey, Kind, Recipient,"
+    " SELECT 0, EventSource, EventId, EventType, Computer, IsTest, DeviceKey, Kind, Recipient,"
     " Address, Subject, Body, Priority, VoiceFile, ?1, 0, ?1, 0, '', 0, 0 FROM Message WHERE Key = ?2";
 
 }  // namespace

@@ -120,9 +120,10 @@ std::string describeV3(netsnmp_session& session, SessionTexts& texts, const Snmp
     session.securityNameLen = texts.user.size();
     session.securityModel = SNMP_SEC_MODEL_USM;
     session.securityLevel = SNMP_SEC_LEVEL_AUTHPRIV;
-    session.securityAuthProto = snmp_duplicate_objid(usmHMACSHA1AuthProtocol, USM_AUTH_PROTO_SHA_LEN);
+    // The library copies both when it opens the session.
+    session.securityAuthProto = const_cast<oid*>(usmHMACSHA1AuthProtocol);
     session.securityAuthProtoLen = USM_AUTH_PROTO_SHA_LEN;
-    session.securityPrivProto = snmp_duplicate_objid(usmAESPrivProtocol, USM_PRIV_PROTO_AES_LEN);
+    session.securityPrivProto = const_cast<oid*>(usmAESPrivProtocol);
     session.securityPrivProtoLen = USM_PRIV_PROTO_AES_LEN;
     session.securityAuthKeyLen = USM_AUTH_KU_LEN;
     session.securityPrivKeyLen = USM_PRIV_KU_LEN;

@@ -146,6 +146,19 @@ TEST_F(MachineHost, KnowsWhatTheJournalLogsAndWhoIsHere) {
               "name: with\\backslash\n");
     EXPECT_NE(create(), "");
     EXPECT_EQ(code, 1) << "a host is never made over";
+    support::run(root / "Database" / "QLNDB.MDB", "INSERT INTO Recipients VALUES (7, 'Night desk', -1)");
+    fs::rename(platform::host::registryFile(), root / "gone");
+    EXPECT_NE(create().find("QLNDB.MDB"), std::string::npos) << "nor is what an administrator has entered";
+    EXPECT_EQ(code, 1);
+    EXPECT_EQ(support::query(root / "Database" / "QLNDB.MDB", "SELECT RecipientName FROM Recipients"),
+              std::vector<std::string>{"Night desk"});
+    // One that was cut short is made anew.
+    std::ofstream(root / "Host" / "unfinished").flush();
+    std::ofstream(platform::host::registryFile()) << "half";
+    create();
+    EXPECT_EQ(code, 0);
+    EXPECT_FALSE(fs::exists(root / "Host" / "unfinished"));
+    EXPECT_TRUE(platform::registry().keyExists(logs + "System\\kernel"));
     fs::remove_all(journal.path());
     EXPECT_NE(onHost("services").find("There is no journal in"), std::string::npos);
     EXPECT_NE(onHost("sources refresh").find("There is no journal in"), std::string::npos);
@@ -191,8 +204,24 @@ TEST_F(MachineHost, ItsServiceTellsOfTheJournalAndComesBackAfterACrash) {
     EXPECT_TRUE(comes([&] { return said().find("HbQlnSvc was stopped") != std::string::npos; }));
     std::this_thread::sleep_for(std::chrono::milliseconds(1500));
     EXPECT_FALSE(runs()) << "what somebody stopped stays stopped";
+    ::kill(supervisor, SIGKILL);
+    ::waitpid(std::exchange(supervisor, -1), nullptr, 0);
+    supervise();
+    EXPECT_TRUE(comes([&] { return said().find("HbQlnSvc stays stopped") != std::string::npos; })) << said();
     EXPECT_EQ(onHost("services start HbQlnSvc"), "");
     EXPECT_TRUE(comes([&] { return said().find("HbQlnSvc was started") != std::string::npos; }));
+    // One that waits for its next start can be stopped.
+    ::kill(static_cast<pid_t>(platform::readServiceRecord("HbQlnSvc")->processId), SIGKILL);
+    EXPECT_TRUE(comes([&] { return said().find("is started again in") != std::string::npos; }));
+    EXPECT_NE(onHost("services stop HbQlnSvc").find("does not run"), std::string::npos);
+    EXPECT_TRUE(comes([&] { return said().find("is not started again") != std::string::npos; }));
+    EXPECT_EQ(onHost("services start HbQlnSvc"), "");
+    EXPECT_TRUE(comes([&] { return runs(); }));
+    // Set to start by hand meanwhile, it is still stopped at the end.
+    platform::registry().setValue("HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\HbQlnSvc",
+                                  "Start", std::uint32_t{3});
+    std::this_thread::sleep_for(std::chrono::milliseconds(700));
+    EXPECT_TRUE(runs());
     EXPECT_EQ(stopSupervisor(), 0);
     EXPECT_FALSE(runs());
     EXPECT_TRUE(isNotified("STOPPING=1"));

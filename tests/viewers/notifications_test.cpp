@@ -202,6 +202,8 @@ TEST_F(NotificationsLog, IsFilteredFollowedCopiedAndExported) {
     EXPECT_TRUE(says(Qt::Key_E, "1 rows are in "));
     QApplication::setActiveWindow(window.get());
     const std::string text = platform::files::readFile(host.root() / "out.csv");
+    EXPECT_EQ(viewer::csvField("a;=1+1") + viewer::csvField("\n =1") + viewer::csvField("1-1"),
+              "\"a;'=1+1\"\"'\n '=1\"1-1");
     const auto rows = host::parseCsv(text, "out.csv");
     ASSERT_EQ(rows.size(), 2U) << "what is shown and a header";
     EXPECT_EQ(rows[1].fields[7], "'=1+1, \"no\"") << "no formula";

@@ -205,7 +205,12 @@ void ListFinder::attach(QAbstractItemView& view) {
     watches_ = {connect(model, &QAbstractItemModel::rowsInserted, this, again),
                 connect(model, &QAbstractItemModel::rowsRemoved, this, again),
                 connect(model, &QAbstractItemModel::modelReset, this, again),
-                connect(model, &QAbstractItemModel::layoutChanged, this, again)};
+                connect(model, &QAbstractItemModel::layoutChanged, this, again),
+                // A click, a rebuild or an answer of Cancel takes the window elsewhere while the bar is open.
+                connect(view.selectionModel(), &QItemSelectionModel::currentChanged, this, [this] {
+                    if (const KeyedTree* tree = choosingTree(view_); tree && !isMarking_)
+                        before_ = tree->selectedKey();
+                })};
 }
 
 void ListFinder::detach() {
@@ -251,7 +256,9 @@ bool ListFinder::find(const QString& text, FindBar::Step step) {
             continue;
         const int column = std::max(view_->currentIndex().column(), 0);
         const QModelIndex cell = index.siblingAtColumn(column);
+        isMarking_ = true;
         view_->setCurrentIndex(cell.isValid() ? cell : index);
+        isMarking_ = false;
         view_->scrollTo(view_->currentIndex());
         return true;
     }

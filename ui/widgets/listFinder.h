@@ -48,7 +48,8 @@ class ListFinder : public QObject {
     FindBar* bar_;
     std::vector<QShortcut*> whileOpen_;
     QPointer<QAbstractItemView> view_;
-    std::string before_;        // key of the tree's node that was selected before the search
+    std::string before_;        // key of the tree's node that the window stands on, whatever the search marks
+    bool isMarking_ = false;    // the search moves the tree's selection
     int measuredLines_ = 0;     // what a tree measured before the search
     std::vector<bool> hidden_;  // of the view's rows, those of a tree in the order of its lines
     std::vector<QMetaObject::Connection> watches_;

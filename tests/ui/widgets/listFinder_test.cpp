@@ -110,6 +110,17 @@ TEST_F(FindInLists, TheTreeIsSearchedAndStandsWhereTheSearchEnds) {
     QTest::keyClick(line, Qt::Key_Escape);
     EXPECT_EQ(tree->selectedKey(), firstKey);
     EXPECT_NE(tree->selectedKey(), start);
+
+    // Whoever clicks another node while the bar stands open has left the one of before.
+    openAt(*tree);
+    clickNode(secondKey);
+    QTest::keyClick(tree, Qt::Key_F, Qt::ControlModifier);
+    line->setFocus();
+    QTest::keyClick(line, Qt::Key_A, Qt::ControlModifier);
+    type("17");
+    EXPECT_EQ(tree->selectedKey(), firstKey);
+    find<QLineEdit>("txtEventTitle")->setFocus();
+    EXPECT_EQ(tree->selectedKey(), secondKey) << "whose pane is shown";
 }
 
 TEST_F(FindInLists, FiltersListsOfFiveThousandWithinAFrameAndSaysSo) {
