@@ -73,6 +73,16 @@ Place placeOf(std::string_view cursor) {
     return place;
 }
 
+// Whether both name one record, which a copy of its file holds under another number: by boot, both clocks and
+// content.
+bool isSameRecord(std::string_view a, std::string_view b) {
+    const auto behindNumber = [](std::string_view cursor) {
+        const std::size_t at = cursor.find(";b=");
+        return at == std::string_view::npos ? std::string_view() : cursor.substr(at);
+    };
+    return !behindNumber(a).empty() && behindNumber(a) == behindNumber(b);
+}
+
 // Whether nothing can lie between the two records.
 bool isNextOf(std::string_view earlier, std::string_view later) {
     const Place from = placeOf(earlier);
@@ -176,7 +186,8 @@ bool Journal::seek(Batch& batch) {
         tell(batch.notices, "no record can be reached", -result);
     if (result <= 0)
         return false;
-    isAtRecord_ = isMoment || sd_journal_test_cursor(journal, position.c_str()) <= 0;
+    isAtRecord_ = isMoment || (sd_journal_test_cursor(journal, position.c_str()) <= 0 &&
+                               !isSameRecord(position, cursorOf(journal)));
     if (!isAtRecord_ || isMoment || isNextOf(position, cursorOf(journal)))
         return true;
     std::uint64_t moment = 0;

@@ -228,6 +228,19 @@ TEST_F(JournalSourceTest, WithoutTheRightToReadOneLineSaysSo) {
     EXPECT_EQ(ran, support::Ran::passed);
 }
 
+TEST_F(JournalSourceTest, ARecordThatWasCopiedIntoAnotherFileIsNotReadAgain) {
+    write("a", noon, {"1", "2", "3"});
+    EXPECT_EQ(news(), (Texts{"1", "2", "3"}));
+    write("b", noon, {"1", "2", "3"});
+    std::filesystem::remove(folder.file("a"));
+    EXPECT_EQ(news(), Texts{});
+    restart();
+    EXPECT_EQ(news(), Texts{});
+    EXPECT_FALSE(isTold("gap"));
+    write("b", noon + 3, {"4"});
+    EXPECT_EQ(news(), Texts{"4"});
+}
+
 TEST_F(JournalSourceTest, IsTurnedOverPageByPageTheNewestFirst) {
     EXPECT_THROW(service::JournalPages(folder.path()), platform::Failure);
     EXPECT_EQ(service::journalStamp(folder.path()), "");
