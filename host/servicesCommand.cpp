@@ -8,6 +8,7 @@
 
 #include "host/commands.h"
 #include "host/supervisor.h"
+#include "platform/failure.h"
 #include "platform/machine/clock.h"
 #include "platform/machine/host.h"
 #include "platform/services/serviceManager.h"
@@ -62,7 +63,12 @@ bool accepted(const std::string& name, std::uint32_t error) {
 
 // What the service's outbox tells of it.
 std::string ofItself() {
-    const auto outbox = service::viewOutbox(outboxFile());
+    std::optional<service::OutboxView> outbox;
+    try {
+        outbox = service::viewOutbox(outboxFile());
+    } catch (const platform::Failure& failure) {
+        return ", its outbox cannot be read: " + failure.description();
+    }
     if (!outbox)
         return {};
     const auto moment = [](service::Moment when) { return platform::storedForm(platform::localTime(when)); };

@@ -128,6 +128,7 @@ void say(const std::string& line) {
 void Supervisor::fail(const std::string& name, Watched& service, Moment now, const std::string& what) {
     const seconds delay = delays[std::min(service.failures++, delays.size() - 1)];
     service.startAt = now + delay;
+    service.wasStoppedThen = wasStopped(name);
     say_(name + ' ' + what + "; it is started again in " + std::to_string(delay.count()) + " s");
 }
 
@@ -161,7 +162,7 @@ void Supervisor::look(const std::string& name, Watched& service, Moment now) {
             fail(name, service, now, "crashed");
         else
             say_(name + " was stopped");
-    } else if (service.isWanted && wasStopped(name)) {
+    } else if (service.isWanted && !service.wasStoppedThen && wasStopped(name)) {
         service.isWanted = false;
         say_(name + " was stopped and is not started again");
     } else if (service.isWanted && now >= service.startAt) {

@@ -36,8 +36,9 @@ class Supervisor {
         bool isWanted = false;   // it is to run: it was started and nobody has stopped it since
         bool isRunning = false;  // as it was seen last
         std::size_t failures = 0;
-        Moment since;    // when it was seen running first
-        Moment startAt;  // a crashed one
+        bool wasStoppedThen = false;  // its record said so already when it failed: no new request
+        Moment since;                 // when it was seen running first
+        Moment startAt;               // a crashed one
     };
     void look(const std::string& name, Watched& service, Moment now);
     void start(const std::string& name, Watched& service, Moment now);

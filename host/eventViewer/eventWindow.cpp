@@ -45,11 +45,14 @@ EventWindow::EventWindow(Language language) : texts_(texts(language)) {
     choices_ = new Choices(texts_, all);
     layout->addWidget(choices_);
     layout->addWidget(createTableAndDetails(), 1);
-    findBar_ =
-        new ui::FindBar(texts_.findBar,
-                        {[this](const QString& text, auto step) { return find(text, step); },
-                         [this](const QString&) { applyFilter(); }, [this] { tableEvents_->setFocus(); }},
-                        all);
+    findBar_ = new ui::FindBar(texts_.findBar,
+                               {[this](const QString& text, auto step) { return find(text, step); },
+                                [this](const QString&) { applyFilter(); },
+                                [this] {
+        search_->stop();
+        tableEvents_->setFocus();
+                                }},
+                               all);
     layout->addWidget(findBar_);
     setCentralWidget(all);
     findBar_->takeKeys();
@@ -183,9 +186,16 @@ void EventWindow::follow() {
     model_->lookForNews();
 }
 
+// An export that waits for the log's beginning is of the rows that were asked for, and of no others.
+void EventWindow::endExport() {
+    if (!std::exchange(exportFile_, {}).empty())
+        say(texts_.exportEnded);
+}
+
 void EventWindow::applyFilter() {
     Filter filter = choices_->filter();
     filter.text = findBar_->filterText();
+    endExport();
     model_->setFilter(std::move(filter));
 }
 

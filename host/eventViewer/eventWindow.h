@@ -43,6 +43,7 @@ class EventWindow : public QMainWindow {
     void showLog();
     void follow();
     void fitColumns();
+    void endExport();
     void applyFilter();
     void begin();
     void goOn();

@@ -50,7 +50,8 @@ struct Texts {
     const char* followNews;
     const char* exportShown;
     const char* exportTitle;
-    const char* exported;      // %1 rows, %2 the file
+    const char* exported;  // %1 rows, %2 the file
+    const char* exportEnded;
     const char* cannotExport;  // %1
     const char* readingAll;
     const char* sendAgain;

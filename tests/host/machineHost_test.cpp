@@ -217,6 +217,13 @@ TEST_F(MachineHost, ItsServiceTellsOfTheJournalAndComesBackAfterACrash) {
     EXPECT_TRUE(comes([&] { return said().find("is not started again") != std::string::npos; }));
     EXPECT_EQ(onHost("services start HbQlnSvc"), "");
     EXPECT_TRUE(comes([&] { return runs(); }));
+    // One that was stopped in order, and cannot be started for a while, comes as soon as it can.
+    EXPECT_EQ(stopSupervisor(), 0);
+    fs::permissions(root / "Service" / "HbQlnSvc.exe", fs::perms::owner_read);
+    supervise();
+    EXPECT_TRUE(comes([&] { return said().find("could not be started") != std::string::npos; })) << said();
+    fs::permissions(root / "Service" / "HbQlnSvc.exe", fs::perms::owner_all);
+    EXPECT_TRUE(comes([&] { return runs(); })) << said();
     // Set to start by hand meanwhile, it is still stopped at the end.
     platform::registry().setValue("HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\HbQlnSvc",
                                   "Start", std::uint32_t{3});

@@ -65,6 +65,9 @@ void FindBar::createControls() {
     chkOnlyMatches_ = named<QCheckBox>("chkOnlyMatches", this);
     lblResult_ = named<QLabel>("lblResult", this);
     lblResult_->setTextFormat(Qt::PlainText);
+    // A long text asks for no wider window; its tip has the whole of it.
+    lblResult_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    txtFind_->setMinimumWidth(txtFind_->fontMetrics().averageCharWidth() * 16);
     lblHidden_ = named<QLabel>("lblHidden", this);
     lblHidden_->setTextFormat(Qt::PlainText);
     lblHidden_->setBackgroundRole(QPalette::Highlight);

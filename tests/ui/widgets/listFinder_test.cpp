@@ -121,6 +121,10 @@ TEST_F(FindInLists, TheTreeIsSearchedAndStandsWhereTheSearchEnds) {
     EXPECT_EQ(tree->selectedKey(), firstKey);
     find<QLineEdit>("txtEventTitle")->setFocus();
     EXPECT_EQ(tree->selectedKey(), secondKey) << "whose pane is shown";
+    const int width = window->minimumSizeHint().width();
+    line->setFocus();
+    type(QString(300, 'x'));
+    EXPECT_EQ(window->minimumSizeHint().width(), width) << "what is not found widens nothing";
 }
 
 TEST_F(FindInLists, FiltersListsOfFiveThousandWithinAFrameAndSaysSo) {
