@@ -140,11 +140,17 @@ Circumstances Notifier::circumstances() {
 
 // One batch of a source; true when there may be more.
 bool Notifier::takeIn(Source& source) {
-    const std::string position = outbox_->position(source.name()).value_or(beginnings_[source.name()]);
+    const auto stored = outbox_->position(source.name());
+    const std::string position = stored.value_or(beginnings_[source.name()]);
     const Batch read = source.read(position, recordsOfABatch);
-    for (const std::string& notice : read.notices)
-        log_.add(notice);
-    if (read.records.empty() && read.position == position)
+    // What cannot be taken in yet is read once more at the next look, and told once.
+    std::vector<std::string>& told = toldNotices_[source.name()];
+    if (read.notices != told)
+        for (const std::string& notice : read.notices)
+            log_.add(notice);
+    told = read.notices;
+    // A source that is new keeps its beginning: what comes while the service is down is news then.
+    if (read.records.empty() && stored && read.position == position)
         return false;
     // The records come first: whoever writes one has written before it what it is about.
     const Monitoring& monitoring = configuration_.current();
@@ -154,6 +160,7 @@ bool Notifier::takeIn(Source& source) {
     batch.setPosition(source.name(), read.position);
     batch.commit();
     beginnings_[source.name()] = read.position;
+    told.clear();
     options_.delivery.passes("rows committed");
     return !read.isWhole;
 }

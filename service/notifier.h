@@ -66,6 +66,7 @@ class Notifier : public Work {
     ServiceLog log_;
     Delivery delivery_;
     std::vector<std::unique_ptr<Source>> sources_;
+    std::map<std::string, std::vector<std::string>> toldNotices_;  // of records that are not taken in yet
     std::map<std::string, std::string> beginnings_;  // of the sources, should an outbox have to be made
     Configuration configuration_;
     platform::Descriptor outboxLock_;

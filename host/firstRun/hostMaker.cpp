@@ -1,5 +1,6 @@
 #include "host/firstRun/hostMaker.h"
 
+#include <QDir>
 #include <QProcess>
 
 #include "platform/machine/host.h"
@@ -40,6 +41,11 @@ Outcome makeHost(Choice choice, const QString& tree, const Texts& texts) {
         outcome.told = QString(texts.failed) + "\n" + made.output;
     if (!outcome.isMade || choice != Choice::thisMachine)
         return outcome;
+    // The unit knows one place.
+    if (QDir(tree) != QDir(QDir::homePath() + "/.local/share/quillon-admin")) {
+        outcome.told += "\n\n" + QString(texts.doesNotStart).arg(tree + ", quillon-services.service(8)");
+        return outcome;
+    }
     const Ran enabled = runToEnd({"systemctl", "--user", "enable", "--now", "quillon-services.service"});
     outcome.told += "\n\n" + (enabled.isDone ? QString(texts.startsWithMachine)
                                              : QString(texts.doesNotStart).arg(enabled.output));

@@ -258,6 +258,8 @@ TEST_F(NotifierTest, WhatItCannotReadOrWriteIsDoneLaterAndTold) {
     // The database is away when the record comes, and read-only when the message has been sent.
     std::filesystem::rename(host.databaseFile(), host.root() / "away");
     write("Disk", 51);
+    std::ofstream(platform::eventLogFile("Application"), std::ios::app) << "no record\n";
+    look();
     look();
     EXPECT_EQ(told(), Texts{});
     std::filesystem::rename(host.root() / "away", host.databaseFile());
@@ -266,6 +268,8 @@ TEST_F(NotifierTest, WhatItCannotReadOrWriteIsDoneLaterAndTold) {
     EXPECT_EQ(told().size(), 1u);
     EXPECT_EQ(rows("SELECT Count(*) FROM NotificationLog"), Texts{"1"});
     EXPECT_TRUE(isLogged("History: held"));
+    const std::string text = platform::files::readFile(logFile());
+    EXPECT_EQ(text.find("is no record"), text.rfind("is no record")) << "what is read again is told once";
     run("DROP TRIGGER held");
     restart();
     EXPECT_EQ(told(), Texts{});
