@@ -7,7 +7,6 @@
 #include <charconv>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <system_error>
 
@@ -38,7 +37,10 @@ std::optional<std::uint64_t> parseNumber(std::string_view text) {
 // parent has not taken notice of it yet.
 std::optional<std::uint64_t> startTime(std::uint64_t processId) {
     std::ifstream file("/proc/" + std::to_string(processId) + "/stat");
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    // A process that ends between the opening and the reading fails the stream; an iterator over it would
+    // throw.
+    std::string text;
+    std::getline(file, text, '\0');
     // The name before the state may itself hold blanks and parentheses.
     const std::size_t nameEnd = text.rfind(") ");
     if (nameEnd == std::string::npos)

@@ -9,6 +9,7 @@
 #include <QtTest/QTest>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 #include "core/state.h"
 #include "database/settings.h"
@@ -144,7 +145,9 @@ class ServiceLog : public Demonstration {
         std::vector<int> found;
         for (const auto& entry : fs::directory_iterator("/proc")) {
             std::ifstream stream(entry.path() / "cmdline");
-            const std::string words{std::istreambuf_iterator<char>(stream), {}};
+            std::ostringstream read;
+            read << stream.rdbuf();
+            const std::string words = read.str();
             if (words.ends_with(std::string("notepad") + '\0' + file().string() + '\0'))
                 found.push_back(std::stoi(entry.path().filename().string()));
         }

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <fstream>
+#include <sstream>
 #include <thread>
 
 #include "platform/files/files.h"
@@ -284,8 +285,9 @@ TEST_F(Installation, ThePasswordIsSeenNowhere) {
             for (const auto& entry : fs::directory_iterator("/proc"))
                 for (const char* part : {"cmdline", "environ"}) {
                     std::ifstream file(entry.path() / part);
-                    const std::string text{std::istreambuf_iterator<char>(file), {}};
-                    leaks += text.find(support::servicePassword) != std::string::npos ? 1 : 0;
+                    std::ostringstream text;
+                    text << file.rdbuf();
+                    leaks += text.str().find(support::servicePassword) != std::string::npos ? 1 : 0;
                 }
             ++looks;
         }
