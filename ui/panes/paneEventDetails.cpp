@@ -2,14 +2,10 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QGridLayout>
 #include <QGroupBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
-#include <cstdint>
-#include <limits>
 
 #include "core/classLog.h"
 #include "core/modLocalize.h"
@@ -21,16 +17,14 @@
 #include "ui/base/controls.h"
 #include "ui/base/text.h"
 #include "ui/dialogs/dlgExclusions.h"
+#include "ui/panes/eventMatch.h"
 #include "ui/panes/eventRecipients.h"
 #include "ui/panes/saveQuestion.h"
 #include "ui/parts/contentGroup.h"
-#include "ui/parts/eventSourceList.h"
 #include "ui/parts/insertionVariables.h"
-#include "ui/parts/rowText.h"
 #include "ui/widgets/eventIdBox.h"
 #include "ui/widgets/formArea.h"
 #include "ui/widgets/keyedTree.h"
-#include "ui/widgets/limitsSign.h"
 #include "ui/widgets/variableTextBox.h"
 
 using mdlDatabase::confirmed;
@@ -49,15 +43,6 @@ constexpr int betweenRows = 6;
 constexpr int recipientsShare = 2;
 constexpr int contentShare = 5;
 
-// Nothing can be chosen, but what is shown stays as easy to read as before.
-void lockList(QComboBox& list) {
-    QPalette look = list.palette();
-    for (const auto role : {QPalette::Text, QPalette::ButtonText})
-        look.setColor(QPalette::Disabled, role, look.color(QPalette::Active, role));
-    list.setPalette(look);
-    list.setEnabled(false);
-}
-
 }  // namespace
 
 paneEventDetails::paneEventDetails(QWidget* parent) : QWidget(parent) {
@@ -68,18 +53,7 @@ paneEventDetails::paneEventDetails(QWidget* parent) : QWidget(parent) {
 }
 
 void paneEventDetails::createControls() {
-    lblEventSource = ui::makeControl<QLabel>(this, "lblEventSource");
-    comboEventSource = ui::makeControl<QComboBox>(this, "comboEventSource");
-    ui::boundWidth(*comboEventSource);
-    lblEventId = ui::makeControl<QLabel>(this, "lblEventId");
-    comboEventId = ui::makeControl<ui::EventIdBox>(this, "comboEventId");
-    idLimits = new ui::LimitsSign(0, std::numeric_limits<std::int32_t>::max(), this);
-    idLimits->hide();
-    lblEventType = ui::makeControl<QLabel>(this, "lblEventType");
-    comboEventType = ui::makeControl<QComboBox>(this, "comboEventType");
-    chkActive = ui::makeControl<QCheckBox>(this, "chkActive");
-    lblEventNotes = ui::makeControl<QLabel>(this, "lblEventNotes");
-    txtEventTitle = ui::makeControl<QLineEdit>(this, "txtEventTitle");
+    match = new EventMatch(this);
     recipients = new EventRecipients(this);
     frameContent = ui::makeControl<QGroupBox>(this, "frameContent");
     cmdExclusions = ui::makeControl<QPushButton>(this, "cmdExclusions");
@@ -99,29 +73,11 @@ void paneEventDetails::createContentControls() {
     content->rtbEmailBody->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
 }
 
-QLayout* paneEventDetails::matchLayout() {
-    auto* match = new QGridLayout;
-    match->setColumnStretch(1, 1);
-    match->setVerticalSpacing(betweenRows);
-    match->addWidget(lblEventSource, 0, 0);
-    match->addWidget(comboEventSource, 0, 1);
-    match->addWidget(lblEventId, 0, 2);
-    match->addWidget(comboEventId, 0, 3);
-    match->addWidget(idLimits, 1, 1, 1, 3, Qt::AlignRight);  // takes no room while it is hidden
-    match->addWidget(lblEventType, 2, 0);
-    match->addWidget(comboEventType, 2, 1);
-    match->addWidget(chkActive, 2, 2, 1, 2);
-    match->addWidget(lblEventNotes, 3, 0);
-    match->addWidget(txtEventTitle, 3, 1, 1, 3);
-    comboEventId->setMaximumWidth(110);
-    return match;
-}
-
 void paneEventDetails::buildLayout() {
     auto* inner = new QWidget(this);
     auto* parts = new QVBoxLayout(inner);
     parts->setSpacing(betweenRows);
-    parts->addLayout(matchLayout());
+    parts->addWidget(match);
     parts->addWidget(recipients, recipientsShare);
     parts->addWidget(frameContent, contentShare);
     for (const QGroupBox* group : {static_cast<QGroupBox*>(recipients), frameContent}) {
@@ -135,32 +91,20 @@ void paneEventDetails::buildLayout() {
     outer->addWidget(area, 1);
     outer->addLayout(ui::buttonRow({cmdExclusions}, {cmdEventApply}));
 
-    lblEventSource->setBuddy(comboEventSource);
-    lblEventId->setBuddy(comboEventId);
-    lblEventType->setBuddy(comboEventType);
-    lblEventNotes->setBuddy(txtEventTitle);
-    ui::setTabOrder({comboEventSource, comboEventId, comboEventType, chkActive, txtEventTitle,
-                     recipients->tvRecipients, recipients->cmdAddRecipient, recipients->cmdRemoveRecipient});
+    ui::setTabOrder({match->comboEventSource, match->comboEventId, match->comboEventType, match->chkActive,
+                     match->txtEventTitle, recipients->tvRecipients, recipients->cmdAddRecipient,
+                     recipients->cmdRemoveRecipient});
     content->followInTabOrder(*recipients->cmdRemoveRecipient);
     ui::setTabOrder({content->comboEmailPriority, cmdExclusions, cmdEventApply});
 }
 
 void paneEventDetails::controlInit() {
-    lblEventSource->setText(ui::text(1053));
-    lblEventId->setText(ui::text(1051));
-    comboEventId->setAllText(ui::text(1108));
-    lblEventType->setText(ui::text(1111));
-    ui::fillCombo(*comboEventType, {1027, 1028, 1029});
-    chkActive->setText(ui::text(1022));
-    lblEventNotes->setText(ui::text(1151));
+    match->controlInit();
     recipients->controlInit();
     frameContent->setTitle(ui::text(1054));
     content->controlInit();
     cmdExclusions->setText(ui::text(1107));
     cmdEventApply->setText(ui::text(1046));
-    // The catch-all event's source is a caption.
-    if (!comboEventSource->isEnabled() && comboEventSource->count() == 1)
-        comboEventSource->setItemText(0, ui::text(1049));
     ui::nameByBuddy(*this);
 }
 
@@ -180,19 +124,20 @@ void paneEventDetails::connectChoice(QComboBox& list, const char* handler) {
 }
 
 void paneEventDetails::connectControls() {
-    connectList(*comboEventSource, "comboEventSource_Click");
-    connectList(*comboEventType, "comboEventType_Click");
-    connectList(*comboEventId, "comboEventId_Click");
+    connectList(*match->comboEventSource, "comboEventSource_Click");
+    connectList(*match->comboEventType, "comboEventType_Click");
+    connectList(*match->comboEventId, "comboEventId_Click");
     connectChoice(*content->comboVoiceMailPriority, "comboVoiceMailPriority_Click");
     connectChoice(*content->comboEmailPriority, "comboEmailPriority_Click");
-    connect(comboEventId, &QComboBox::editTextChanged, this, [this] {
+    connect(match->comboEventId, &QComboBox::editTextChanged, this, [this] {
         noteChange("comboEventId_Change");
-        showWhetherIdFits();
+        match->showWhetherIdFits();
     });
-    connect(txtEventTitle, &QLineEdit::textChanged, this, [this] { noteChange("txtEventTitle_Change"); });
+    connect(match->txtEventTitle, &QLineEdit::textChanged, this,
+            [this] { noteChange("txtEventTitle_Change"); });
     connect(content->txtVoiceMailFileName, &QLineEdit::textChanged, this,
             [this] { noteChange("txtVoiceMailFileName_Change"); });
-    connect(chkActive, &QCheckBox::toggled, this, [this] { noteChange("chkActive_Click"); });
+    connect(match->chkActive, &QCheckBox::toggled, this, [this] { noteChange("chkActive_Click"); });
 
     connect(recipients, &EventRecipients::ticked, this, &paneEventDetails::markChanged);
     connect(recipients->cmdAddRecipient, &QPushButton::clicked, this,
@@ -214,17 +159,8 @@ void paneEventDetails::markChanged() {
 
 void paneEventDetails::updateEventApply() {
     core::procedure(module, "updateEventApply", [&](core::Frame&) {
-        cmdEventApply->setEnabled(eventDataChanged_ && comboEventId->hasId());
+        cmdEventApply->setEnabled(eventDataChanged_ && match->comboEventId->hasId());
     });
-}
-
-// An id that is no id is told while it is typed, and Apply waits for one.
-void paneEventDetails::showWhetherIdFits() {
-    const bool refused = !comboEventId->hasId();
-    if (refused != idLimits->refuses()) {
-        idLimits->setVisible(refused);
-        idLimits->showRefusal(refused);
-    }
 }
 
 void paneEventDetails::cmdExclusions_Click() {
@@ -259,10 +195,7 @@ Filled paneEventDetails::displayEventDetails(long eventKey, const std::string& n
 void paneEventDetails::blank() {
     shownKey_.reset();
     setEnabled(false);  // first: an empty subject would not let the focus go
-    txtEventTitle->clear();
-    chkActive->setChecked(false);
-    comboEventSource->setCurrentIndex(-1);
-    comboEventId->showAll();
+    match->blank();
     content->blank();
     recipients->blank();
     eventDataChanged_ = false;
@@ -273,41 +206,14 @@ bool paneEventDetails::fillEvent(core::Frame& frame, long eventKey, bool& found)
     Recordset event = mdlDatabase::getEvent(eventKey);
     if (!frame.step([&] { found = !event.EOF_(); }) || !found)
         return false;
-    frame.step([&] { storedSource_ = ui::textOrEmpty(event, "EventSource"); });
-    frame.step([&] { txtEventTitle->setText(ui::fromUtf8(ui::textOrEmpty(event, "EventTitle"))); });
-    frame.step([&] { chkActive->setChecked(event.boolean("EventActive")); });
-    frame.step([&] { fillSources(frame, event.boolean("EventCollection"), storedSource_); });
-    frame.step([&] {
-        storedId_ = ui::textOrEmpty(event, "EventID");
-        if (storedId_ == std::to_string(mdlDatabase::nodeAllEventIds))
-            comboEventId->showAll();
-        else
-            comboEventId->showId(ui::fromUtf8(storedId_));
-    });
-    showWhetherIdFits();
-    cmdEventApply->setEnabled(false);
-    frame.step([&] {
-        comboEventType->setCurrentIndex(
-            static_cast<int>(mdlDatabase::mapEventType(event.number("EventType"), true)));
-    });
-    frame.step([&] { event.close(); });
-    return true;
-}
-
-void paneEventDetails::fillSources(core::Frame& frame, bool catchAll, const std::string& stored) {
-    comboEventSource->clear();
-    if (catchAll) {
-        comboEventSource->addItem(ui::text(1049));  // selected, whatever language the stored one is in
-        lockList(*comboEventSource);
-        return;
-    }
-    frame.step([&] { ui::fillEventSources(*comboEventSource); });
-    comboEventSource->setEnabled(true);
+    match->show(frame, event);
     // Required: nothing shows the button again in this run. The tree's branch of exclusions is the standing
     // way.
-    cmdExclusions->hide();
-    // Only the stored source itself, and not one that begins like it: a save would write that one.
-    comboEventSource->setCurrentIndex(comboEventSource->findText(ui::fromUtf8(stored), Qt::MatchFixedString));
+    if (!match->isCatchAll())
+        cmdExclusions->hide();
+    cmdEventApply->setEnabled(false);
+    frame.step([&] { event.close(); });
+    return true;
 }
 
 bool paneEventDetails::fillContent(core::Frame& frame, long eventKey) {
@@ -343,14 +249,7 @@ void paneEventDetails::cmdEventApply_Click() {
 mdlDatabase::ModifiedEvent paneEventDetails::shownEvent(long eventKey) const {
     mdlDatabase::ModifiedEvent event;
     event.eventKey = eventKey;
-    // A source that this server does not list is chosen in no row, and stays as it is stored.
-    event.eventSource =
-        comboEventSource->currentIndex() < 0 ? storedSource_ : ui::toUtf8(comboEventSource->currentText());
-    // Apply is off without an id; the question before the pane is left may still save all the rest.
-    event.eventId = comboEventId->hasId() ? comboEventId->idText() : storedId_;
-    event.eventTitle = ui::toUtf8(txtEventTitle->text());
-    event.eventType = static_cast<short>(mdlDatabase::mapEventType(comboEventType->currentIndex(), false));
-    event.eventActive = chkActive->isChecked();
+    match->collect(event);
     event.content = content->shown();
     return event;
 }
@@ -371,7 +270,7 @@ void paneEventDetails::saveEventDataChanges(long eventKey, bool silent) {
             return;
         }
         const bool wasActive = mdlDatabase::isEventActive(eventKey);
-        const bool active = chkActive->isChecked();
+        const bool active = match->chkActive->isChecked();
         frame.step([&] { mdlDatabase::modifyEvent(shownEvent(eventKey)); });
         const bool hasDevices = mdlDatabase::changeRecipientsForEvent(eventKey, recipients->selection());
         const mdlDatabase::EventAnalysis analysis = mdlDatabase::analyzeEvent(eventKey);

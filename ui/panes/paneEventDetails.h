@@ -11,19 +11,14 @@
 #include "database/events.h"
 #include "ui/panes/editingPane.h"
 
+class EventMatch;
 class EventRecipients;
-class QCheckBox;
 class QComboBox;
 class QGroupBox;
-class QLabel;
-class QLayout;
-class QLineEdit;
 class QPushButton;
 
 namespace ui {
 class ContentGroup;
-class EventIdBox;
-class LimitsSign;
 }  // namespace ui
 
 class paneEventDetails : public QWidget, public EditingPane {
@@ -55,7 +50,6 @@ class paneEventDetails : public QWidget, public EditingPane {
     void createControls();
     void createContentControls();
     void buildLayout();
-    QLayout* matchLayout();
     void connectControls();
     void connectList(QComboBox& list, const char* handler);
     void connectChoice(QComboBox& list, const char* handler);
@@ -64,11 +58,9 @@ class paneEventDetails : public QWidget, public EditingPane {
     void noteChange(const char* handler);
     void markChanged();
     void updateEventApply();
-    void showWhetherIdFits();
 
     // False when something that a save would overwrite could not be read; `found` tells of the row.
     bool fillEvent(core::Frame& frame, long eventKey, bool& found);
-    void fillSources(core::Frame& frame, bool catchAll, const std::string& stored);
     bool fillContent(core::Frame& frame, long eventKey);
 
     mdlDatabase::ModifiedEvent shownEvent(long eventKey) const;
@@ -80,16 +72,7 @@ class paneEventDetails : public QWidget, public EditingPane {
     void cmdAddRecipient_Click();
     void cmdRemoveRecipient_Click();
 
-    QLabel* lblEventSource;
-    QComboBox* comboEventSource;
-    QLabel* lblEventId;
-    ui::EventIdBox* comboEventId;
-    ui::LimitsSign* idLimits;
-    QLabel* lblEventType;
-    QComboBox* comboEventType;
-    QCheckBox* chkActive;
-    QLabel* lblEventNotes;
-    QLineEdit* txtEventTitle;
+    EventMatch* match;
     EventRecipients* recipients;
     QGroupBox* frameContent;
     ui::ContentGroup* content;
@@ -99,6 +82,4 @@ class paneEventDetails : public QWidget, public EditingPane {
     bool eventDataChanged_ = false;
     std::optional<long> shownKey_;  // of the event that the pane was filled with
     std::string nodeText_;          // of its node
-    std::string storedSource_;
-    std::string storedId_;
 };

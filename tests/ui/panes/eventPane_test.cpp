@@ -1,96 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <QAbstractItemView>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTextBlock>
-#include <QTextLayout>
-#include <QWheelEvent>
-#include <QtTest/QTest>
-#include <set>
-
-#include "support/mainWindowFixture.h"
-#include "ui/parts/deviceTabs.h"
-#include "ui/widgets/eventIdBox.h"
-#include "ui/widgets/textList.h"
-#include "ui/widgets/variableTextBox.h"
+// The pane of one event, driven as a person does.
+#include "eventPaneFixture.h"
 
 namespace {
 
-using platform::BoxAnswer;
-using platform::BoxButtons;
-using platform::BoxIcon;
-
-const platform::MessageBox saveQuestion{
-    "Event settings have changed.\nDo you want to save changes your changes?", "Save Changes Confirmation",
-    BoxIcon::question, BoxButtons::yesNoCancel};
-const platform::MessageBox noRecipients{
-    "There are no recipients assigned to this event.  Would you like to assign recipients now?",
-    "No recipients for event.", BoxIcon::question, BoxButtons::yesNo};
-const platform::MessageBox activateQuestion{"This event is not active, do you want to activate it?",
-                                            "Activate Event Confirmation", BoxIcon::question,
-                                            BoxButtons::yesNo};
-const platform::MessageBox noActiveDevices{
-    "This event is active but there are not active recipient devices.  No notifications will be sent for "
-    "this "
-    "device until you activate one or more devices.",
-    "No active recipient devices", BoxIcon::exclamation, BoxButtons::ok};
-
-class EventPane : public uiTest::MainWindow {
-  protected:
-    EventPane() {
-        event = add("Backup", "17", "nightly");
-        other = add("Alarm", "-1", "other");
-    }
-
-    // Opens the list and takes the row that is shown already.
-    static void chooseShownRow(QComboBox& list) {
-        list.setFocus();
-        QTest::mouseClick(&list, Qt::LeftButton);
-        QTest::keyClick(list.view(), Qt::Key_Return);
-    }
-    static std::string nodeOf(long key) { return "EventKey-" + std::to_string(key); }
-    void show(long key) {
-        open();
-        clickNode(nodeOf(key));
-        ASSERT_EQ(visiblePane(), 1);
-        recipients = find<QWidget>("vsviewportDetails_1")->findChild<ui::KeyedTree*>("tvRecipients");
-    }
-    void makeAna(bool onEvent, bool active = true) {
-        run("INSERT INTO Recipients VALUES(1, 'Ana', -1);"
-            "INSERT INTO Device VALUES(11, 4, 'a@b', -1), (12, 6, 'host', -1);"
-            "INSERT INTO DeviceRecipient VALUES(11, 1), (12, 1);"
-            "INSERT INTO AddressDetails VALUES('a@b', 'a@b', 4, 11), ('host', 'host', 6, 12);");
-        if (onEvent)
-            run("INSERT INTO EventDevice VALUES(" + std::to_string(event) + ", 11, " + (active ? "-1" : "0") +
-                ");");
-    }
-    bool applyEnabled() { return find<QPushButton>("cmdEventApply")->isEnabled(); }
-    void apply() { QTest::mouseClick(find<QPushButton>("cmdEventApply"), Qt::LeftButton); }
-    void rename(const char* title) { person::type(*find<QLineEdit>("txtEventTitle"), title); }
-    std::string title(long key) {
-        return value("SELECT EventTitle FROM Events WHERE EventKey = " + std::to_string(key));
-    }
-    std::string assignments() {
-        std::string all;
-        for (const std::string& row : rows("SELECT DeviceKey, Active FROM EventDevice ORDER BY DeviceKey"))
-            all += row + " ";
-        return all;
-    }
-    // Switches a node's box as the space bar does.
-    void toggle(const std::string& key) {
-        recipients->ensureVisible(key);
-        recipients->select(key);
-        QTest::keyClick(recipients, Qt::Key_Space);
-    }
-
-    long event = 0;
-    long other = 0;
-    ui::KeyedTree* recipients = nullptr;
-};
+using namespace uiTest;
 
 TEST_F(EventPane, ShowsAnEventAndIsCleanThen) {
     makeAna(true);
@@ -164,7 +77,7 @@ TEST_F(EventPane, EveryControlMarksTheEventChanged) {
         EXPECT_FALSE(applyEnabled()) << name;
         change();
         EXPECT_TRUE(applyEnabled()) << name;
-        prompts.expect(saveQuestion, BoxAnswer::no);
+        prompts.expect(saveEventQuestion, BoxAnswer::no);
         clickNode(nodeOf(event));
     }
     // Captions and fonts are no change, and the wheel over a list scrolls the pane.
@@ -232,78 +145,19 @@ TEST_F(EventPane, ApplyWritesWhatIsShownAndSelectsTheEventAgain) {
     EXPECT_TRUE(mdlDatabase::isEventActive(event));
 }
 
-TEST_F(EventPane, ApplyAsksWhatMayHaveBeenForgotten) {
-    makeAna(true, false);
-    show(event);
-    // An active event without an active device is warned of, an inactive one is not.
-    rename("1");
-    apply();
-    person::click(*window, "chkActive");
-    prompts.expect(noActiveDevices, BoxAnswer::ok);
-    apply();
-    // Activated by a tick and Apply with a device: nothing to ask.
-    toggle("DeviceKey:11");
-    apply();
-    EXPECT_EQ(assignments(), "11|-1 ");
-
-    // An active event without recipients: No leaves it so.
-    clickNode(nodeOf(other));
-    person::click(*window, "chkActive");
-    prompts.expect(noRecipients, BoxAnswer::no);
-    apply();
-    EXPECT_TRUE(mdlDatabase::isEventActive(other));
-    // Yes opens the dialog, and its devices come on the event.
-    rename("2");
-    prompts.expect(noRecipients, BoxAnswer::yes);
-    script.expect("Edit Recipients For Event: Alarm (All)", [](QWidget& dialog) {
-        auto* tv = dialog.findChild<ui::KeyedTree*>("tvRecipients");
-        QTest::keyClick(tv, Qt::Key_Space);
-        QTest::mouseClick(dialog.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
-    });
-    apply();
-    EXPECT_EQ(value("SELECT Count(*) FROM EventDevice WHERE EventKey = " + std::to_string(other)), "2");
-    EXPECT_EQ(recipients->count(), 3);
-}
-
-TEST_F(EventPane, TheFirstRecipientIsCreatedOnTheWay) {
-    show(event);
-    person::click(*window, "chkActive");
-    prompts.expect(noRecipients, BoxAnswer::yes);
-    script.expect("dlgRecipient", [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
-    apply();
-    EXPECT_EQ(value("SELECT Count(*) FROM Recipients"), "0");
-
-    rename("again");
-    prompts.expect(noRecipients, BoxAnswer::yes);
-    script.expect("dlgRecipient", [](QWidget& dialog) {
-        person::type(*dialog.findChild<QLineEdit*>("txtRecipientName"), "Ana");
-        person::showPage(*dialog.findChild<ui::DeviceTabs*>(), 5);
-        person::click(dialog, "chkSyslogEnabled");
-        QTest::mouseClick(dialog.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
-    });
-    script.expect("dlgEditRecipients", [](QWidget& dialog) {
-        QTest::keyClick(dialog.findChild<ui::KeyedTree*>("tvRecipients"), Qt::Key_Space);
-        QTest::mouseClick(dialog.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
-    });
-    apply();
-    EXPECT_EQ(value("SELECT RecipientName FROM Recipients"), "Ana");
-    EXPECT_EQ(assignments(), "1|-1 ");
-    EXPECT_EQ(recipients->count(), 2);
-}
-
 TEST_F(EventPane, LeavingAChangedEventAsks) {
     makeAna(true);
     show(event);
     rename("changed");
     toggle("DeviceKey:12");
     // Cancel: the earlier node stays, with what was typed, and the next click asks again.
-    prompts.expect(saveQuestion, BoxAnswer::cancel);
+    prompts.expect(saveEventQuestion, BoxAnswer::cancel);
     clickNode("keyExclusions");
     EXPECT_EQ(tree->selectedKey(), nodeOf(event));
     EXPECT_EQ(visiblePane(), 1);
     EXPECT_EQ(find<QLineEdit>("txtEventTitle")->text(), "changed");
     EXPECT_TRUE(applyEnabled());
-    prompts.expect(saveQuestion, BoxAnswer::no);
+    prompts.expect(saveEventQuestion, BoxAnswer::no);
     clickNode("keyExclusions");
     EXPECT_EQ(visiblePane(), 6);
     EXPECT_EQ(title(event), "nightly");
@@ -313,7 +167,7 @@ TEST_F(EventPane, LeavingAChangedEventAsks) {
     clickNode(nodeOf(other));
     rename("saved");
     person::click(*window, "chkActive");
-    prompts.expect(saveQuestion, BoxAnswer::yes);
+    prompts.expect(saveEventQuestion, BoxAnswer::yes);
     clickNode(nodeOf(event));
     EXPECT_EQ(title(other), "saved");
     EXPECT_EQ(tree->selectedKey(), nodeOf(event));
@@ -322,14 +176,14 @@ TEST_F(EventPane, LeavingAChangedEventAsks) {
     EXPECT_FALSE(applyEnabled());
     // By keyboard, and with the right button.
     rename("by keyboard");
-    prompts.expect(saveQuestion, BoxAnswer::yes);
+    prompts.expect(saveEventQuestion, BoxAnswer::yes);
     tree->setFocus();
     QTest::keyClick(tree, Qt::Key_Home);
     EXPECT_EQ(title(event), "by keyboard");
     EXPECT_EQ(tree->selectedKey(), "keyMonitoredEvents");
     clickNode(nodeOf(event));
     rename("right");
-    prompts.expect(saveQuestion, BoxAnswer::yes);
+    prompts.expect(saveEventQuestion, BoxAnswer::yes);
     script.expectMenu("mnuPopupAddEvent");
     script.expect("dlgEvent", [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
     QTest::mouseClick(tree->viewport(), Qt::RightButton, {}, placeOf("keyMonitoredEvents"));
@@ -345,60 +199,13 @@ TEST_F(EventPane, ANewEventAsksForTheChangedOneAndTheTreeIsWhole) {
         show(event);
         const long nodes = tree->count();
         rename(answer == BoxAnswer::yes ? "changed" : "lost");
-        prompts.expect(saveQuestion, answer);
+        prompts.expect(saveEventQuestion, answer);
         window->loadNavigationTree(other);
         EXPECT_EQ(tree->count(), nodes);
         EXPECT_EQ(tree->selectedKey(), nodeOf(answer == BoxAnswer::yes ? other : event));
         EXPECT_EQ(title(event), "changed");
         EXPECT_EQ(host.countInLog("ERROR"), 0);
     }
-}
-
-TEST_F(EventPane, AddsAndRemovesRecipients) {
-    makeAna(false);
-    show(event);
-    const auto choose = [&](bool ok) {
-        script.expect("dlgEditRecipients", [ok](QWidget& dialog) {
-            auto* tv = dialog.findChild<ui::KeyedTree*>("tvRecipients");
-            tv->select("DeviceKey:12");
-            QTest::keyClick(tv, Qt::Key_Space);
-            QTest::mouseClick(dialog.findChild<QPushButton*>(ok ? "cmdOk" : "cmdCancel"), Qt::LeftButton);
-        });
-        QTest::mouseClick(find<QPushButton>("cmdAddRecipient"), Qt::LeftButton);
-    };
-    choose(false);
-    EXPECT_EQ(assignments(), "");
-    choose(true);
-    EXPECT_EQ(assignments(), "12|-1 ");
-    EXPECT_EQ(recipients->count(), 3);
-
-    // Unsaved edits are asked for first. After a Yes the boxes are good for the next Apply.
-    rename("changed");
-    prompts.expect(saveQuestion, BoxAnswer::cancel);
-    QTest::mouseClick(find<QPushButton>("cmdAddRecipient"), Qt::LeftButton);
-    EXPECT_TRUE(applyEnabled());
-    prompts.expect(saveQuestion, BoxAnswer::yes);
-    choose(false);
-    EXPECT_EQ(title(event), "changed");
-    rename("once more");
-    apply();
-    EXPECT_EQ(assignments(), "12|-1 ");
-
-    auto* remove = find<QPushButton>("cmdRemoveRecipient");
-    QTest::mouseClick(recipients->viewport(), Qt::LeftButton, {},
-                      uiTest::placeOf(*recipients, "DeviceKey:12"));
-    EXPECT_FALSE(remove->isEnabled());
-    QTest::mouseClick(recipients->viewport(), Qt::LeftButton, {},
-                      uiTest::placeOf(*recipients, "RecipientKey:1"));
-    ASSERT_TRUE(remove->isEnabled());
-    rename("dropped");
-    prompts.expect(saveQuestion, BoxAnswer::no);
-    QTest::mouseClick(remove, Qt::LeftButton);
-    EXPECT_EQ(assignments(), "");
-    EXPECT_EQ(title(event), "once more");
-    EXPECT_EQ(recipients->count(), 0);
-    EXPECT_FALSE(remove->isEnabled());
-    EXPECT_EQ(tree->selectedKey(), nodeOf(event));
 }
 
 TEST_F(EventPane, IsNamedAndReachableByKeyboard) {
