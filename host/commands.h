@@ -7,6 +7,8 @@
 #include <string>
 
 #include "host/arguments.h"
+#include "platform/services/serviceManager.h"
+#include "service/inspection/installationFiles.h"
 
 namespace qlnhost {
 
@@ -25,14 +27,15 @@ int transportsCommand(Arguments& arguments);
 int servicesCommand(Arguments& arguments);
 int accountsCommand(Arguments& arguments);
 
-// Files of the host's installation: the configuration, and what the service keeps.
-std::filesystem::path databaseFile();
-std::filesystem::path outboxFile();
+using service::databaseFile;
+using service::outboxFile;
 
 // The folder of a new tree, from the arguments; raises UsageError for one whose name no command line can
 // hold.
 std::string takeTreeFolder(Arguments& arguments);
 
+// A handle that may start and stop a service.
+platform::Service openService(const std::string& name);
 // Starts a service of the host and waits, half a minute at most, until it runs; false says on standard error
 // why it does not. Raises platform::Failure.
 bool startService(const std::string& name);

@@ -1,7 +1,6 @@
 #include "host/machineHost.h"
 
 #include <sys/random.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -32,8 +31,7 @@ bool isKeyName(const std::string& name) {
 }
 
 std::string machineName() {
-    std::array<char, 256> name{};
-    std::string text = ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
+    std::string text = platform::computerName();
     text = text.substr(0, text.find('.'));
     std::transform(text.begin(), text.end(), text.begin(),
                    [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });

@@ -4,13 +4,12 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
-#include <array>
 #include <fstream>
 #include <memory>
 
 #include "platform/files/descriptor.h"
+#include "platform/machine/host.h"
 
 namespace host {
 
@@ -19,16 +18,16 @@ std::string mailName() {
     std::ifstream("/etc/mailname") >> name;
     if (!name.empty())
         return name;
-    std::array<char, 256> own{};
-    if (::gethostname(own.data(), own.size() - 1) != 0)
+    const std::string own = platform::computerName();
+    if (own.empty())
         return "localhost";
     addrinfo wanted{};
     wanted.ai_flags = AI_CANONNAME;
     addrinfo* found = nullptr;
-    if (::getaddrinfo(own.data(), nullptr, &wanted, &found) != 0)
-        return own.data();
+    if (::getaddrinfo(own.c_str(), nullptr, &wanted, &found) != 0)
+        return own;
     const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(found, &::freeaddrinfo);
-    return found->ai_canonname ? found->ai_canonname : own.data();
+    return found->ai_canonname ? found->ai_canonname : own;
 }
 
 bool hasMailServer() {

@@ -3,7 +3,10 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <string_view>
+
+#include "platform/failure.h"
 
 namespace host {
 
@@ -28,7 +31,11 @@ std::string nameOf(const passwd& entry) {
 std::vector<Subscriber> machinePeople() {
     std::vector<Subscriber> people;
     ::setpwent();
-    while (const passwd* entry = ::getpwent()) {
+    for (;;) {
+        errno = 0;
+        const passwd* const entry = ::getpwent();
+        if (!entry)
+            break;
         const std::string name = nameOf(*entry);
         if (entry->pw_uid < firstPerson || entry->pw_uid > lastPerson || name.empty() ||
             !mayLogIn(entry->pw_shell ? entry->pw_shell : ""))
@@ -43,7 +50,11 @@ std::vector<Subscriber> machinePeople() {
         person.type = "1";
         people.push_back(std::move(person));
     }
+    const int error = errno;
     ::endpwent();
+    // A name service that fails looks like the end of the list. What some give at the end is no failure.
+    if (error != 0 && error != ENOENT && error != ESRCH)
+        throw platform::failureFromErrno(error, "the machine's accounts");
     return people;
 }
 

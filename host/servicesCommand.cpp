@@ -94,19 +94,11 @@ std::vector<std::string> obstacles() {
     return lines;
 }
 
+}  // namespace
+
 platform::Service openService(const std::string& name) {
     return {platform::ServiceManager(platform::managerExecute), name,
             platform::serviceStart | platform::serviceStop};
-}
-
-}  // namespace
-
-std::filesystem::path databaseFile() {
-    return platform::host::folder().parent_path() / "Database" / "QLNDB.MDB";
-}
-
-std::filesystem::path outboxFile() {
-    return platform::host::folder().parent_path() / "Service" / "HbQlnSvc.db";
 }
 
 bool startService(const std::string& name) {

@@ -13,6 +13,8 @@
 #include <thread>
 #include <vector>
 
+#include "host/commands.h"
+#include "host/registryEntries.h"
 #include "platform/failure.h"
 #include "platform/files/descriptor.h"
 #include "platform/files/fileLock.h"
@@ -37,8 +39,8 @@ constexpr milliseconds betweenLooks(500);
 volatile sig_atomic_t isEnding = 0;
 
 bool isAutomatic(const std::string& name) {
-    const auto value = platform::registry().value(
-        "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\" + name, "Start");
+    const auto value =
+        platform::registry().value(std::string("HKEY_LOCAL_MACHINE\\") + host::servicesKey + name, "Start");
     return value == platform::RegistryValue(std::uint32_t{2});
 }
 
@@ -56,11 +58,6 @@ bool runs(const std::string& name) {
 bool wasStopped(const std::string& name) {
     const auto record = platform::readServiceRecord(name);
     return record && (record->state == ServiceState::stopPending || record->state == ServiceState::stopped);
-}
-
-platform::Service open(const std::string& name) {
-    return {platform::ServiceManager(platform::managerExecute), name,
-            platform::serviceStart | platform::serviceStop};
 }
 
 std::string reasonOf(std::uint32_t error) {
@@ -134,7 +131,7 @@ void Supervisor::fail(const std::string& name, Watched& service, Moment now, con
 
 void Supervisor::start(const std::string& name, Watched& service, Moment now) {
     service.isWanted = true;
-    const std::uint32_t error = open(name).start();
+    const std::uint32_t error = openService(name).start();
     if (error != platform::noError && error != platform::errorServiceAlreadyRunning) {
         fail(name, service, now, "could not be started: " + reasonOf(error));
         return;
@@ -204,7 +201,7 @@ bool Supervisor::end() {
         // One that is still starting takes no request, and is asked again.
         const auto deadline = steady_clock::now() + seconds(10);
         while (runs(name) && steady_clock::now() < deadline) {
-            open(name).control(platform::ServiceControl::stop);
+            openService(name).control(platform::ServiceControl::stop);
             std::this_thread::sleep_for(milliseconds(50));
         }
         const bool isStopped = !runs(name);

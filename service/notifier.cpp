@@ -253,7 +253,12 @@ void Notifier::tellHeldBack() {
             heldUntil_ = heldUntil_ ? std::min(*heldUntil_, *until) : *until;
             continue;
         }
-        const EventVerdict verdict = verdictOf(held, monitoring);
+        EventVerdict verdict = verdictOf(held, monitoring);
+        // An event that would tell the address by now did not tell it of this record, which must not be lost.
+        if (!verdict.has(Reason::send))
+            for (DeviceVerdict& each : verdict.devices)
+                if (each.reason == Reason::sameAddress)
+                    each.reason = Reason::send;
         if (verdict.has(Reason::send)) {
             tell(batch, verdict, held.record);
             continue;

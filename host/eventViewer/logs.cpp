@@ -114,12 +114,4 @@ Log notificationLog() {
             [] { return service::notificationsStamp(databaseFile(), outboxFile()); }, true};
 }
 
-std::filesystem::path databaseFile() {
-    return platform::host::folder().parent_path() / "Database" / "QLNDB.MDB";
-}
-
-std::filesystem::path outboxFile() {
-    return platform::host::folder().parent_path() / "Service" / "HbQlnSvc.db";
-}
-
 }  // namespace viewer

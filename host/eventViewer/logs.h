@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/machine/eventLog.h"
+#include "service/inspection/installationFiles.h"
 #include "service/inspection/notifications.h"
 
 namespace viewer {
@@ -46,8 +47,7 @@ std::optional<Log> journalLog();
 // What was told and what waits.
 Log notificationLog();
 
-// Files of the host's installation: the configuration, and what the service keeps.
-std::filesystem::path databaseFile();
-std::filesystem::path outboxFile();
+using service::databaseFile;
+using service::outboxFile;
 
 }  // namespace viewer

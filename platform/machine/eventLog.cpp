@@ -90,11 +90,6 @@ void makeLogsFolder() {
     }
 }
 
-std::string computerName() {
-    std::array<char, 256> name{};
-    return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : std::string();
-}
-
 // What must precede a new record: the end of a line that a writer that died has left unfinished.
 std::string closingOfTornLine(int file, off_t size) {
     char last = '\n';

@@ -2,11 +2,17 @@
 
 #include <unistd.h>
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
 
 namespace platform {
+
+std::string computerName() {
+    std::array<char, 256> name{};
+    return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : std::string();
+}
 
 namespace host {
 

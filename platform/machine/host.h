@@ -7,6 +7,9 @@
 
 namespace platform {
 
+// The machine's own name; empty when the system does not say it.
+std::string computerName();
+
 namespace host {
 
 // The folder of the host: the environment variable QLN_HOST, or the folder "Host" beside the

@@ -98,9 +98,7 @@ Notifications::Notifications(const std::filesystem::path& databaseFile,
     : before_(std::numeric_limits<std::int64_t>::max()) {
     database_.open("Provider=Microsoft.Jet.OLEDB.4.0;Mode=Read;Data Source=" + databaseFile.string());
     readNames();
-    struct stat status {};
-    if (::stat(outboxFile.c_str(), &status) == 0)
-        outbox_ = std::make_unique<Store>(outboxFile, Store::Access::reader);
+    outbox_ = storeIfThere(outboxFile);
 }
 
 void Notifications::readNames() {

@@ -12,10 +12,10 @@ std::optional<Moment> OutboxView::pendingSince(long eventKey) const {
 }
 
 std::optional<OutboxView> viewOutbox(const std::filesystem::path& file) {
-    struct stat status {};
-    if (::stat(file.c_str(), &status) != 0)
+    const std::unique_ptr<Store> there = storeIfThere(file);
+    if (!there)
         return std::nullopt;
-    Store store(file, Store::Access::reader);
+    Store& store = *there;
     static const std::string waiting = std::string(messageColumns) + "WHERE State = 0 ORDER BY Key";
     OutboxView view;
     Query messages = store.query(waiting.c_str());
@@ -27,16 +27,18 @@ std::optional<OutboxView> viewOutbox(const std::filesystem::path& file) {
     while (pending.next())
         view.pending.emplace(static_cast<long>(pending.number(0)), momentOf(pending.number(1)));
     // The service touches its outbox at each look.
-    view.lastLook = std::chrono::system_clock::from_time_t(status.st_mtim.tv_sec);
+    struct stat status {};
+    if (::stat(file.c_str(), &status) == 0)
+        view.lastLook = std::chrono::system_clock::from_time_t(status.st_mtim.tv_sec);
     return view;
 }
 
 std::unordered_map<long, Moment> newestMessagesBefore(const std::filesystem::path& file, Moment moment) {
     std::unordered_map<long, Moment> newest;
-    struct stat status {};
-    if (::stat(file.c_str(), &status) != 0)
+    const std::unique_ptr<Store> there = storeIfThere(file);
+    if (!there)
         return newest;
-    Store store(file, Store::Access::reader);
+    Store& store = *there;
     Query rows = store.query(
         "SELECT EventKey, max(max(CASE WHEN Created <= ?1 THEN Created ELSE 0 END,"
         " CASE WHEN 1 IN (State, Outcome) AND Settled <= ?1 THEN Settled ELSE 0 END)) AS Newest"

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 
@@ -128,6 +129,15 @@ Store::Transaction::~Transaction() {
 void Store::Transaction::commit() {
     store_.run("COMMIT");
     isOpen_ = false;
+}
+
+std::unique_ptr<Store> storeIfThere(const std::filesystem::path& file) {
+    struct stat status {};
+    if (::stat(file.c_str(), &status) == 0)
+        return std::make_unique<Store>(file, Store::Access::reader);
+    if (errno == ENOENT || errno == ENOTDIR)
+        return nullptr;
+    throw platform::failureFromErrno(errno, file.string());
 }
 
 }  // namespace service

@@ -90,4 +90,8 @@ class Store {
     std::map<const char*, std::unique_ptr<sqlite3_stmt, Finalize>> statements_;  // by the constant's address
 };
 
+// The file for a reader; nothing when there is none. Raises platform::Failure for one that cannot be reached
+// or read.
+std::unique_ptr<Store> storeIfThere(const std::filesystem::path& file);
+
 }  // namespace service

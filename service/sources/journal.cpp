@@ -268,16 +268,19 @@ JournalSources journalSources(const std::filesystem::path& folder) {
     }
     constexpr std::string_view name = "SYSLOG_IDENTIFIER";
     std::set<JournalSource> found;
-    if (sd_journal_query_unique(journal, name.data()) >= 0) {
+    int state = sd_journal_query_unique(journal, name.data());
+    if (state >= 0) {
         const void* data = nullptr;
         std::size_t size = 0;
-        while (sd_journal_enumerate_available_unique(journal, &data, &size) > 0) {
+        while ((state = sd_journal_enumerate_available_unique(journal, &data, &size)) > 0) {
             const std::string text =
                 readableText(std::string_view(static_cast<const char*>(data), size).substr(name.size() + 1));
             if (!text.empty())
                 found.insert({journalLog(text, true), text});
         }
     }
+    if (state < 0 && result.problem.empty())
+        result.problem = std::string("The journal's identifiers cannot be read: ") + std::strerror(-state);
     result.sources.assign(found.begin(), found.end());
     return result;
 }

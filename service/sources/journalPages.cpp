@@ -13,9 +13,14 @@ namespace service {
 
 JournalPages::JournalPages(const std::filesystem::path& folder) : journal_(openJournal(folder)) {
     const int result = journal_ ? sd_journal_seek_tail(journal_.get()) : 0;
-    const std::string problem = inspectJournalFiles(folder).problem;
     if (result < 0)
         throw platform::failureFromErrno(-result, "journal");
+    // What can be read is shown, whatever else cannot.
+    if (journal_ && sd_journal_previous(journal_.get()) > 0) {
+        sd_journal_seek_tail(journal_.get());
+        return;
+    }
+    const std::string problem = inspectJournalFiles(folder).problem;
     if (!journal_ || !problem.empty())
         throw platform::Failure(platform::pathFileAccessError,
                                 problem.empty() ? "The journal cannot be opened." : problem);
@@ -26,8 +31,8 @@ JournalPage JournalPages::earlier(std::size_t most) {
     int result = 0;
     while (page.records.size() < most && (result = sd_journal_previous(journal_.get())) > 0) {
         std::uint64_t moment = 0;
-        sd_journal_get_realtime_usec(journal_.get(), &moment);
-        lastPlace_ = std::min(moment, lastPlace_ - 1);
+        const bool isKnown = sd_journal_get_realtime_usec(journal_.get(), &moment) >= 0;
+        lastPlace_ = isKnown ? std::min(moment, lastPlace_ - 1) : lastPlace_ - 1;
         std::string reason;
         if (auto record = journalRecord(journal_.get(), reason))
             page.records.push_back({lastPlace_, std::move(*record)});

@@ -1,13 +1,12 @@
 #include "service/transports/smtp.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <string_view>
 #include <utility>
 
+#include "platform/machine/host.h"
 #include "service/transports/curlSession.h"
 #include "service/transports/mailMessage.h"
 
@@ -17,8 +16,8 @@ namespace {
 
 // The name that the relay is greeted with.
 std::string ownName() {
-    std::array<char, 256> name{};
-    return ::gethostname(name.data(), name.size() - 1) == 0 && name[0] ? name.data() : "localhost";
+    const std::string name = platform::computerName();
+    return name.empty() ? "localhost" : name;
 }
 
 std::string withCrLf(const std::string& text) {

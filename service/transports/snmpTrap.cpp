@@ -3,18 +3,19 @@
 #include <net-snmp/net-snmp-config.h>
 //
 #include <net-snmp/net-snmp-includes.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <ctime>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <string_view>
 #include <utility>
 
+#include "platform/machine/host.h"
 #include "service/transports/nameSearch.h"
 
 namespace service {
@@ -232,9 +233,9 @@ Outcome sendToSink(const SnmpSink& sink, const Message& message, const SnmpSetti
 }  // namespace
 
 std::string snmpEngineName() {
-    std::array<char, 27> name{};  // of an engine's 32 bytes 5 are taken
-    const bool isKnown = ::gethostname(name.data(), name.size() - 1) == 0 && name[0];
-    return isKnown ? name.data() : "quillon";
+    constexpr std::size_t longest = 26;  // of an engine's 32 bytes 5 are taken
+    const std::string name = platform::computerName().substr(0, longest);
+    return name.empty() ? "quillon" : name;
 }
 
 SnmpTrap::SnmpTrap(SnmpSettings settings) : settings_(std::move(settings)) {}
@@ -242,7 +243,8 @@ SnmpTrap::SnmpTrap(SnmpSettings settings) : settings_(std::move(settings)) {}
 Outcome SnmpTrap::send(const Message& message, const Deadline& deadline) {
     const std::lock_guard lock(libraryMutex());
     initializeOnce();
-    // Who has it already, of messages that are tried again because another sink failed.
+    // Who has it already, of messages that are tried again because another sink failed. A restart forgets it,
+    // and sends to all once more.
     static std::map<std::string, std::vector<SnmpSink>> reached;
     std::vector<SnmpSink>& have = reached[message.key];
     const Result taken = settings_.informs ? Result::delivered : Result::handedOver;
@@ -262,8 +264,11 @@ Outcome SnmpTrap::send(const Message& message, const Deadline& deadline) {
     if (isRefused && have.empty() && all.result != Result::tryAgain)
         all.result = Result::refused;
     constexpr std::size_t mostKept = 1000;
-    if (all.result != Result::tryAgain || reached.size() > mostKept)
+    if (all.result != Result::tryAgain)
         reached.erase(message.key);
+    else if (reached.size() > mostKept)
+        // One that was given up is not heard of again; of the others one has to be told once more.
+        reached.erase(reached.begin()->first == message.key ? std::next(reached.begin()) : reached.begin());
     return all;
 }
 

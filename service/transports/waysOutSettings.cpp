@@ -55,8 +55,8 @@ bool isLoopback(const std::string& relay) {
 }
 
 std::string machineName() {
-    std::array<char, 256> name{};
-    return ::gethostname(name.data(), name.size() - 1) == 0 && name[0] ? name.data() : "localhost";
+    const std::string name = platform::computerName();
+    return name.empty() ? "localhost" : name;
 }
 
 std::string problemOfMail(const SmtpSettings& mail) {

@@ -313,6 +313,21 @@ TEST_F(NotifierTest, APassingFaultOfTheSetUpLosesNothing) {
                                  " to " + when + "."}));
 }
 
+TEST_F(NotifierTest, WhatWasHeldBackIsToldAlsoWhereAnotherEventWouldTellTheAddressByNow) {
+    run("INSERT INTO Events VALUES (5, 'Fan', -1, '', 2, 0, 0, NULL);"
+        "INSERT INTO Contents VALUES (5, 3, NULL, 1, 'Earlier <Event>', '');"
+        "INSERT INTO EventDevice VALUES (5, 1, -1), (5, 3, -1);");
+    write("Fan", 1);
+    look();
+    EXPECT_EQ(told().size(), 2u);
+    write("Fan", 2);
+    look();
+    EXPECT_EQ(told(), Texts{}) << "held back";
+    run("UPDATE Events SET EventActive = -1 WHERE EventKey = 5");
+    pass(minutes(16));
+    EXPECT_EQ(told().size(), 2u);
+}
+
 TEST_F(NotifierTest, ASecondServiceOnTheSameOutboxWaitsForItsTurn) {
     const auto second = makeNotifier();
     second->look();
