@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -19,7 +18,6 @@
 #include "bench/largeInstallation.h"
 #include "bench/smtpSink.h"
 #include "bench/table.h"
-#include "core/state.h"
 #include "platform/files/files.h"
 #include "platform/machine/caseFold.h"
 #include "platform/machine/clock.h"
@@ -186,7 +184,7 @@ void compareReading(Table& table) {
 // The configuration of one event with one device, and the service at work on it.
 class Small {
   public:
-    Small(const fs::path& folder, service::MakeTransport makeTransport) : folder_(folder) {
+    Small(const fs::path& folder, service::MakeTransport makeTransport) {
         const fs::path database = folder / "small.db";
         fs::remove(database);
         fs::remove(folder / "outbox.db");
@@ -228,7 +226,6 @@ class Small {
     }
 
   private:
-    fs::path folder_;
     std::unique_ptr<service::Notifier> notifier_;
 };
 

@@ -8,6 +8,7 @@
 
 #include "platform/ado/ado.h"
 #include "platform/libraries/stringLibrary.h"
+#include "platform/registry/productKey.h"
 
 namespace core {
 
@@ -20,7 +21,7 @@ struct CorvaneVersion {
     std::string text;  // such as 3.1(1.0)
 };
 
-inline constexpr char productRegistryKey[] = "SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service";
+inline constexpr const auto& productRegistryKey = platform::productKey;
 inline constexpr char serviceKeyName[] = "hbqlnsvc";
 
 extern platform::Connection gDatabase;   // the configuration database (openDatabase)

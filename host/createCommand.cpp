@@ -62,7 +62,7 @@ bool startServices(const host::HostOptions& options, const std::filesystem::path
 std::string takeTreeFolder(Arguments& arguments) {
     std::string folder = arguments.take("DIR");
     // The registry and the shortcuts hold command lines with this name between quotes.
-    if (folder.find_first_of("\"\n\r") != std::string::npos)
+    if (folder.find_first_of("\"'\n\r") != std::string::npos)
         throw UsageError("a host's folder has neither quotes nor line ends in its name");
     return folder;
 }

@@ -10,6 +10,7 @@
 #include "platform/failure.h"
 #include "platform/files/files.h"
 #include "platform/machine/host.h"
+#include "platform/registry/productKey.h"
 #include "service/sources/journal.h"
 #include "service/sources/journalChoice.h"
 
@@ -17,7 +18,7 @@ namespace qlnhost {
 
 namespace {
 
-constexpr char productKey[] = "SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service\\";
+const std::string mailKey = std::string(platform::productKey) + "\\Mail";
 
 std::vector<host::EventSource> sourcesOf(const service::JournalSources& journal) {
     std::vector<host::EventSource> sources;
@@ -38,9 +39,9 @@ struct Mail {
 // What was found of mail, written down for the service.
 Mail setUpMail() {
     const Mail mail{host::mailName(), host::hasMailServer()};
-    host::setValue(std::string(productKey) + "Mail", "Domain", mail.domain);
+    host::setValue(mailKey, "Domain", mail.domain);
     if (mail.hasServer)
-        host::setValue(std::string(productKey) + "Mail", "Relay", std::string("smtp://127.0.0.1:25"));
+        host::setValue(mailKey, "Relay", std::string("smtp://127.0.0.1:25"));
     return mail;
 }
 
@@ -63,7 +64,7 @@ void tell(const host::MachineHost& made, const service::JournalSources& journal,
         say("\nMail: no mail server answers on 127.0.0.1, so mails go into the host's own mailboxes. A relay "
             "is "
             "set with");
-        command("registry set '" + std::string(productKey) + "Mail' Relay smtp://HOST:PORT");
+        command("registry set '" + mailKey + "' Relay smtp://HOST:PORT");
     }
     say("\nPager, SNMP traps, syslog over TLS: set up where they are wanted, see HbQlnSvc(8). How each "
         "stands "

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "platform/registry/productKey.h"
 #include "platform/services/serviceManager.h"
 
 namespace host {
@@ -50,8 +51,7 @@ void addService(std::string_view name, const std::string& program, const Service
 void addProduct(const std::filesystem::path& root, unsigned corvaneMajor) {
     setValue("SOFTWARE\\Tessaly", "Version Number", corvaneMajor >= 4 ? 0x00040000u : 0x00030001u);
     setValue("SOFTWARE\\Tessaly", "Build Number", 0x00010000u);
-    setValue("SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service", "DatabasePath",
-             (root / "Database").string());
+    setValue(platform::productKey, "DatabasePath", (root / "Database").string());
 }
 
 void addSnmpAgent() {

@@ -88,7 +88,9 @@ std::vector<std::string> obstacles() {
     constexpr std::uintmax_t little = 1u << 20;
     std::error_code error;
     const auto space = std::filesystem::space(outboxFile().parent_path(), error);
-    if (!error && space.available < little)
+    if (error)
+        lines.push_back("The room on the disk of the service cannot be asked for: " + error.message());
+    else if (space.available < little)
         lines.push_back("The disk of " + outboxFile().parent_path().string() +
                         " is full: the service can note nothing and tells nobody until there is room.");
     return lines;

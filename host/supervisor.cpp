@@ -187,9 +187,13 @@ void Supervisor::look(Moment now) {
         for (const std::string& name : names)
             look(name, services_[name], now);
     } catch (const platform::Failure& failure) {
-        // A registry that is being replaced is there again at the next look.
-        std::fprintf(stderr, "qlnhost: %s\n", failure.what());
+        // A registry that is being replaced is there again at the next look; one that stays away is told
+        // once.
+        if (trouble_ != failure.what())
+            say_(trouble_ = failure.what());
+        return;
     }
+    trouble_.clear();
 }
 
 bool Supervisor::end() {

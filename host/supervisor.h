@@ -46,6 +46,7 @@ class Supervisor {
 
     std::function<void(const std::string&)> say_;
     std::map<std::string, Watched> services_;  // by key name
+    std::string trouble_;                      // that keeps it from looking
 };
 
 // Supervises the present host in the foreground until the signal to end comes, and tells the system's service

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/machine/host.h"
+#include "platform/registry/productKey.h"
 #include "platform/registry/registry.h"
 #include "service/notifier.h"
 #include "service/program/registration.h"
@@ -23,8 +24,7 @@
 
 namespace {
 
-constexpr char serviceKey[] =
-    "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service";
+const std::string serviceKey = std::string("HKEY_LOCAL_MACHINE\\") + platform::productKey;
 
 // Minutes; the value is set for those whose service is down for long.
 std::chrono::minutes oldestNotice() {

@@ -1,6 +1,5 @@
 #include "host/firstRun/firstRunWindow.h"
 
-#include <QApplication>
 #include <QCommandLinkButton>
 #include <QDialogButtonBox>
 #include <QIcon>
@@ -55,16 +54,15 @@ void FirstRunWindow::choose(Choice choice) {
     for (QCommandLinkButton* const each : std::as_const(choices_))
         each->setEnabled(false);
     buttons_->setEnabled(false);
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    // What was changed is painted first: making a host takes a second or two.
-    repaint();
-    QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-    const Outcome outcome = makeHost(choice, tree_, texts_);
-    QApplication::restoreOverrideCursor();
-    tell(outcome);
+    setCursor(Qt::BusyCursor);
+    worker_.post([this, choice, tree = tree_] {
+        const Outcome outcome = makeHost(choice, tree, texts_);
+        viewer::inWindow(this, [this, outcome] { tell(outcome); });
+    });
 }
 
 void FirstRunWindow::tell(const Outcome& outcome) {
+    unsetCursor();
     question_->setText(outcome.isMade ? texts_.title : texts_.failed);
     for (QCommandLinkButton* const each : std::as_const(choices_))
         each->hide();

@@ -4,6 +4,7 @@
 #include <QDialog>
 
 #include "host/firstRun/hostMaker.h"
+#include "host/viewer/worker.h"
 
 class QCommandLinkButton;
 class QDialogButtonBox;
@@ -28,6 +29,7 @@ class FirstRunWindow : public QDialog {
     QList<QCommandLinkButton*> choices_;
     QPlainTextEdit* told_;
     QDialogButtonBox* buttons_;
+    viewer::Worker worker_;  // last: it ends before what it works for
 };
 
 }  // namespace firstRun

@@ -7,6 +7,10 @@ namespace service {
 
 namespace {
 
+// How a row of the history begins; whoever reads it goes by these.
+constexpr char refusedWords[] = "Refused: ";
+constexpr char givenUpWords[] = "Given up after ";
+
 using platform::LockType;
 using platform::Recordset;
 
@@ -51,11 +55,24 @@ void writeLastNotification(platform::Connection& database, const Outgoing& messa
 std::string outcomeText(const Outgoing& message) {
     const State outcome = message.state == State::done ? message.outcome : message.state;
     const std::string begin = outcome == State::told      ? ""
-                              : outcome == State::refused ? "Refused: "
+                              : outcome == State::refused ? std::string(refusedWords)
                               : outcome == State::givenUp
-                                  ? "Given up after " + std::to_string(message.attempts) + " attempts: "
+                                  ? givenUpWords + std::to_string(message.attempts) + " attempts: "
                                   : "Waiting: ";
     return begin + message.answer;
+}
+
+State takeOutcome(std::string& words) {
+    if (words.starts_with(refusedWords)) {
+        words.erase(0, std::string_view(refusedWords).size());
+        return State::refused;
+    }
+    if (const std::size_t end = words.find(": ");
+        words.starts_with(givenUpWords) && end != std::string::npos) {
+        words.erase(0, end + 2);
+        return State::givenUp;
+    }
+    return State::told;
 }
 
 void writeHistory(platform::Connection& database, const std::vector<Outgoing>& messages) {

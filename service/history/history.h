@@ -14,6 +14,8 @@ namespace service {
 void writeHistory(platform::Connection& database, const std::vector<Outgoing>& messages);
 // The outcome in the words of the history: "Delivered: 250 OK".
 std::string outcomeText(const Outgoing& message);
+// The outcome that the words of the history begin with, which it takes away: the receiver's are left.
+State takeOutcome(std::string& words);
 // Drops the rows of before `moment`. Raises platform::Failure.
 void dropHistoryBefore(platform::Connection& database, Moment moment);
 // The greatest LogKey; 0 without a row. Raises platform::Failure.

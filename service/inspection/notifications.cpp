@@ -7,6 +7,7 @@
 
 #include "platform/machine/caseFold.h"
 #include "platform/machine/clock.h"
+#include "service/history/history.h"
 #include "service/outbox/rows.h"
 
 namespace service {
@@ -31,19 +32,8 @@ std::string sourceAndId(const std::string& source, std::uint32_t id) {
     return platform::foldCase(source) + '\n' + std::to_string(id);
 }
 
-// The history has one column for the outcome and the receiver's words.
-Fate splitOutcome(std::string& words) {
-    constexpr std::string_view refused = "Refused: ";
-    constexpr std::string_view givenUp = "Given up after ";
-    if (words.starts_with(refused)) {
-        words.erase(0, refused.size());
-        return Fate::refused;
-    }
-    if (const std::size_t end = words.find(": "); words.starts_with(givenUp) && end != std::string::npos) {
-        words.erase(0, end + 2);
-        return Fate::givenUp;
-    }
-    return Fate::told;
+Fate fateOf(State outcome) {
+    return outcome == State::refused ? Fate::refused : outcome == State::givenUp ? Fate::givenUp : Fate::told;
 }
 
 Notification ofMessage(const Outgoing& message) {
@@ -172,7 +162,7 @@ Notification Notifications::notificationOf(const Recordset& row) {
     result.id = row.isNull("EventID") ? 0 : static_cast<std::uint32_t>(row.number("EventID"));
     result.address = textOf(row, "DeviceAddress");
     result.words = textOf(row, "Success");
-    result.fate = splitOutcome(result.words);
+    result.fate = fateOf(takeOutcome(result.words));
     addMessage(result);
     if (result.event.empty())
         for (const std::string& place :

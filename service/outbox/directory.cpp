@@ -1,15 +1,11 @@
 #include "service/outbox/directory.h"
 
-#include <chrono>
-#include <condition_variable>
 #include <exception>
-#include <memory>
-#include <mutex>
-#include <thread>
 #include <utility>
 
 #include "platform/ado/ado.h"
 #include "platform/failure.h"
+#include "service/transports/abandonable.h"
 
 namespace service {
 
@@ -52,34 +48,24 @@ std::optional<std::string> readAlias(const std::string& directoryId) {
                  : aliasIn(views ? "vw_DistributionList" : "DistributionList", directoryId, directory);
 }
 
-// A server of a directory may be silent for longer than anybody waits: the search goes on alone then, and
-// what it finds is dropped.
-struct Search {
-    std::mutex mutex;
-    std::condition_variable end;
-    std::optional<DirectoryAnswer> answer;
-};
-
 }  // namespace
 
 DirectoryAnswer directoryAlias(const std::string& directoryId, const Deadline& deadline) {
-    const auto search = std::make_shared<Search>();
-    std::thread([search, directoryId] {
-        DirectoryAnswer answer;
+    // A server of a directory may be silent for longer than anybody waits.
+    auto answer = abandonable<DirectoryAnswer>(
+        [directoryId] {
+        DirectoryAnswer found;
         try {
-            answer.alias = readAlias(directoryId);
+            found.alias = readAlias(directoryId);
+        } catch (const platform::Failure& failure) {
+            found.problem = failure.description();
         } catch (const std::exception& failure) {
-            const auto* known = dynamic_cast<const platform::Failure*>(&failure);
-            answer.problem = known ? known->description() : failure.what();
+            found.problem = failure.what();
         }
-        const std::lock_guard lock(search->mutex);
-        search->answer = std::move(answer);
-        search->end.notify_all();
-    }).detach();
-    std::unique_lock lock(search->mutex);
-    while (!search->answer && !deadline.isOver())
-        search->end.wait_for(lock, std::chrono::milliseconds(100));
-    return search->answer ? std::move(*search->answer) : DirectoryAnswer{{}, "it does not answer in time"};
+        return found;
+        },
+        deadline);
+    return answer ? std::move(*answer) : DirectoryAnswer{{}, "it does not answer in time"};
 }
 
 }  // namespace service

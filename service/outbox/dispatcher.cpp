@@ -17,6 +17,7 @@ namespace service {
 
 namespace {
 
+// A relay may look through a mail for minutes before it takes it.
 constexpr std::chrono::minutes longestAttempt(10);
 constexpr std::chrono::milliseconds longestTogether(500);
 

@@ -175,16 +175,17 @@ std::optional<Moment> Outbox::pendingSince(long eventKey) {
 std::vector<Outgoing> Outbox::due(Moment now, Lane lane, const std::vector<std::string>& busy,
                                   std::size_t most) {
     Query row = store_->query(
-        "SELECT Key, Kind, Address FROM Message WHERE State = 0 AND NextAttempt <= ? AND (Kind BETWEEN 1 AND "
-        "4) = ?"
-        " ORDER BY NextAttempt, Key");
-    row.with(numberOf(now)).with(std::int64_t{lane == Lane::mail});
+        "SELECT Key, Kind, Address FROM Message WHERE State = 0 AND NextAttempt <= ? ORDER BY NextAttempt, "
+        "Key");
+    row.with(numberOf(now));
     static const std::string byKey = std::string(messageColumns) + "WHERE Key = ?";
     std::vector<Outgoing> messages;
     std::string address;
     while (messages.size() < most && row.next()) {
         Outgoing head;
         head.kind = static_cast<DeviceKind>(row.number(1));
+        if (laneOf(head.kind) != lane)
+            continue;
         head.address = row.text(2);
         const std::string key = addressKey(head);
         if (messages.empty() ? std::ranges::find(busy, key) != busy.end() : key != address)

@@ -36,6 +36,8 @@ void ServiceLog::add(std::string_view text) {
         c = static_cast<unsigned char>(c) < ' ' || c == 127 ? ' ' : c;
     if (kept_.size() < mostKept)
         kept_.append(moment).append("  ").append(line).append("\n");
+    else
+        ++lost_;
 }
 
 void ServiceLog::flush(const std::string& file) {
@@ -46,8 +48,9 @@ void ServiceLog::flush(const std::string& file) {
     rotate(file);
     platform::TextStream stream;
     stream.open(file);
-    stream.write(kept_);
+    stream.write(lost_ == 0 ? kept_ : kept_ + std::to_string(lost_) + " further lines are lost\n");
     kept_.clear();
+    lost_ = 0;
 }
 
 }  // namespace service

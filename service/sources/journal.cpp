@@ -164,8 +164,7 @@ void Journal::noteChanges() {
 }
 
 std::string Journal::end() {
-    int error = 0;
-    return endOf(openJournal(folder_, &error).get());
+    return endOf(openJournal(folder_).get());
 }
 
 // Stands before the first record behind the batch's position. False when there is none.

@@ -3,14 +3,14 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/registry/productKey.h"
 #include "platform/registry/registry.h"
 
 namespace service {
 
 namespace {
 
-constexpr char key[] =
-    "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service\\Sources";
+const std::string key = std::string("HKEY_LOCAL_MACHINE\\") + platform::productKey + "\\Sources";
 
 }  // namespace
 

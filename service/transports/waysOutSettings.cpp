@@ -13,17 +13,16 @@
 #include "platform/failure.h"
 #include "platform/files/descriptor.h"
 #include "platform/machine/host.h"
+#include "platform/registry/productKey.h"
 #include "platform/registry/registry.h"
 
 namespace service {
 
 namespace {
 
-const std::string productKey =
-    "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tessaly\\ToolRack\\Diagnostic Tools\\Quillon Service\\";
-
 std::string textValue(const char* key, const char* name) {
-    const auto value = platform::registry().value(productKey + key, name);
+    const auto value = platform::registry().value(
+        std::string("HKEY_LOCAL_MACHINE\\") + platform::productKey + '\\' + key, name);
     const auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
     return text ? *text : std::string();
 }
