@@ -94,13 +94,10 @@ void rewind(Recordset& list) {
 
 // Collects the deletion of all rows for the batch.
 bool removeAll(Rows& details) {
-    long left = details.count();
-    while (details.next()) {
+    while (details.next())
         if (!details.deleteCurrent())
             return false;
-        --left;
-    }
-    return left == 0 && details.allRan();
+    return details.allRan();
 }
 
 // Adds one row to the batch; false when it will not be there.
@@ -154,12 +151,9 @@ bool rebuildAddressDetailsTable() {
             directory.distributionLists = quietlyOpened(views ? "vw_DistributionList" : "DistributionList");
         });
         bool all = true;
-        long unread = devices.count();
-        for (; devices.next(); --unread)
+        while (devices.next())
             all = rebuildRow(frame, devices, details, directory) && all;
-        // A rest that could not be read would lose the rows that it has.
-        if (unread == 0)
-            whole = details.updateBatch() && all;
+        whole = details.updateBatch() && all;
     });
 }
 

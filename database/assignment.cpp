@@ -23,7 +23,6 @@ namespace {
 
 constexpr char module[] = "mdlDatabase";
 constexpr std::string_view selectionPrefix = "DeviceKey:";
-constexpr long noDevice = -1;
 constexpr std::size_t typeNameWidth = 15;
 constexpr std::size_t activeWidth = 5;
 
@@ -186,11 +185,12 @@ bool addRecipientToEvent(long eventKey, const DeviceSelection& selection, bool c
         bool known = true;
         const std::vector<Chosen> chosen = chosenDevices(frame, selection, known);
         Rows rows(frame);
-        const bool opened = rows.openForAdding("EventDevice");
+        if (!rows.openForAdding("EventDevice"))
+            return;
         // The old rows do not go for new ones that are known only in part. Beside rows that are still there
         // the event would go to both the old and the new devices.
-        cleared = !clearFirst || (known && opened &&
-                                  execute(frame, {"DELETE FROM EventDevice WHERE EventKey = ?", {eventKey}}));
+        cleared = !clearFirst ||
+                  (known && execute(frame, {"DELETE FROM EventDevice WHERE EventKey = ?", {eventKey}}));
         if (!cleared)
             return;
         for (const Chosen& device : chosen)

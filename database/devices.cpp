@@ -15,6 +15,12 @@ namespace {
 
 constexpr char module[] = "mdlDatabase";
 
+// The type of the present row's device; 0, which is no type, for one without.
+template <class Row>
+long typeOf(Row& row) {
+    return row.isNull("DeviceType") ? 0 : row.number("DeviceType");
+}
+
 // The recipient whose device it is; 0 for nobody.
 long ownerOf(long deviceKey) {
     Recordset link =
@@ -89,7 +95,9 @@ void addToExistingEvents(long recipientKey, long deviceKey) {
             assignments.copy("EventKey", events);
             assignments.set("DeviceKey", deviceKey);
             assignments.set("Active", false);
-            assignments.update();
+            // A row without its event or its device would be one that no view shows.
+            if (assignments.allRan())
+                assignments.update();
         }
         assignments.updateBatch();
         assignments.close();
@@ -139,7 +147,7 @@ std::map<long, std::vector<RecipientDevice>> devicesOfAllRecipients() {
     std::map<long, std::vector<RecipientDevice>> all;
     while (rows.next())
         all[rows.number("RecipientKey")].push_back(
-            {rows.number("DeviceKey"), rows.isNull("DeviceType") ? 0 : rows.number("DeviceType"),
+            {rows.number("DeviceKey"), typeOf(rows),
              !rows.isNull("DeviceActive") && rows.boolean("DeviceActive"), text("DeviceAddress"),
              text("DisplayName")});
     rows.close();
@@ -168,7 +176,7 @@ std::optional<DeviceCounts> countDevicesByRecipient() {
         while (rows.next()) {
             auto& ofRecipient = counted[rows.number("RecipientKey")];
             const long count = rows.number("DeviceCount");
-            const long type = rows.isNull("DeviceType") ? 0 : rows.number("DeviceType");
+            const long type = typeOf(rows);
             ofRecipient[allDeviceTypes] += count;
             if (type >= voiceMail && type <= failover)
                 ofRecipient[static_cast<std::size_t>(type)] = count;
@@ -188,9 +196,8 @@ std::optional<long> readDeviceType(long deviceKey) {
                            [&](Frame& frame, std::optional<long>& type) {
         Rows row(frame);
         row.openForReading({"SELECT DeviceType FROM Device WHERE DeviceKey = ?", {deviceKey}});
-        long read = -1;
-        if (row.hasRow())
-            read = row.isNull("DeviceType") ? 0 : row.number("DeviceType");
+        // One without a type may be failover like one whose type cannot be read: a failure, and no type.
+        const long read = row.hasRow() ? row.number("DeviceType") : noDevice;
         if (row.allRan())
             type = read;
         row.close();
@@ -198,7 +205,7 @@ std::optional<long> readDeviceType(long deviceKey) {
 }
 
 long getDeviceType(long deviceKey) {
-    return readDeviceType(deviceKey).value_or(-1);
+    return readDeviceType(deviceKey).value_or(noDevice);
 }
 
 std::string getDeviceLabel(long deviceType) {

@@ -15,6 +15,9 @@
 
 namespace mdlDatabase {
 
+// No device's key, and the type of a device that is not there.
+inline constexpr long noDevice = -1;
+
 struct NewDevice {
     DeviceType type = voiceMail;
     std::string address;
@@ -55,9 +58,9 @@ struct RecipientDevice {
 std::map<long, std::vector<RecipientDevice>> devicesOfAllRecipients();
 // False, with a failure in the log, when there is no such device.
 bool isDeviceActive(long deviceKey);
-// -1 when there is no such device, and on failure.
+// noDevice when there is no such device, and on failure.
 long getDeviceType(long deviceKey);
-// The same; nothing when the database could not be read.
+// The same; nothing when the type could not be read, or when the device has none.
 std::optional<long> readDeviceType(long deviceKey);
 // The type's name in the present language; empty for a number that is no type.
 std::string getDeviceLabel(long deviceType);

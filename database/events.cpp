@@ -109,8 +109,9 @@ long addNewEvent(const NewEvent& event) {
         for (const ContentType type : {voiceContent, emailContent}) {
             contents.addNew();
             setContentFields(contents, type, event.content);
-            const bool linked = contents.set("EventKey", key);
-            complete = contents.update() && linked && complete;
+            contents.set("EventKey", key);
+            contents.update();
+            complete = contents.allRan() && complete;
         }
         contents.close();
         if (complete)

@@ -22,9 +22,8 @@ namespace mdlDatabase {
 namespace {
 
 constexpr char module[] = "mdlDatabase";
-constexpr char databaseName[] = "/QLNDB.MDB";
-constexpr char backupName[] = "/QLNDB_BKP.MDB";
-constexpr char templateName[] = "/QLNDB_FRESH.MDB";
+constexpr char databaseName[] = "QLNDB.MDB";
+constexpr char templateName[] = "QLNDB_FRESH.MDB";
 constexpr char pathValue[] = "DatabasePath";
 
 std::string absolute(const std::string& path) {
@@ -94,7 +93,7 @@ bool copyExclusions(Frame& frame) {
 }
 
 std::string connectionString(const std::string& path) {
-    return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path + databaseName;
+    return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path + "/" + databaseName;
 }
 
 // What newDatabaseNotice says, and whether the backup must stay: it may be all that is left of a database
@@ -105,12 +104,12 @@ bool backupStays = false;
 // Keeps what the end of this run replaces, under a name that nothing has yet.
 void keepBackup(Frame& frame, const std::string& path) {
     std::string kept;
-    for (int number = 1; kept.empty() || files::fileExists(path + kept); ++number)
-        kept = "/QLNDB_BKP_" + std::to_string(number) + ".MDB";
-    backupStays = !frame.step([&] { files::copyFile(path + backupName, path + kept); });
+    for (int number = 1; kept.empty() || files::fileExists(path + "/" + kept); ++number)
+        kept = "QLNDB_BKP_" + std::to_string(number) + ".MDB";
+    backupStays = !frame.step([&] { files::copyFile(path + "/" + backupName, path + "/" + kept); });
     const std::string folder = absolute(path);
-    notice = "There was no database:\n" + folder + databaseName +
-             "\n\nA new one was made. The last backup of the one before is\n" + folder +
+    notice = "There was no database:\n" + folder + "/" + databaseName +
+             "\n\nA new one was made. The last backup of the one before is\n" + folder + "/" +
              (backupStays ? std::string(backupName) : kept);
     gLog().log(notice, core::logError, frame.tag());
 }
@@ -135,7 +134,7 @@ std::string getDatabasePath() {
     return core::procedure(module, "getDatabasePath", std::string(), [&](Frame& frame, std::string& path) {
         frame.step(
             [&] { path = getRegistryString(HKEY_LOCAL_MACHINE, core::productRegistryKey, pathValue); });
-        if (path.empty() || !files::fileExists(path + databaseName)) {
+        if (path.empty() || !files::fileExists(path + "/" + databaseName)) {
             gLog().log("DatabasePath=" + path + " does not contain QLNDB.MDB", core::logError, frame.tag());
             path = (platform::program::installationRoot() / "Database").string();
             gLog().log("Setting DatabasePath to default path", core::logError, frame.tag());
@@ -153,12 +152,12 @@ void openDatabase() {
         troubled = backupStays = false;
         notice.clear();
         const std::string path = getDatabasePath();
-        if (!files::fileExists(path + databaseName)) {
+        if (!files::fileExists(path + "/" + databaseName)) {
             const std::string folder = absolute(path);
-            gLog().log("Copying " + folder + templateName + " to " + folder + databaseName, core::logInfo,
-                       frame.tag());
-            if (frame.step([&] { files::copyFile(path + templateName, path + databaseName); }) &&
-                files::fileExists(path + backupName))
+            gLog().log("Copying " + folder + "/" + templateName + " to " + folder + "/" + databaseName,
+                       core::logInfo, frame.tag());
+            if (frame.step([&] { files::copyFile(path + "/" + templateName, path + "/" + databaseName); }) &&
+                files::fileExists(path + "/" + backupName))
                 keepBackup(frame, path);
         }
         // Required: the read-only test looks at the folder's path without the file's name, so it normally
@@ -193,8 +192,8 @@ std::string databaseTrouble() {
             frame.step([&] { core::gDatabase.open(connectionString(path) + ";Mode=Read"); });
         }
         const std::string folder = absolute(path);
-        const std::string backup = folder + backupName;
-        trouble = "The database cannot be used:\n" + folder + databaseName + "\n\n" + reason +
+        const std::string backup = folder + "/" + backupName;
+        trouble = "The database cannot be used:\n" + folder + "/" + databaseName + "\n\n" + reason +
                   "\n\nIt was left as it is. " +
                   (files::fileExists(backup) ? "The last backup is\n" + backup : "There is no backup.");
         gLog().log(trouble, core::logError, frame.tag());
@@ -208,7 +207,7 @@ bool copyDatabase(const std::string& fileName) {
                        core::logError, frame.tag());
             copied = false;
         });
-        if (troubled || (backupStays && fileName == backupName + 1)) {
+        if (troubled || (backupStays && fileName == backupName)) {
             gLog().log(troubled ? "The database cannot be used, so the backup stays as it is"
                                 : "The backup is of the database before, so it stays as it is",
                        core::logError, frame.tag());
@@ -217,11 +216,11 @@ bool copyDatabase(const std::string& fileName) {
         }
         const std::string path = getDatabasePath();
         const std::string folder = absolute(path);
-        gLog().log("Copying " + folder + databaseName + " to " + folder + "/" + fileName, core::logInfo,
+        gLog().log("Copying " + folder + "/" + databaseName + " to " + folder + "/" + fileName, core::logInfo,
                    frame.tag());
         // Through the engine, so that the copy is whole while the service writes. Required: a failure other
         // than a refusal is in the log, and the result is still true.
-        frame.step([&] { platform::backupDatabase(path + databaseName, path + "/" + fileName); });
+        frame.step([&] { platform::backupDatabase(path + "/" + databaseName, path + "/" + fileName); });
     });
 }
 

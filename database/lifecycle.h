@@ -5,6 +5,9 @@
 
 namespace mdlDatabase {
 
+// The backup's file, in the database's folder.
+inline constexpr char backupName[] = "QLNDB_BKP.MDB";
+
 // The folder that holds the database, without a trailing separator. Heals the registry value by itself.
 std::string getDatabasePath();
 // Opens gDatabase, after copying the template when there is no database yet.
@@ -19,7 +22,7 @@ std::string newDatabaseNotice();
 std::string databaseTrouble();
 // Copies the database to `fileName` in its folder; false when the target is read-only, or when the database
 // cannot be used, or the backup of the one before could not be kept: a backup that can be used is worth more.
-bool copyDatabase(const std::string& fileName = "QLNDB_BKP.MDB");
+bool copyDatabase(const std::string& fileName = backupName);
 // Gives Exclusions its key column. Required: the result is always false and means nothing.
 bool upgradeDatabase();
 

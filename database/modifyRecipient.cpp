@@ -206,17 +206,19 @@ void saveSwitch(Save& save, const DeviceKind& kind, bool on, const std::string& 
 void modifyRecipient(long recipientKey, const RecipientRecord& record) {
     core::procedure("mdlDatabase", "modifyRecipient", [&](Frame& frame) {
         Rows recipient(frame);
-        recipient.openForWriting(
+        const bool read = recipient.openForWriting(
             {"SELECT RecipientName, RecipientActive FROM Recipients WHERE RecipientKey = ?", {recipientKey}});
-        const bool missing = recipient.atEnd();
         Save save(frame, recipientKey, record.name);
         const bool devicesRead = save.open();
-        if (missing) {
+        if (read && recipient.atEnd()) {
             core::gLog().log("Could not find a recipient with RecipientKey = " +
                                  std::to_string(recipientKey) + " Name: " + record.name,
                              core::logError, frame.tag());
             return;
         }
+        // Devices of a recipient whom nobody knows to be there could be nobody's.
+        if (!read)
+            return;
         recipient.set("RecipientName", record.name);
         recipient.set("RecipientActive", record.active);
         recipient.update();

@@ -14,7 +14,7 @@ namespace mdlDatabase {
 // The base of the numbers of our own failures.
 inline constexpr long objectError = -2147221504;
 
-// Reads only: client side, so that rows can be counted and searched. Raises the engine's failures.
+// What Rows::openForReading opens, for those who have no frame. Raises the engine's failures.
 inline platform::Recordset openForReading(const platform::Query& query) {
     platform::Recordset rows;
     rows.open(query, core::gDatabase, platform::CursorType::staticCursor, platform::LockType::readOnly,
@@ -26,7 +26,9 @@ inline platform::Recordset openForReading(const platform::Query& query) {
 inline platform::Recordset queryProcedure(std::string_view name, const platform::Query& query) {
     return core::procedure("mdlDatabase", name, platform::Recordset(),
                            [&](core::Frame& frame, platform::Recordset& rows) {
-        frame.step([&] { rows = openForReading(query); });
+        Rows opened(frame);
+        opened.openForReading(query);
+        rows = std::move(opened.recordset());
     });
 }
 
@@ -41,9 +43,10 @@ inline bool activeProcedure(std::string_view name, std::string_view thing, const
             active = row.boolean(std::string(thing) + "Active");
         else if (row.isOpen())
             frame.step([&] {
-                throw platform::Failure(objectError + 1001, std::string(thing) + " was not found.  " +
-                                                                std::string(thing) +
-                                                                "Key = " + std::to_string(key));
+                throw platform::Failure(objectError + 1001,
+                                        std::string(thing) + " was not found.  " + std::string(thing) +
+                                            "Key = " + std::to_string(key),
+                                        frame.tag());
             });
         row.close();
     });

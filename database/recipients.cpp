@@ -50,7 +50,7 @@ bool deleteDevicesOf(Frame& frame, long recipientKey) {
     bool gone = links.openForReading(
         {"SELECT DeviceKey FROM DeviceRecipient WHERE RecipientKey = ?", {recipientKey}});
     while (links.next()) {
-        if (const long key = links.number("DeviceKey", -1L); key != -1)
+        if (const long key = links.number("DeviceKey", noDevice); key != noDevice)
             gone = deleteDevice(key) && gone;
     }
     links.close();

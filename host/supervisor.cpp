@@ -86,7 +86,8 @@ platform::Descriptor soleSupervisor() {
                                      O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!lock)
         throw platform::failureFromErrno(errno, "supervisor.lock");
-    return platform::files::lockWithin(lock, milliseconds(0)) ? std::move(lock) : platform::Descriptor();
+    return platform::files::lockWithin(lock, "supervisor.lock", milliseconds(0)) ? std::move(lock)
+                                                                                 : platform::Descriptor();
 }
 
 // Names this start of the machine, as long as a supervisor is at work: a file that is left tells of one that

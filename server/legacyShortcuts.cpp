@@ -9,6 +9,7 @@
 #include "core/classLog.h"
 #include "core/procedure.h"
 #include "platform/files/files.h"
+#include "platform/machine/caseFold.h"
 #include "platform/machine/host.h"
 
 namespace mdlUtility {
@@ -35,10 +36,7 @@ std::string shortcutTarget(const std::filesystem::path& file) {
 // Menus were filled by installers of several ages, with either separator in the path.
 bool startsLegacyTool(std::string target) {
     for (char& c : target) {
-        if (c == '\\')
-            c = '/';
-        else if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
+        c = c == '\\' ? '/' : platform::foldAscii(c);
     }
     return target.find(legacyTool) != std::string::npos;
 }

@@ -71,7 +71,7 @@ platform::Descriptor lockBeside(const std::filesystem::path& file) {
     platform::Descriptor lock(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!lock)
         throw platform::failureFromErrno(errno, path);
-    if (!platform::files::lockWithin(lock, milliseconds(0)))
+    if (!platform::files::lockWithin(lock, path, milliseconds(0)))
         throw platform::Failure(platform::permissionDenied,
                                 "another process works on " + file.string() + " already; this one waits");
     return lock;

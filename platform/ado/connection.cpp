@@ -207,9 +207,13 @@ Engine openEngine(const std::string& file, bool readOnly, WhenLocked whenLocked)
     runSetting(opened, "PRAGMA cell_size_check = ON", file);
     // Full synchronisation and the rollback journal are what the engine does of itself; the settings below
     // hold it to that, and need the file.
+    constexpr char readSchema[] = "SELECT count(*) FROM sqlite_master";
+    bool read = true;
     if (whenLocked == WhenLocked::fails)
-        runSetting(opened, "SELECT count(*) FROM sqlite_master", file);
-    if (runUnlessLocked(opened, "SELECT count(*) FROM sqlite_master", file))
+        runSetting(opened, readSchema, file);
+    else
+        read = runUnlessLocked(opened, readSchema, file);
+    if (read)
         runUnlessLocked(opened, "PRAGMA synchronous = FULL", file);
     return engine;
 }

@@ -15,21 +15,16 @@ enum class Reading { all, inBlocks, none };
 
 struct Recordset::Impl {
     Impl(Connection& connection, const Query& source, std::unique_ptr<ado::RowSource> opened, LockType lock)
-        : rows(connection, source, std::move(opened)),
+        // Pessimistic is optimistic here: nothing is held from set to update, because the service must not
+        // wait for an administrator who looks at a row.
+        : rows(connection, source, std::move(opened), lock != LockType::readOnly),
           cursor(rows),
-          edits(connection, writable(rows, lock), cursor, lock == LockType::batchOptimistic) {}
+          edits(connection, rows, cursor, lock == LockType::batchOptimistic) {}
 
     // Nothing for a statement without rows, which runs here.
     static std::unique_ptr<Impl> open(const Query& source, Connection& connection, LockType lock,
                                       Reading reading);
 
-    // Pessimistic is optimistic here: nothing is held from set to update, because the service must not wait
-    // for an administrator who looks at a row.
-    static ado::ResultRows& writable(ado::ResultRows& rows, LockType lock) {
-        if (lock != LockType::readOnly)
-            rows.makeWritable();
-        return rows;
-    }
     void read(Reading reading);
     // A field of the present row as it is read, with what was set in it.
     ado::Cell cell(std::string_view name);

@@ -33,13 +33,15 @@ std::int64_t idIn(const Cell& cell) {
 
 }  // namespace
 
-ResultRows::ResultRows(Connection& connection, Query source, std::unique_ptr<RowSource> opened)
+ResultRows::ResultRows(Connection& connection, Query source, std::unique_ptr<RowSource> opened, bool writing)
     : connection_(connection), source_(std::move(source)), select_(std::move(opened)) {
     for (std::string& name : select_->fieldNames()) {
         Field field;
         field.name = std::move(name);
         fields_.push_back(std::move(field));
     }
+    if (writing)
+        makeWritable();
 }
 
 void ResultRows::makeWritable() {
@@ -81,6 +83,7 @@ void ResultRows::makeWritable() {
 
 std::size_t ResultRows::fieldIndex(std::string_view name) const {
     for (std::size_t i = 0; i < fields_.size(); ++i) {
+        // The lengths differ most times, which saves the call.
         if (fields_[i].name.size() == name.size() && equalsIgnoringAsciiCase(fields_[i].name, name))
             return i;
     }

@@ -26,12 +26,10 @@ struct Row {
 // All rows, or the present block of a stream. A row's position is its place in the whole result.
 class ResultRows {
   public:
-    // `opened` runs `source` on `connection`.
-    ResultRows(Connection& connection, Query source, std::unique_ptr<RowSource> opened);
+    // `opened` runs `source` on `connection`. For `writing` they are writable when each of their columns is a
+    // column of one and the same table, and readable otherwise.
+    ResultRows(Connection& connection, Query source, std::unique_ptr<RowSource> opened, bool writing);
 
-    // Makes the rows writable when each of their columns is a column of one and the same table; otherwise
-    // they stay as they are, readable.
-    void makeWritable();
     bool isWritable() const noexcept { return !table_.empty(); }
     const std::string& table() const noexcept { return table_; }
     const std::vector<Field>& fields() const noexcept { return fields_; }
@@ -66,6 +64,7 @@ class ResultRows {
     void markDeleted(Row& row) noexcept;
 
   private:
+    void makeWritable();
     std::size_t width() const noexcept { return fields_.size() + (isWritable() ? 1 : 0); }
     Cell* newValues();
     void dropRows() noexcept;

@@ -9,13 +9,13 @@
 
 namespace platform::files {
 
-bool lockWithin(const Descriptor& file, std::chrono::milliseconds patience) {
+bool lockWithin(const Descriptor& file, const std::string& path, std::chrono::milliseconds patience) {
     const auto end = std::chrono::steady_clock::now() + patience;
     while (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
         if (errno == EINTR)
             continue;
         if (errno != EWOULDBLOCK)
-            throw failureFromErrno(errno, "lock");
+            throw failureFromErrno(errno, path);
         if (std::chrono::steady_clock::now() >= end)
             return false;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));

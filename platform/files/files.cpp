@@ -11,6 +11,7 @@
 
 #include "platform/failure.h"
 #include "platform/files/descriptor.h"
+#include "platform/files/ownedFile.h"
 
 namespace platform::files {
 
@@ -122,12 +123,10 @@ class Replacement {
     void keepOwner() const {
         if (::geteuid() != 0)
             return;
-        struct stat owner {};
-        const bool replaced = ::fstatat(folder_.get(), name_.c_str(), &owner, AT_SYMLINK_NOFOLLOW) == 0 &&
-                              S_ISREG(owner.st_mode);
-        if (!replaced && ::fstat(folder_.get(), &owner) != 0)
-            return;
-        if (::fchown(file_.get(), owner.st_uid, owner.st_gid) != 0)
+        struct stat old {};
+        const bool replaced =
+            ::fstatat(folder_.get(), name_.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(old.st_mode);
+        if (replaced ? ::fchown(file_.get(), old.st_uid, old.st_gid) != 0 : !giveToOwnerOf(folder_, file_))
             fail(errno);
     }
     [[noreturn]] void fail(int error) const { throw failureFromErrno(error, target_.string()); }

@@ -10,35 +10,14 @@
 #include <string>
 
 #include "platform/failure.h"
+#include "platform/files/ownedFile.h"
 
 namespace platform {
 
-namespace {
-
-// Relative to its folder, so that a new file gets the owner of the very folder that it is in.
-Descriptor openForAppending(const std::filesystem::path& path) {
-    const std::filesystem::path above = path.has_parent_path() ? path.parent_path() : ".";
-    const Descriptor folder(::open(above.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    if (!folder)
-        return Descriptor();
-    const std::string name = path.filename().string();
-    // A pipe without a reader is refused at once instead of waited for; a link is somebody else's file.
-    constexpr int flags = O_WRONLY | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW;
-    Descriptor file(::openat(folder.get(), name.c_str(), flags | O_CREAT | O_EXCL, 0600));
-    if (!file)
-        return errno == EEXIST ? Descriptor(::openat(folder.get(), name.c_str(), flags)) : Descriptor();
-    struct stat owner {};
-    if (::geteuid() == 0 &&
-        (::fstat(folder.get(), &owner) != 0 || ::fchown(file.get(), owner.st_uid, owner.st_gid) != 0))
-        return Descriptor();
-    return file;
-}
-
-}  // namespace
-
 void TextStream::open(const std::filesystem::path& path) {
     close();
-    file_ = openForAppending(path);
+    // A pipe without a reader is refused at once instead of waited for; a link is somebody else's file.
+    file_ = files::openOwnedFile(path, O_WRONLY | O_APPEND | O_NONBLOCK);
     struct stat status {};
     if (!file_ || ::fstat(file_.get(), &status) != 0)
         throw failureFromErrno(errno, path.string());

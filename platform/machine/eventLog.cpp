@@ -14,6 +14,7 @@
 #include "platform/files/descriptor.h"
 #include "platform/files/fileLock.h"
 #include "platform/files/files.h"
+#include "platform/files/ownedFile.h"
 #include "platform/machine/clock.h"
 #include "platform/machine/host.h"
 
@@ -138,10 +139,10 @@ void appendEvent(EventRecord record, std::chrono::milliseconds patience) {
     if (record.computer.empty())
         record.computer = computerName();
     makeLogsFolder();
-    const Descriptor file(::open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    const Descriptor file = files::openOwnedFile(path, O_RDWR | O_APPEND);
     if (!file)
         throw failureFromErrno(errno, path.string());
-    if (!files::lockWithin(file, patience))
+    if (!files::lockWithin(file, path.string(), patience))
         throw makeFailure(permissionDenied, path.string() + " is locked");
     struct stat status {};
     if (::fstat(file.get(), &status) != 0)

@@ -12,6 +12,7 @@
 #include "platform/files/descriptor.h"
 #include "platform/files/fileLock.h"
 #include "platform/files/files.h"
+#include "platform/files/ownedFile.h"
 #include "platform/files/textStream.h"
 #include "platform/machine/caseFold.h"
 #include "platform/machine/host.h"
@@ -27,10 +28,10 @@ class StoreLock {
   public:
     StoreLock(const std::filesystem::path& store, std::chrono::milliseconds patience) {
         const std::string name = store.string() + ".lock";
-        file_ = Descriptor(::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+        file_ = files::openOwnedFile(name, O_RDWR);
         if (!file_)
             throw failureFromErrno(errno, store.string());
-        if (!files::lockWithin(file_, patience))
+        if (!files::lockWithin(file_, name, patience))
             throw makeFailure(permissionDenied, store.string() + " is locked");
     }
 
@@ -200,8 +201,10 @@ std::optional<RegistryKey> Registry::key(std::string_view path) {
 }
 
 Registry& registry() {
+    static std::mutex mutex;
     static std::unique_ptr<Registry> store;
     static std::filesystem::path storeFile;
+    const std::lock_guard lock(mutex);
     if (const auto file = host::registryFile(); !store || file != storeFile) {
         store = std::make_unique<Registry>(file);
         storeFile = file;

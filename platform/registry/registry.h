@@ -70,7 +70,7 @@ class Registry {
     template <class Change>
     bool change(Change&& apply);
 
-    std::recursive_mutex mutex_;
+    std::mutex mutex_;
     std::filesystem::path file_;
     std::chrono::milliseconds patience_;
     RegistryTree tree_;

@@ -3,15 +3,16 @@
 #include <crypt.h>
 #include <fcntl.h>
 #include <string.h>
-#include <sys/file.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <memory>
 
 #include "platform/failure.h"
 #include "platform/files/descriptor.h"
+#include "platform/files/fileLock.h"
 #include "platform/files/files.h"
 #include "platform/machine/host.h"
 #include "platform/registry/registry.h"
@@ -69,9 +70,8 @@ Descriptor lockAccounts() {
     Descriptor lock(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!lock)
         throw failureFromErrno(errno, folder.string());
-    while (::flock(lock.get(), LOCK_EX) != 0)
-        if (errno != EINTR)
-            throw failureFromErrno(errno, folder.string());
+    if (!files::lockWithin(lock, folder.string(), std::chrono::seconds(5)))
+        throw makeFailure(permissionDenied, folder.string() + " is locked");
     return lock;
 }
 

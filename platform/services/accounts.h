@@ -10,7 +10,8 @@ namespace platform {
 // Names in the order of the file; empty when there is none.
 std::vector<std::string> accountNames();
 bool accountExists(std::string_view name);
-// Adds the account or replaces its hash. Raises 5 for an empty name or one with ':' or a line break.
+// Adds the account or replaces its hash. Raises 5 for an empty name or one with ':' or a line break, 70
+// when another process holds the accounts for longer than 5 seconds; so does deleteAccount.
 void setAccountPassword(std::string_view name, std::string_view password);
 // False for an unknown account too.
 bool verifyAccount(std::string_view name, std::string_view password);

@@ -6,6 +6,7 @@
 
 #include "platform/failure.h"
 #include "platform/files/files.h"
+#include "platform/files/ownedFile.h"
 #include "platform/machine/caseFold.h"
 #include "platform/machine/host.h"
 
@@ -40,7 +41,7 @@ void ensureServicesFolder() {
 ServiceLock::ServiceLock(std::string_view keyName) {
     ensureServicesFolder();
     const std::string path = (host::servicesFolder() / (foldedServiceName(keyName) + ".lock")).string();
-    file_ = Descriptor(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    file_ = files::openOwnedFile(path, O_RDWR);
     if (!file_)
         throw failureFromErrno(errno, path);
 }

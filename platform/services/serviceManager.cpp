@@ -163,11 +163,10 @@ std::uint32_t Service::control(ServiceControl control) {
         return errorServiceNotActive;
     if (!isAlive(*record)) {
         // It crashed: whoever starts such services again sees that this one is not wanted any more.
-        guarded([&] {
+        return guarded([&] {
             writeServiceState(keyName_, ServiceState::stopped, static_cast<long>(record->processId));
-            return noError;
+            return errorServiceNotActive;
         });
-        return errorServiceNotActive;
     }
     if (record->state != ServiceState::running)
         return errorServiceCannotAcceptControl;

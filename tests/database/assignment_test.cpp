@@ -127,7 +127,12 @@ TEST_F(Assignment, AnUnknownTypeSwitchesNothingOnAndClearsNothing) {
         const support::FailingRead read(2, types);
         EXPECT_FALSE(addRecipientToEvent(1, selected({3, 4}), true));
     }
+    // One without a type may be failover as well.
+    makeDevice(6, 2, pager, "6");
+    run("UPDATE Device SET DeviceType = NULL WHERE DeviceKey = 6");
+    EXPECT_FALSE(addRecipientToEvent(1, selected({3, 6}), true));
     EXPECT_EQ(assignments(), (Lines{"1|4|0", "1|3|0", "1|5|-1"}));
+    EXPECT_EQ(host.countInLog("ERROR", "getDeviceType", "Err.Number = 94 "), 1);
     // One that is gone is known to be no failover, and the rest is assigned.
     EXPECT_TRUE(addRecipientToEvent(1, selected({3, 99}), true));
     EXPECT_EQ(assignments(), Lines{"1|3|-1"});
@@ -135,6 +140,11 @@ TEST_F(Assignment, AnUnknownTypeSwitchesNothingOnAndClearsNothing) {
     selection = selected({3, 99});
     EXPECT_TRUE(changeRecipientsForEvent(1, selection));
     EXPECT_EQ(assignments(), (Lines{"1|3|-1", "1|99|0"}));
+    // Nobody is asked about rows that could not be added.
+    forgetLog();
+    run("ALTER TABLE EventDevice RENAME TO Gone");
+    EXPECT_FALSE(addRecipientToEvent(1, selected({4}), false));
+    EXPECT_EQ(logOf("addRecipientToEvent").size(), 1u);
 }
 
 TEST_F(Assignment, RemovingARecipientTakesAllHisDevicesOrNone) {

@@ -99,6 +99,11 @@ TEST_F(Events, HalfMadeOneStaysInactiveAndHealsWithTheNextSave) {
     // An event without its id could neither be seen nor deleted again.
     EXPECT_EQ(addNewEvent(newEvent("Disk", "99999999999")), 0);
     EXPECT_EQ(rows("SELECT count(*) FROM Events WHERE EventId IS NULL"), Lines{"0"});
+    // Nor is one complete whose content is there in part.
+    NewEvent partial = newEvent("Disk", "8");
+    partial.content.emailPriority = 1L << 40;
+    EXPECT_EQ(addNewEvent(partial), 0);
+    run("DELETE FROM Contents WHERE EventKey > 3");
     // Contents of an event that could not be written go to no other event.
     run("CREATE TRIGGER full BEFORE INSERT ON Events BEGIN SELECT RAISE(ABORT, 'refused'); END");
     EXPECT_EQ(addNewEvent(newEvent("Disk", "7")), 0);

@@ -154,6 +154,16 @@ TEST_F(ModifyRecipient, DevicesThatCannotBeReadAreNotStoredASecondTime) {
     EXPECT_EQ(logOf("modifyRecipient").size(), 1u);
     EXPECT_EQ(value("SELECT RecipientName FROM Recipients"), "Anna");
     EXPECT_EQ(value("SELECT count(*) FROM Device"), "7");
+
+    // Nor does one get devices who cannot be read himself.
+    run("ALTER TABLE Gone RENAME TO DeviceRecipient; ALTER TABLE Recipients RENAME TO Gone");
+    record.pagerNumbers = {{"", "new"}};
+    record.emailDirectoryId.clear();
+    const Lines before = devices();
+    forgetLog();
+    modifyRecipient(1, record);
+    EXPECT_EQ(logOf("modifyRecipient").size(), 1u);
+    EXPECT_EQ(devices(), before);
 }
 
 // Random recipients and random edits of them, held against a plain model of what a save means.

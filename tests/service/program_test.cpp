@@ -202,7 +202,7 @@ TEST_F(ServiceProgram, ATroubledReceiverHoldsUpNoOtherAndNoStop) {
         // The failover cannot be asked for: somebody holds the registry against changes.
         const std::string lock = platform::host::registryFile().string() + ".lock";
         const platform::Descriptor held(::open(lock.c_str(), O_RDWR | O_CLOEXEC));
-        EXPECT_TRUE(platform::files::lockWithin(held, seconds(5)));
+        EXPECT_TRUE(platform::files::lockWithin(held, lock, seconds(5)));
         write(what);
         EXPECT_TRUE(holdsWithin(seconds(10), [&] { return isLogged(what) || isLogged("Found in the"); }));
         // Time to get stuck.

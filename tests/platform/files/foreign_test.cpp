@@ -17,6 +17,7 @@
 #include "platform/machine/eventLogPages.h"
 #include "platform/machine/host.h"
 #include "platform/registry/registry.h"
+#include "platform/services/serviceLock.h"
 #include "platform/services/serviceState.h"
 #include "support/adoFixture.h"
 
@@ -99,6 +100,21 @@ TEST(Foreign, AReplacedFileKeepsItsOwnerAndANewOneIsTheFolders) {
     ASSERT_EQ(::chown((folder / "new").c_str(), 54321, 54321), 0);
     platform::files::writeFile(folder / "new", "y");
     EXPECT_EQ(ownerOf(folder / "new"), 54321u);
+
+    // What stays beside a store, a log or a service would lock its owner out as well.
+    platform::Registry(folder / "store").createKey("HKEY_LOCAL_MACHINE\\A");
+    EXPECT_EQ(ownerOf(folder / "store.lock"), somebody);
+    for (const fs::path& own : {platform::host::eventLogsFolder(), platform::host::servicesFolder()}) {
+        fs::create_directories(own);
+        ASSERT_EQ(::chown(own.c_str(), somebody, somebody), 0);
+        ASSERT_EQ(::chown(own.parent_path().c_str(), somebody, somebody), 0);
+    }
+    platform::EventRecord record;
+    record.log = "System";
+    platform::appendEvent(record);
+    EXPECT_EQ(ownerOf(platform::eventLogFile("System")), somebody);
+    const platform::ServiceLock lock("svc");
+    EXPECT_EQ(ownerOf(platform::host::servicesFolder() / "svc.lock"), somebody);
 }
 
 TEST(Foreign, AStateThatNamesAnotherProgramsProcessEndsNobody) {

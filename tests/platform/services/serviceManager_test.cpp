@@ -132,6 +132,12 @@ TEST_F(Manager, SeesAServiceThatFailsByItself) {
     EXPECT_EQ(open().start(), platform::noError);
     EXPECT_TRUE(host.reaches(ServiceState::running));
     EXPECT_TRUE(host.reaches(ServiceState::stopped));
+    // Whoever stops it now is told when that cannot be noted, for it would be started again.
+    const fs::path state = platform::host::servicesFolder() / "hbqlnsvc.state";
+    ASSERT_EQ(::chmod(state.c_str(), 0400), 0);
+    EXPECT_EQ(open().control(ServiceControl::stop), platform::errorAccessDenied);
+    ASSERT_EQ(::chmod(state.c_str(), 0600), 0);
+    EXPECT_EQ(open().control(ServiceControl::stop), platform::errorServiceNotActive);
     host.setBehaviour("");
     EXPECT_EQ(open().start(), platform::noError) << "after a crash it starts like any other";
     EXPECT_TRUE(host.reaches(ServiceState::running));
