@@ -15,7 +15,8 @@
 
 namespace {
 
-// What can be said without a window, a host or a log; false for a run of the console.
+// What a terminal asks every program, answered without a window, a host or a log. A run of the console knows
+// no verbs; false for one.
 bool isAnswered(int argc, char** argv) {
     const std::string_view asked = argc == 2 ? argv[1] : "";
     if (asked == "--version")

@@ -1,6 +1,5 @@
 #include "host/supervisor.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <systemd/sd-daemon.h>
@@ -77,17 +76,6 @@ void endOnSignal() {
     action.sa_handler = [](int) {};
     for (const int signal : {SIGHUP, SIGPIPE})
         ::sigaction(signal, &action, nullptr);
-}
-
-// Held as long as this process lives; nothing when another one holds it.
-platform::Descriptor soleSupervisor() {
-    std::filesystem::create_directories(platform::host::runFolder());
-    platform::Descriptor lock(::open((platform::host::runFolder() / "supervisor.lock").c_str(),
-                                     O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (!lock)
-        throw platform::failureFromErrno(errno, "supervisor.lock");
-    return platform::files::lockWithin(lock, "supervisor.lock", milliseconds(0)) ? std::move(lock)
-                                                                                 : platform::Descriptor();
 }
 
 // Names this start of the machine, as long as a supervisor is at work: a file that is left tells of one that
@@ -227,7 +215,9 @@ std::string Supervisor::status() const {
 }
 
 int superviseHost() {
-    const platform::Descriptor lock = soleSupervisor();
+    std::filesystem::create_directories(platform::host::runFolder());
+    const platform::Descriptor lock =
+        platform::files::lockAlone(platform::host::runFolder() / "supervisor.lock");
     if (!lock) {
         std::fprintf(stderr, "qlnhost: the services of this host are supervised already\n");
         return 1;

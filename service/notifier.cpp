@@ -67,11 +67,8 @@ platform::Descriptor watchAll(std::initializer_list<int> descriptors) {
 
 // Two services on one outbox would each send what waits in it.
 platform::Descriptor lockBeside(const std::filesystem::path& file) {
-    const std::string path = file.string() + ".lock";
-    platform::Descriptor lock(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    platform::Descriptor lock = platform::files::lockAlone(file.string() + ".lock");
     if (!lock)
-        throw platform::failureFromErrno(errno, path);
-    if (!platform::files::lockWithin(lock, path, milliseconds(0)))
         throw platform::Failure(platform::permissionDenied,
                                 "another process works on " + file.string() + " already; this one waits");
     return lock;

@@ -130,6 +130,7 @@ class About : public ::testing::Test {
 };
 
 TEST_F(About, ShowsVersionAndMaker) {
+    // Any program with a version record stands for the console here: the service's.
     fs::copy_file(support::serviceProgram(), host.programFolder() / "QLNAdmin");
     inAbout([&](QWidget& about) {
         const auto text = [&](const char* name) { return about.findChild<QLabel*>(name)->text(); };
