@@ -5,17 +5,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/base/contrast.h"
+
 namespace viewer {
 
 namespace {
 
 constexpr int heightInLines = 9;
-
-// The second kind of bar: on any ground unlike it and unlike the first.
-QColor between(const QColor& one, const QColor& other) {
-    return QColor((one.red() + other.red()) / 2, (one.green() + other.green()) / 2,
-                  (one.blue() + other.blue()) / 2);
-}
 
 }  // namespace
 
@@ -67,7 +63,9 @@ void BarChart::paintEvent(QPaintEvent*) {
     for (const Bar& bar : bars_)
         most = std::max({most, bar.records, bar.notifications});
     const QColor ofRecords = palette().color(QPalette::Highlight);
-    const QColor ofNotifications = between(palette().color(QPalette::Text), palette().color(QPalette::Base));
+    // On any ground unlike it and unlike the first kind of bar.
+    const QColor ofNotifications =
+        ui::mixture(palette().color(QPalette::Text), palette().color(QPalette::Base), 0.5F);
     const int legend = line + line / 2;
     int x = line / 2;
     for (const auto& [color, name] : {std::pair{ofRecords, records_}, {ofNotifications, notifications_}}) {

@@ -41,16 +41,16 @@ Choices::Choices(const Texts& texts, QWidget* parent) : QWidget(parent), texts_(
     connect(chkFollow_, &QCheckBox::toggled, this, &Choices::followChosen);
 }
 
-QComboBox* Choices::addChoice(QHBoxLayout& row, const char* name, const char* caption) {
+QLabel* Choices::addChoice(QHBoxLayout& row, QComboBox*& combo, const char* name, const char* caption) {
     constexpr int gap = 12;
-    auto* combo = ui::makeControl<QComboBox>(this, name);
+    combo = ui::makeControl<QComboBox>(this, name);
     auto* label = new QLabel(caption, this);
     label->setBuddy(combo);
     combo->setAccessibleName(ui::plainCaption(caption));
     row.addWidget(label);
     row.addWidget(combo);
     row.addSpacing(gap);
-    return combo;
+    return label;
 }
 
 QWidget* Choices::createFilters() {
@@ -58,21 +58,22 @@ QWidget* Choices::createFilters() {
     auto* all = new QWidget(this);
     auto* row = new QHBoxLayout(all);
     row->setContentsMargins(0, 0, 0, 0);
-    comboLog_ = addChoice(*row, "comboLog", texts_.log);
+    addChoice(*row, comboLog_, "comboLog", texts_.log);
     for (const char* log : texts_.logs)
         comboLog_->addItem(log);
     comboLog_->addItem(texts_.notifications);
-    if (journalLog())
+    journal_ = journalLog();
+    if (journal_)
         comboLog_->addItem(texts_.journal);
-    comboType_ = addChoice(*row, "comboType", texts_.show);
+    addChoice(*row, comboType_, "comboType", texts_.show);
     comboType_->addItem(texts_.allTypes);
     for (const char* type : texts_.types)
         comboType_->addItem(type);
-    comboSource_ = addChoice(*row, "comboSource", texts_.source);
+    addChoice(*row, comboSource_, "comboSource", texts_.source);
     comboSource_->addItem(texts_.allSources);
     comboSource_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     comboSource_->setMinimumContentsLength(longestSource);
-    comboOutcome_ = addChoice(*row, "comboOutcome", texts_.outcome);
+    lblOutcome_ = addChoice(*row, comboOutcome_, "comboOutcome", texts_.outcome);
     comboOutcome_->addItem(texts_.allOutcomes);
     for (const char* fate : texts_.fates)
         comboOutcome_->addItem(fate);
@@ -107,16 +108,8 @@ QWidget* Choices::createButtons() {
 
 // What only notifications have is shown with them alone.
 void Choices::fitToLog() {
-    QLabel* const label = [this] {
-        for (QLabel* each : findChildren<QLabel*>())
-            if (each->buddy() == comboOutcome_)
-                return each;
-        return static_cast<QLabel*>(nullptr);
-    }();
-    comboOutcome_->setVisible(isOfNotifications());
-    if (label)
-        label->setVisible(isOfNotifications());
-    cmdSendAgain_->setVisible(isOfNotifications());
+    for (QWidget* control : std::initializer_list<QWidget*>{lblOutcome_, comboOutcome_, cmdSendAgain_})
+        control->setVisible(isOfNotifications());
 }
 
 bool Choices::isOfNotifications() const {
@@ -126,9 +119,8 @@ bool Choices::isOfNotifications() const {
 Log Choices::log() const {
     if (isOfNotifications())
         return notificationLog();
-    if (comboLog_->currentIndex() == journalIndex)
-        if (auto journal = journalLog())
-            return *journal;
+    if (journal_ && comboLog_->currentIndex() == journalIndex)
+        return *journal_;
     return hostLog(comboLog_->currentIndex() == 1 ? "System" : "Application");
 }
 

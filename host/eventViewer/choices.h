@@ -2,7 +2,7 @@
 #pragma once
 
 #include <QWidget>
-#include <functional>
+#include <optional>
 
 #include "host/eventViewer/eventModel.h"
 #include "host/viewer/texts.h"
@@ -41,7 +41,8 @@ class Choices : public QWidget {
     void lastDaysWanted();
 
   private:
-    QComboBox* addChoice(QHBoxLayout& row, const char* name, const char* caption);
+    // Makes the list and gives its label.
+    QLabel* addChoice(QHBoxLayout& row, QComboBox*& combo, const char* name, const char* caption);
     QPushButton* addButton(QHBoxLayout& row, const char* name, const char* caption,
                            void (Choices::*wanted)());
     QWidget* createFilters();
@@ -49,8 +50,11 @@ class Choices : public QWidget {
     void fitToLog();
 
     const Texts& texts_;
+    // As it was when the window began: what its row is called is what it shows, whatever is switched off.
+    std::optional<Log> journal_;
     QComboBox* comboLog_;
     QComboBox* comboType_;
+    QLabel* lblOutcome_;
     QComboBox* comboOutcome_;
     QComboBox* comboSource_;
     QCheckBox* chkFollow_;

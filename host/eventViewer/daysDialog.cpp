@@ -16,6 +16,7 @@
 #include "platform/machine/clock.h"
 #include "service/inspection/whoIsTold.h"
 #include "ui/base/controls.h"
+#include "ui/base/text.h"
 
 namespace viewer {
 
@@ -30,8 +31,7 @@ QString numberText(std::size_t number) {
 // "2026-11-24" in the machine's form.
 QString dayText(const std::string& date) {
     platform::LocalTime time{};
-    return QString::fromStdString(platform::parseMoment(date + " 00:00:00", time) ? platform::shortDate(time)
-                                                                                  : date);
+    return ui::fromUtf8(platform::parseMoment(date + " 00:00:00", time) ? platform::shortDate(time) : date);
 }
 
 }  // namespace
@@ -124,16 +124,15 @@ void DaysDialog::takeEvents(std::shared_ptr<const service::Monitoring> monitorin
     for (const service::MonitoredEvent& event : monitoring_->events) {
         if (event.isTest)
             continue;
-        const QString source = QString::fromStdString(event.source) +
-                               (event.id < 0 ? QString() : " " + QString::number(event.id));
+        const QString source =
+            ui::fromUtf8(event.source) + (event.id < 0 ? QString() : " " + QString::number(event.id));
         auto* item = new QListWidgetItem(
-            event.title.empty() ? source : QString::fromStdString(event.title) + " (" + source + ")",
-            listEvents_);
+            event.title.empty() ? source : ui::fromUtf8(event.title) + " (" + source + ")", listEvents_);
         item->setToolTip(item->text());
         item->setData(Qt::UserRole, static_cast<qlonglong>(event.key));
     }
     if (!failure.empty())
-        lblResult_->setText(QString(texts_.cannotRead).arg(QString::fromStdString(failure)));
+        lblResult_->setText(QString(texts_.cannotRead).arg(ui::fromUtf8(failure)));
     else if (listEvents_->count() == 0)
         lblResult_->setText(texts_.noMonitoredEvents);
     listEvents_->setCurrentRow(0);
@@ -194,9 +193,8 @@ void DaysDialog::finish(const std::optional<service::Reckoning>& reckoning, cons
     if (reckoning)
         showDays(*reckoning);
     else
-        lblResult_->setText(failure.empty()
-                                ? QString(texts_.cancelled)
-                                : QString(texts_.cannotRead).arg(QString::fromStdString(failure)));
+        lblResult_->setText(failure.empty() ? QString(texts_.cancelled)
+                                            : QString(texts_.cannotRead).arg(ui::fromUtf8(failure)));
 }
 
 void DaysDialog::showDays(const service::Reckoning& reckoning) {
@@ -212,7 +210,7 @@ void DaysDialog::showDays(const service::Reckoning& reckoning) {
         tableDays_->setItem(row, 0, new QTableWidgetItem(name));
         tableDays_->setItem(row, 1, new QTableWidgetItem(numberText(day.records)));
         tableDays_->setItem(row, 2, new QTableWidgetItem(numberText(day.notifications)));
-        bars.push_back({QString::fromStdString(day.date.substr(5)), day.records, day.notifications});
+        bars.push_back({ui::fromUtf8(day.date.substr(5)), day.records, day.notifications});
     }
     tableDays_->setCurrentCell(0, 0);
     chart_->setBars(std::move(bars));

@@ -5,12 +5,11 @@
 #include <QIcon>
 #include <QStyle>
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 #include "host/eventViewer/eventText.h"
-#include "platform/failure.h"
 #include "platform/machine/caseFold.h"
+#include "ui/base/text.h"
 
 namespace viewer {
 
@@ -125,7 +124,7 @@ void EventModel::add(std::vector<EntryPointer> entries) {
         if (const auto at = std::ranges::lower_bound(sources_, source);
             at == sources_.end() || *at != source) {
             sources_.insert(at, source);
-            emit sourceFound(QString::fromStdString(source));
+            emit sourceFound(ui::fromUtf8(source));
         }
         entries_.push_back(std::move(entry));
     }
@@ -223,8 +222,7 @@ QVariant EventModel::data(const QModelIndex& index, int role) const {
         return entry.notification ? iconOf(entry.notification->fate) : iconOf(typeIndex(entry.record.type));
     // A cell is one line; the text below the table has all of them.
     if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
-        return QString::fromStdString(columnText(entry, static_cast<std::size_t>(index.column()), texts_))
-            .simplified();
+        return ui::fromUtf8(columnText(entry, static_cast<std::size_t>(index.column()), texts_)).simplified();
     return {};
 }
 

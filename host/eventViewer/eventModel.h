@@ -4,7 +4,6 @@
 
 #include <QAbstractTableModel>
 #include <QTimer>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/machine/clock.h"
+#include "ui/base/text.h"
 
 namespace viewer {
 
@@ -41,10 +42,10 @@ std::pair<std::string, std::string> dateAndTime(const std::string& stored) {
 std::string withNextAttempt(const service::Notification& notification, const Texts& texts) {
     if (!notification.nextAttempt)
         return notification.words;
-    const std::string next = QString(texts.nextAttempt)
-                                 .arg(QString::fromStdString(
-                                     platform::defaultForm(platform::localTime(*notification.nextAttempt))))
-                                 .toStdString();
+    const std::string next =
+        QString(texts.nextAttempt)
+            .arg(ui::fromUtf8(platform::defaultForm(platform::localTime(*notification.nextAttempt))))
+            .toStdString();
     return notification.words.empty() ? next : notification.words + "; " + next;
 }
 
@@ -90,7 +91,7 @@ class Search {
 
     bool in(const std::string& field) const {
         if (!isPlain_)
-            return QString::fromStdString(field).contains(text_, Qt::CaseInsensitive);
+            return ui::fromUtf8(field).contains(text_, Qt::CaseInsensitive);
         return !std::ranges::search(field, plain_, {}, lower, lower).empty() || plain_.empty();
     }
     // Moments, ids and attempts have words of their own only for the half of the day.

@@ -24,6 +24,7 @@
 #include "platform/machine/clock.h"
 #include "service/outbox/sendAgain.h"
 #include "ui/base/controls.h"
+#include "ui/base/text.h"
 
 namespace viewer {
 
@@ -211,14 +212,14 @@ void EventWindow::goOn() {
         fitColumns();
     chooseAgain();
     if (!model_->failure().empty())
-        say(QString(texts_.cannotRead).arg(QString::fromStdString(model_->failure())));
+        say(QString(texts_.cannotRead).arg(ui::fromUtf8(model_->failure())));
     showCounts();
     if (exportFile_.empty() || !model_->isAtRest())
         return;
     // A part of the rows is none that anybody asked for.
     if (!model_->failure().empty()) {
         exportFile_.clear();
-        say(QString(texts_.cannotExport).arg(QString::fromStdString(model_->failure())));
+        say(QString(texts_.cannotExport).arg(ui::fromUtf8(model_->failure())));
     } else if (!model_->hasEarlier()) {
         writeExport();
     }
@@ -262,9 +263,9 @@ void EventWindow::showChosen() {
     const int row = currentRow();
     const EntryPointer entry = row < 0 ? nullptr : model_->entryAt(row);
     choices_->allow(static_cast<bool>(entry), model_->rowCount() > 0,
-                    entry && entry->notification && entry->notification->canBeSentAgain && !isWorking_);
+                    entry && entry->notification && entry->notification->canBeSentAgain && !isSending_);
     // The copied form, its values in one column.
-    txtDetails_->setPlainText(entry ? QString::fromStdString(copiedText(*entry, texts_)).replace("\t\t", "\t")
+    txtDetails_->setPlainText(entry ? ui::fromUtf8(copiedText(*entry, texts_)).replace("\t\t", "\t")
                                     : QString());
     who_->showFor(entry && !entry->notification ? entry : nullptr);
     showCounts();
@@ -288,8 +289,7 @@ void EventWindow::say(const QString& text) {
 void EventWindow::copyEntry() {
     if (currentRow() < 0)
         return;
-    QApplication::clipboard()->setText(
-        QString::fromStdString(copiedText(*model_->entryAt(currentRow()), texts_)));
+    QApplication::clipboard()->setText(ui::fromUtf8(copiedText(*model_->entryAt(currentRow()), texts_)));
     statusBar()->showMessage(texts_.copied, shortNotice);
 }
 
@@ -305,16 +305,16 @@ void EventWindow::exportShown() {
 }
 
 void EventWindow::writeExport() {
-    isWorking_ = true;
+    ++exports_;
     worker_.post([this, file = std::exchange(exportFile_, {}), rows = model_->shown(),
                   ofNotifications = model_->log().isOfNotifications] {
         const std::string failure = failureOf([&] { writeCsv(file, rows, ofNotifications, texts_); });
         inWindow(this, [this, file, failure, count = rows.size()] {
-            isWorking_ = false;
-            say(failure.empty() ? QString(texts_.exported)
-                                      .arg(QLocale().toString(static_cast<qulonglong>(count)),
-                                           QString::fromStdString(file))
-                                : QString(texts_.cannotExport).arg(QString::fromStdString(failure)));
+            --exports_;
+            say(failure.empty()
+                    ? QString(texts_.exported)
+                          .arg(QLocale().toString(static_cast<qulonglong>(count)), ui::fromUtf8(file))
+                    : QString(texts_.cannotExport).arg(ui::fromUtf8(failure)));
         });
     });
 }
@@ -322,16 +322,16 @@ void EventWindow::writeExport() {
 void EventWindow::sendAgain() {
     if (currentRow() < 0 || !model_->entryAt(currentRow())->notification)
         return;
-    isWorking_ = true;
+    isSending_ = true;
     showChosen();
     worker_.post([this, key = model_->entryAt(currentRow())->notification->key] {
         service::SentAgain answer{};
         const std::string failure =
             failureOf([&] { answer = service::sendAgain(outboxFile(), key, platform::clock().now()); });
         inWindow(this, [this, answer, failure] {
-            isWorking_ = false;
+            isSending_ = false;
             refresh();
-            say(!failure.empty() ? QString(texts_.cannotSendAgain).arg(QString::fromStdString(failure))
+            say(!failure.empty() ? QString(texts_.cannotSendAgain).arg(ui::fromUtf8(failure))
                 : answer == service::SentAgain::made   ? QString(texts_.sentAgain)
                 : answer == service::SentAgain::waits  ? QString(texts_.waitsAlready)
                 : answer == service::SentAgain::isGone ? QString(texts_.messageGone)
@@ -354,7 +354,7 @@ std::optional<bool> EventWindow::find(const QString& text, ui::FindBar::Step ste
 
 bool EventWindow::isAtRest() const {
     return model_->isAtRest() && !wantedPlace_ && !search_->isSearching() && who_->isAtRest() &&
-           !isWorking_ && exportFile_.empty();
+           exports_ == 0 && !isSending_ && exportFile_.empty();
 }
 
 }  // namespace viewer

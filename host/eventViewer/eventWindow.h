@@ -4,7 +4,6 @@
 
 #include <QMainWindow>
 #include <QTimer>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -23,7 +22,6 @@ class Choices;
 class EntrySearch;
 class EventModel;
 class WhoPanel;
-struct Log;
 
 class EventWindow : public QMainWindow {
   public:
@@ -72,8 +70,9 @@ class EventWindow : public QMainWindow {
     std::optional<std::uint64_t> wantedPlace_;  // of the entry to be chosen when it has been read
     std::string exportFile_;                    // that waits for the log's beginning
     int columnsFitted_ = 0;                     // for the columns of a log; 0 when they have to be
-    bool isWorking_ = false;
-    QTimer look_;  // for news
+    int exports_ = 0;                           // that are being written
+    bool isSending_ = false;                    // a message again
+    QTimer look_;                               // for news
     Worker worker_;
 };
 

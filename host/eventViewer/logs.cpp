@@ -14,17 +14,18 @@ namespace viewer {
 
 namespace {
 
+std::vector<EntryPointer> entriesOf(std::vector<platform::PlacedEvent> events) {
+    std::vector<EntryPointer> entries;
+    for (platform::PlacedEvent& event : events)
+        entries.push_back(std::make_shared<Entry>(Entry{event.place, std::move(event.record), std::nullopt}));
+    return entries;
+}
+
 class HostLogPages : public LogPages {
   public:
     explicit HostLogPages(const std::string& name) : pages_(name, pageSize) {}
     bool hasEarlier() const override { return pages_.hasEarlier(); }
-    std::vector<EntryPointer> earlier() override {
-        std::vector<EntryPointer> page;
-        for (platform::PlacedEvent& event : pages_.earlier())
-            page.push_back(
-                std::make_shared<Entry>(Entry{event.place, std::move(event.record), std::nullopt}));
-        return page;
-    }
+    std::vector<EntryPointer> earlier() override { return entriesOf(pages_.earlier()); }
 
   private:
     static constexpr std::uint64_t pageSize = 512 << 10;
@@ -39,11 +40,7 @@ class MachineJournalPages : public LogPages {
         constexpr std::size_t pageSize = 500;
         service::JournalPage read = pages_.earlier(pageSize);
         hasEarlier_ = read.hasEarlier;
-        std::vector<EntryPointer> page;
-        for (platform::PlacedEvent& event : read.records)
-            page.push_back(
-                std::make_shared<Entry>(Entry{event.place, std::move(event.record), std::nullopt}));
-        return page;
+        return entriesOf(std::move(read.records));
     }
 
   private:

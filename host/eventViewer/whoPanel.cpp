@@ -13,6 +13,7 @@
 #include "host/eventViewer/eventText.h"
 #include "platform/machine/clock.h"
 #include "ui/base/controls.h"
+#include "ui/base/text.h"
 
 namespace viewer {
 
@@ -20,12 +21,8 @@ namespace {
 
 constexpr int verdictColumn = 1;
 
-QString fromUtf8(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
 QString momentText(service::Moment moment) {
-    return fromUtf8(platform::defaultForm(platform::localTime(moment)));
+    return ui::fromUtf8(platform::defaultForm(platform::localTime(moment)));
 }
 
 void setVerdict(QTreeWidgetItem& item, service::Reason reason, const QString& words, const QStyle& style) {
@@ -110,7 +107,7 @@ void WhoPanel::ask() {
             if (failure.empty())
                 fill(answers);
             else
-                say(QString(texts_.cannotDecide).arg(fromUtf8(failure)));
+                say(QString(texts_.cannotDecide).arg(ui::fromUtf8(failure)));
         });
     });
 }
@@ -129,7 +126,7 @@ void WhoPanel::fill(const std::vector<service::EventAnswer>& answers) {
     QList<QTreeWidgetItem*> events;
     for (const service::EventAnswer& answer : answers) {
         auto event = std::make_unique<QTreeWidgetItem>(
-            QStringList{fromUtf8(answer.title.empty() ? std::to_string(answer.key) : answer.title)});
+            QStringList{ui::fromUtf8(answer.title.empty() ? std::to_string(answer.key) : answer.title)});
         const bool hasNobody = answer.reason == service::Reason::send && answer.devices.empty();
         if (answer.heldBackUntil)
             setVerdict(*event, service::Reason::withinInterval,
@@ -141,9 +138,9 @@ void WhoPanel::fill(const std::vector<service::EventAnswer>& answers) {
         QList<QTreeWidgetItem*> devices;
         for (const service::DeviceAnswer& device : answer.devices) {
             auto item = std::make_unique<QTreeWidgetItem>(
-                QStringList{fromUtf8(device.recipient), QString(), fromUtf8(deviceName(device.kind, texts_)),
-                            fromUtf8(device.address)});
-            const QString problem = device.problem.empty() ? QString() : ": " + fromUtf8(device.problem);
+                QStringList{ui::fromUtf8(device.recipient), QString(),
+                            ui::fromUtf8(deviceName(device.kind, texts_)), ui::fromUtf8(device.address)});
+            const QString problem = device.problem.empty() ? QString() : ": " + ui::fromUtf8(device.problem);
             setVerdict(*item, device.reason, words(device.reason) + problem, *style());
             devices << item.release();
         }

@@ -9,14 +9,14 @@
 
 #include "host/firstRun/firstRunWindow.h"
 #include "ui/base/appearance.h"
+#include "ui/base/controls.h"
+#include "ui/base/text.h"
 
 namespace {
 
-// The mark of a mnemonic says nothing in a terminal.
+// As a terminal shows it.
 std::string plain(const char* caption) {
-    std::string text = caption;
-    std::erase(text, '&');
-    return text;
+    return ui::toUtf8(ui::plainCaption(caption));
 }
 
 bool hasDesktop() {

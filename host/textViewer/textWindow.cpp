@@ -12,6 +12,8 @@
 #include <QVBoxLayout>
 
 #include "platform/failure.h"
+#include "ui/base/controls.h"
+#include "ui/base/text.h"
 #include "ui/widgets/findBar.h"
 
 namespace viewer {
@@ -24,12 +26,11 @@ TextWindow::TextWindow(const std::filesystem::path& file, Language language)
     : texts_(texts(language)), file_(file) {
     setObjectName("notepad");
     setWindowIcon(QIcon(":/icons/textViewer.svg"));
-    setWindowTitle(QString::fromStdString(file.filename().string()) + " - " + texts_.textViewer);
+    setWindowTitle(ui::fromUtf8(file.filename().string()) + " - " + texts_.textViewer);
     auto* all = new QWidget(this);
     auto* layout = new QVBoxLayout(all);
-    txtFile_ = new QPlainTextEdit(all);
-    txtFile_->setObjectName("txtFile");
-    txtFile_->setAccessibleName(QString::fromStdString(file.filename().string()));
+    txtFile_ = ui::makeControl<QPlainTextEdit>(all, "txtFile");
+    txtFile_->setAccessibleName(ui::fromUtf8(file.filename().string()));
     txtFile_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     txtFile_->setReadOnly(true);
     // The oldest lines give way, however long the window stays open.
@@ -44,8 +45,8 @@ TextWindow::TextWindow(const std::filesystem::path& file, Language language)
                                      {},
                                      [this] { txtFile_->setFocus(); }},
                                     all);
-    chkFollow_ = new QCheckBox(texts_.follow, findBar);
-    chkFollow_->setObjectName("chkFollow");
+    chkFollow_ = ui::makeControl<QCheckBox>(findBar, "chkFollow");
+    chkFollow_->setText(texts_.follow);
     findBar->append(chkFollow_);
     layout->addWidget(txtFile_, 1);
     layout->addWidget(findBar);
@@ -70,7 +71,7 @@ void TextWindow::lookAgain() {
         takeNews();
         statusBar()->clearMessage();
     } catch (const platform::Failure& failure) {
-        statusBar()->showMessage(QString::fromStdString(failure.description()));
+        statusBar()->showMessage(ui::fromUtf8(failure.description()));
     }
 }
 

@@ -167,11 +167,7 @@ const Texts& texts(Language language) {
 }
 
 Language userLanguage() {
-    constexpr long primaryLanguage = 0x3FF;
-    constexpr long germanId = 0x07;
-    constexpr long frenchId = 0x0C;
-    const long id = platform::userDefaultLanguageId() & primaryLanguage;
-    return id == frenchId ? Language::french : id == germanId ? Language::german : Language::english;
+    return ui::languageOf(platform::userDefaultLanguageId());
 }
 
 }  // namespace viewer

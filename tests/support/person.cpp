@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractItemView>
+#include <QAbstractScrollArea>
 #include <QClipboard>
 #include <QComboBox>
 #include <QGuiApplication>
@@ -57,6 +58,14 @@ void click(const QWidget& window, const char* button) {
     auto* found = window.findChild<QAbstractButton*>(button);
     ASSERT_TRUE(found) << button;
     click(*found);
+}
+
+void clickInto(QWidget& box) {
+    if (!canReach(box))
+        return;
+    auto* area = qobject_cast<QAbstractScrollArea*>(&box);
+    QTest::mouseClick(area ? area->viewport() : &box, Qt::LeftButton);
+    EXPECT_TRUE(box.hasFocus()) << "a click does not go into " << qPrintable(box.objectName());
 }
 
 void type(QWidget& box, const QString& text) {

@@ -20,6 +20,8 @@ namespace person {
 void click(QAbstractButton& button);
 // The same, for what is a button by its object name below `window`.
 void click(const QWidget& window, const char* button);
+// Takes the keyboard into the box by a click; it fails the test when it stays elsewhere.
+void clickInto(QWidget& box);
 // Puts the text into the box in place of what it holds, key by key. A line feed is the Enter key.
 void type(QWidget& box, const QString& text);
 // Pastes behind what the box holds.

@@ -11,13 +11,12 @@
 #include <QTableView>
 #include <QtTest/QTest>
 
+#include "eventViewerFixture.h"
 #include "host/eventViewer/eventText.h"
-#include "host/eventViewer/eventWindow.h"
 #include "platform/machine/host.h"
 #include "server/clipboardEvent.h"
 #include "service/sources/journalChoice.h"
 #include "support/journalFolder.h"
-#include "support/temporaryHost.h"
 
 namespace {
 
@@ -28,34 +27,9 @@ platform::EventRecord record(std::uint16_t type, const std::string& source, std:
     return {"Application", "2026-11-24 14:05:09", source, id, type, 0, "", "CORVANE01", description};
 }
 
-class EventViewer : public ::testing::Test {
+class EventViewer : public viewerTest::EventViewer {
   protected:
-    void open() {
-        window = std::make_unique<viewer::EventWindow>(Language::english);
-        window->show();
-        QApplication::setActiveWindow(window.get());
-        table = window->findChild<QTableView*>("tableEvents");
-        settle();
-    }
-    // What is read and asked beside the window has come.
-    void settle() {
-        EXPECT_TRUE(QTest::qWaitFor([this] { return window->isAtRest(); }, 30000));
-    }
-    QString cell(int row, int column) const { return table->model()->index(row, column).data().toString(); }
-    QString sources() const {
-        QStringList all;
-        for (int row = 0; row < table->model()->rowCount(); ++row)
-            all << cell(row, 3);
-        return all.join(",");
-    }
-    template <class Control>
-    Control& find(const char* name) {
-        return *window->findChild<Control*>(name);
-    }
-
-    support::TemporaryHost host;
-    std::unique_ptr<viewer::EventWindow> window;
-    QTableView* table = nullptr;
+    QString sources() const { return column(3); }
 };
 
 TEST_F(EventViewer, CopiesInAFormThatTheConsoleReadsInEveryLanguage) {
@@ -83,7 +57,7 @@ TEST_F(EventViewer, ShowsTheNewestFirstAndWhatIsChosen) {
     platform::appendEvent(record(2, "Middle", 2));
     platform::appendEvent(record(1, "New", 3, "the end"));
     open();
-    EXPECT_EQ(sources(), "New,Middle,Old");
+    EXPECT_EQ(sources(), "New|Middle|Old");
     EXPECT_EQ(cell(0, 0) + cell(0, 1) + cell(0, 2), "Error11/24/20262:05:09 PM");
     EXPECT_TRUE(find<QPlainTextEdit>("txtDetails").toPlainText().endsWith("the end\n"));
     EXPECT_TRUE(table->hasFocus());
@@ -93,20 +67,20 @@ TEST_F(EventViewer, ShowsTheNewestFirstAndWhatIsChosen) {
     platform::appendEvent(record(4, "Newest", 4));
     QTest::keyClick(window.get(), Qt::Key_F5);
     settle();
-    EXPECT_EQ(sources(), "Newest,New,Middle,Old");
+    EXPECT_EQ(sources(), "Newest|New|Middle|Old");
     EXPECT_EQ(table->currentIndex().row(), 2);
     QTest::keyClick(table, Qt::Key_C, Qt::ControlModifier);
     EXPECT_TRUE(QApplication::clipboard()->text().contains("Event Source:\tMiddle\r\n"));
 
-    find<QComboBox>("comboType").setCurrentIndex(1);
-    EXPECT_EQ(sources(), "New,Old");
+    person::chooseRow(find<QComboBox>("comboType"), 1);
+    EXPECT_EQ(sources(), "New|Old");
     EXPECT_EQ(find<QLabel>("lblCount").text(), "2 of 4 events");
     QTest::keyClicks(&find<QLineEdit>("txtFind"), "BEGINNING");
     settle();
     EXPECT_EQ(table->currentIndex().row(), 1);
-    QTest::mouseClick(&find<QPushButton>("cmdCopy"), Qt::LeftButton);
+    person::click(*window, "cmdCopy");
     EXPECT_TRUE(QApplication::clipboard()->text().contains("the beginning"));
-    find<QComboBox>("comboType").setCurrentIndex(4);
+    person::chooseRow(find<QComboBox>("comboType"), 4);
     EXPECT_FALSE(find<QPushButton>("cmdCopy").isEnabled());
     EXPECT_EQ(find<QPlainTextEdit>("txtDetails").toPlainText(), "");
 }
@@ -114,12 +88,12 @@ TEST_F(EventViewer, ShowsTheNewestFirstAndWhatIsChosen) {
 TEST_F(EventViewer, AnEmptyLogIsEmptyAndOneThatCannotBeReadSaysSo) {
     open();
     EXPECT_EQ(sources(), "");
-    find<QLineEdit>("txtFind").setText("x");
-    QTest::mouseClick(&find<QPushButton>("cmdPrevious"), Qt::LeftButton);
+    person::type(find<QLineEdit>("txtFind"), "x");
+    person::click(*window, "cmdPrevious");
     settle();
     EXPECT_EQ(find<QLabel>("lblResult").text(), "Not found: x");
     std::filesystem::create_directories(platform::host::eventLogsFolder() / "System.log");
-    find<QComboBox>("comboLog").setCurrentIndex(1);
+    person::chooseRow(find<QComboBox>("comboLog"), 1);
     settle();
     EXPECT_FALSE(window->findChild<QWidget*>("cmdCopy")->isEnabled());
     EXPECT_NE(window->statusBar()->currentMessage(), "");
@@ -167,21 +141,24 @@ TEST_F(EventViewer, TurnsTheJournalOverWhereTheHostWatchesIt) {
     journal.append("system", entries);
     service::chooseJournal({true, journal.path()});
     open();
-    auto& logs = find<QComboBox>("comboLog");
-    logs.setFocus();
-    QTest::keyClick(&logs, Qt::Key_End);
+    person::chooseRow(find<QComboBox>("comboLog"), 3);
     settle();
     ASSERT_GE(table->model()->rowCount(), 500);
     EXPECT_EQ(cell(0, 3) + cell(1, 3), "sshdcron");
     // A copied record is one that the console takes over.
-    QTest::mouseClick(table->viewport(), Qt::LeftButton, {},
-                      table->visualRect(table->model()->index(0, 3)).center());
-    QTest::mouseClick(&find<QPushButton>("cmdCopy"), Qt::LeftButton);
+    clickRow(0);
+    person::click(*window, "cmdCopy");
     std::string source, id;
     std::int16_t type = -1;
     EXPECT_TRUE(mdlUtility::checkEventFromClipboardText(QApplication::clipboard()->text().toStdString(),
                                                         source, id, type));
     EXPECT_EQ(source + " " + id, "sshd 0");
+
+    // Under its caption stands the journal, and no other log, also when it is switched off meanwhile.
+    service::chooseJournal({false, journal.path()});
+    QTest::keyClick(window.get(), Qt::Key_F5);
+    settle();
+    EXPECT_EQ(cell(0, 3), "sshd");
 }
 
 }  // namespace

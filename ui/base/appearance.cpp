@@ -10,7 +10,6 @@
 #include <QToolTip>
 #include <QWidget>
 #include <algorithm>
-#include <vector>
 
 #include "ui/base/contrast.h"
 

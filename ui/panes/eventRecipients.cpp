@@ -11,6 +11,7 @@
 #include "ui/dialogs/dlgEditRecipients.h"
 #include "ui/dialogs/dlgRecipient.h"
 #include "ui/parts/mdlRecDevices.h"
+#include "ui/parts/rowText.h"
 #include "ui/widgets/keyedTree.h"
 
 namespace {
@@ -72,8 +73,7 @@ bool EventRecipients::edit(long eventKey, const std::string& eventName) {
 }
 
 bool EventRecipients::isEventGone(long eventKey) {
-    const platform::Recordset event = mdlDatabase::getEvent(eventKey);
-    return event.state() == platform::ObjectState::open && event.EOF_();
+    return ui::isGone(mdlDatabase::getEvent(eventKey));
 }
 
 void EventRecipients::assignFirst(core::Frame& frame, long eventKey, const std::string& eventName) {

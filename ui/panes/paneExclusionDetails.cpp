@@ -16,6 +16,7 @@
 #include "platform/ado/ado.h"
 #include "ui/base/controls.h"
 #include "ui/base/text.h"
+#include "ui/parts/rowText.h"
 #include "ui/widgets/numberBox.h"
 
 namespace {
@@ -155,8 +156,7 @@ void paneExclusionDetails::cmdExclusionApply_Click() {
             return;
         const long key = *shownKey_;
         exclusionChanged_ = false;
-        const platform::Recordset row = mdlDatabase::getExclusion(key);
-        if (row.state() == platform::ObjectState::open && row.EOF_()) {
+        if (ui::isGone(mdlDatabase::getExclusion(key))) {
             core::gLog().log("Not saved, because it is not in the database any more: " +
                                  ui::toUtf8(txtExclusionSource->text()) + " Key: " + std::to_string(key),
                              core::logWarning, frame.tag());

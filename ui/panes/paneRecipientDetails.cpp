@@ -200,8 +200,7 @@ void paneRecipientDetails::save() {
     recipientChanged_ = false;
     cmdRecipientApply->setEnabled(false);
     // One that somebody else deleted, which the log tells, is not shown any longer.
-    const Recordset row = mdlDatabase::getRecipient(key);
-    if (row.state() == platform::ObjectState::open && row.EOF_())
+    if (ui::isGone(mdlDatabase::getRecipient(key)))
         blank();
 }
 

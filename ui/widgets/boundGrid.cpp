@@ -222,8 +222,6 @@ void BoundGrid::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void BoundGrid::keyPressEvent(QKeyEvent* event) {
-    if (showTipByKey(*this, *event))
-        return;
     const int before = currentGridRow();
     const bool confirms = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (confirms && before > 0) {

@@ -1,9 +1,10 @@
 // The tips of cells and nodes.
 #pragma once
 
+#include <functional>
+
 class QAbstractItemView;
 class QHelpEvent;
-class QKeyEvent;
 
 namespace ui {
 
@@ -11,9 +12,8 @@ namespace ui {
 // nothing to show, because a cell that shows all it has needs no tip.
 bool showCutText(const QAbstractItemView& view, const QHelpEvent& event);
 
-// Ctrl+F1 asks for the tip of what is chosen, as a pointer that rests there does.
-bool isTipKey(const QKeyEvent& event);
-// Does so for that key, and is true then.
-bool showTipByKey(QAbstractItemView& view, const QKeyEvent& event);
+// From now on Ctrl+F1 in the view asks for the tip of what is chosen, as a pointer that rests there does.
+// `prepare` is called before each such question.
+void showTipByKey(QAbstractItemView& view, std::function<void()> prepare = {});
 
 }  // namespace ui

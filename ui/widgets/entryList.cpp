@@ -16,6 +16,7 @@ EntryList::EntryList(QWidget* parent) : QListWidget(parent) {
     setSelectionMode(QAbstractItemView::SingleSelection);
     setUniformItemSizes(true);
     chooseByLeftButtonOnly(*this);
+    showTipByKey(*this);
     // An address that does not fit is cut and has a tip, so that the few lines need no scroll bar below.
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setTextElideMode(Qt::ElideMiddle);

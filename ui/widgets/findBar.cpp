@@ -10,18 +10,9 @@
 #include <QShortcut>
 #include <utility>
 
+#include "ui/base/controls.h"
+
 namespace ui {
-
-namespace {
-
-template <class Control>
-Control* named(const char* name, QWidget* parent) {
-    auto* control = new Control(parent);
-    control->setObjectName(name);
-    return control;
-}
-
-}  // namespace
 
 FindBar::FindBar(const FindTexts& texts, Target target, QWidget* parent)
     : QWidget(parent), texts_(texts), target_(std::move(target)), row_(new QHBoxLayout(this)) {
@@ -52,23 +43,23 @@ void FindBar::takeKeys() {
 
 void FindBar::createControls() {
     row_->setContentsMargins(0, 0, 0, 0);
-    lblFind_ = named<QLabel>("lblFind", this);
-    txtFind_ = named<QLineEdit>("txtFind", this);
+    lblFind_ = makeControl<QLabel>(this, "lblFind");
+    txtFind_ = makeControl<QLineEdit>(this, "txtFind");
     txtFind_->setClearButtonEnabled(true);
     txtFind_->setMaximumWidth(320);
     txtFind_->installEventFilter(this);
     lblFind_->setBuddy(txtFind_);
-    cmdNext_ = named<QPushButton>("cmdNext", this);
-    cmdPrevious_ = named<QPushButton>("cmdPrevious", this);
+    cmdNext_ = makeControl<QPushButton>(this, "cmdNext");
+    cmdPrevious_ = makeControl<QPushButton>(this, "cmdPrevious");
     for (QPushButton* button : {cmdNext_, cmdPrevious_})
         button->setAutoDefault(false);
-    chkOnlyMatches_ = named<QCheckBox>("chkOnlyMatches", this);
-    lblResult_ = named<QLabel>("lblResult", this);
+    chkOnlyMatches_ = makeControl<QCheckBox>(this, "chkOnlyMatches");
+    lblResult_ = makeControl<QLabel>(this, "lblResult");
     lblResult_->setTextFormat(Qt::PlainText);
     // A long text asks for no wider window; its tip has the whole of it.
     lblResult_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     txtFind_->setMinimumWidth(txtFind_->fontMetrics().averageCharWidth() * 16);
-    lblHidden_ = named<QLabel>("lblHidden", this);
+    lblHidden_ = makeControl<QLabel>(this, "lblHidden");
     lblHidden_->setTextFormat(Qt::PlainText);
     lblHidden_->setBackgroundRole(QPalette::Highlight);
     lblHidden_->setForegroundRole(QPalette::HighlightedText);
@@ -112,7 +103,7 @@ void FindBar::setSubject(const QString& subject) {
 }
 
 void FindBar::nameLine() {
-    const QString name = QString(texts_.find).remove('&').remove(':').trimmed();
+    const QString name = plainCaption(texts_.find);
     txtFind_->setAccessibleName(subject_.isEmpty() ? name : name + ": " + subject_);
 }
 
@@ -172,15 +163,11 @@ bool FindBar::eventFilter(QObject* object, QEvent* event) {
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(object, event);
     const auto& key = static_cast<const QKeyEvent&>(*event);
-    switch (key.key()) {
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-            // Not the window's default button.
-            search(key.modifiers() & Qt::ShiftModifier ? Step::previous : Step::next);
-            return true;
-        default:
-            return QWidget::eventFilter(object, event);
-    }
+    if (key.key() != Qt::Key_Return && key.key() != Qt::Key_Enter)
+        return QWidget::eventFilter(object, event);
+    // Not the window's default button.
+    search(key.modifiers() & Qt::ShiftModifier ? Step::previous : Step::next);
+    return true;
 }
 
 // What no control of the bar wants. A dialog would close at this key.

@@ -5,6 +5,15 @@ namespace ui {
 
 enum class Language { english, french, german };
 
+// The one of a system's language id; English for a language that has no texts. Its regions are one language.
+constexpr Language languageOf(long id) {
+    constexpr long primaryLanguage = 0x3FF;
+    constexpr long german = 0x07;
+    constexpr long french = 0x0C;
+    const long primary = id & primaryLanguage;
+    return primary == french ? Language::french : primary == german ? Language::german : Language::english;
+}
+
 struct FindTexts {
     const char* find;
     const char* next;

@@ -3,6 +3,7 @@
 #include <QHeaderView>
 #include <QTableView>
 
+#include "ui/widgets/cellTip.h"
 #include "ui/widgets/leftButton.h"
 
 namespace ui {
@@ -11,6 +12,7 @@ void giveGridLook(QTableView& grid) {
     grid.setSelectionBehavior(QAbstractItemView::SelectRows);
     grid.setSelectionMode(QAbstractItemView::SingleSelection);
     chooseByLeftButtonOnly(grid);
+    showTipByKey(grid);
     grid.setAlternatingRowColors(true);
     grid.setShowGrid(false);
     grid.setWordWrap(false);

@@ -371,8 +371,6 @@ void KeyedGrid::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void KeyedGrid::keyPressEvent(QKeyEvent* event) {
-    if (showTipByKey(*this, *event))
-        return;
     QTableWidget::keyPressEvent(event);
     if (!currentItem())
         return;

@@ -93,6 +93,10 @@ KeyedTree::KeyedTree(QWidget* parent) : QTreeWidget(parent) {
     connect(this, &QTreeWidget::itemCollapsed, this,
             [this](QTreeWidgetItem* item) { emit nodeCollapsed(keyOf(item)); });
     connect(this, &QTreeWidget::itemChanged, this, &KeyedTree::noteCheck);
+    showTipByKey(*this, [this] {
+        if (!selectedKey().empty())
+            emit pointerMoved(visualItemRect(currentItem()).center());  // the tip is that of this node then
+    });
 }
 
 std::size_t KeyedTree::KeyHash::operator()(std::string_view key) const {
@@ -329,10 +333,6 @@ void KeyedTree::mouseMoveEvent(QMouseEvent* event) {
 
 void KeyedTree::keyPressEvent(QKeyEvent* event) {
     const std::string before = selectedKey();
-    if (!before.empty() && isTipKey(*event))
-        emit pointerMoved(visualItemRect(currentItem()).center());  // the tip is that of this node then
-    if (showTipByKey(*this, *event))
-        return;
     {
         const QScopedValueRollback during(inEvent_, true);
         QTreeWidget::keyPressEvent(event);

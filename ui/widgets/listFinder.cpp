@@ -8,9 +8,9 @@
 #include <QShortcut>
 #include <QTableView>
 #include <QTreeView>
+#include <algorithm>
 #include <utility>
 
-#include "core/modLocalize.h"
 #include "core/state.h"
 #include "ui/widgets/keyedTree.h"
 
@@ -19,8 +19,7 @@ namespace ui {
 namespace {
 
 FindTexts presentTexts() {
-    const std::string code = modLocalize::languageIdToCode(core::gLanguageId);
-    return findTexts(code == "DEU" ? Language::german : code == "FRA" ? Language::french : Language::english);
+    return findTexts(languageOf(core::gLanguageId));
 }
 
 bool isHidden(const QAbstractItemView& view, const QModelIndex& row) {
@@ -134,6 +133,16 @@ KeyedTree* choosingTree(QAbstractItemView* view) {
     return tree && tree->isChosenByMoving() ? tree : nullptr;
 }
 
+// A search only marks nodes of a tree whose nodes open something; where it ends is opened, unless the window
+// stood there before.
+void chooseFound(QAbstractItemView* view, std::string& before) {
+    KeyedTree* const tree = choosingTree(view);
+    if (!tree || tree->selectedKey() == before)
+        return;
+    before = tree->selectedKey();
+    tree->chooseSelected();
+}
+
 }  // namespace
 
 ListFinder::ListFinder(QWidget& window, std::function<void(QWidget&)> place)
@@ -163,8 +172,8 @@ QAbstractItemView* ListFinder::wanted() const {
     for (QWidget* widget = QApplication::focusWidget(); widget; widget = widget->parentWidget())
         if (auto* view = qobject_cast<QAbstractItemView*>(widget); view && view->window() == &window_)
             return view;
-    if (view_ && view_->isVisible())
-        return view_;
+    if (last_ && last_->isVisible())
+        return last_;
     for (QAbstractItemView* view : window_.findChildren<QAbstractItemView*>())
         if (view->isVisible() && view->window() == &window_ && !qobject_cast<QHeaderView*>(view))
             return view;
@@ -191,6 +200,7 @@ void ListFinder::open() {
 void ListFinder::attach(QAbstractItemView& view) {
     detach();
     view_ = &view;
+    last_ = &view;
     constexpr int fewLines = 100;
     measuredLines_ = setMeasuredLines(view, fewLines);
     bar_->setSubject(view.accessibleName());
@@ -225,8 +235,8 @@ void ListFinder::detach() {
 
 void ListFinder::close() {
     const QPointer<QAbstractItemView> view = view_;
-    if (view)
-        setMeasuredLines(*view, measuredLines_);
+    std::string before = before_;
+    detach();
     bar_->hide();
     for (QShortcut* key : whileOpen_)
         key->setEnabled(false);
@@ -234,7 +244,7 @@ void ListFinder::close() {
     if (!view)
         return;
     view->scrollTo(view->currentIndex());
-    chooseFound();
+    chooseFound(view, before);
     if (view)
         view->setFocus(Qt::OtherFocusReason);
 }
@@ -286,17 +296,9 @@ void ListFinder::followFocus(QWidget* old, QWidget* now) {
         now->window() != &window_)
         return;
     if (now == view_ && QApplication::mouseButtons() == Qt::NoButton)
-        chooseFound();
+        chooseFound(view_, before_);
     else
         takeBack();
-}
-
-void ListFinder::chooseFound() {
-    KeyedTree* const tree = choosingTree(view_);
-    if (!tree || tree->selectedKey() == before_)
-        return;
-    before_ = tree->selectedKey();
-    tree->chooseSelected();
 }
 
 void ListFinder::takeBack() {

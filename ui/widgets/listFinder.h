@@ -40,14 +40,13 @@ class ListFinder : public QObject {
     void filter(const QString& text);
     void filterAgain();
     void followFocus(QWidget* old, QWidget* now);
-    // A search only marks nodes of a tree whose nodes open something.
-    void chooseFound();
     void takeBack();
 
     QWidget& window_;
     FindBar* bar_;
     std::vector<QShortcut*> whileOpen_;
-    QPointer<QAbstractItemView> view_;
+    QPointer<QAbstractItemView> view_;  // that is searched; none while the bar is closed
+    QPointer<QAbstractItemView> last_;  // that was searched last
     std::string before_;        // key of the tree's node that the window stands on, whatever the search marks
     bool isMarking_ = false;    // the search moves the tree's selection
     int measuredLines_ = 0;     // what a tree measured before the search

@@ -38,20 +38,9 @@ class Options : public uiTest::MainWindow {
     Control& in(const char* name) {
         return *options->findChild<Control*>(name);
     }
-    void click(const char* button) { QTest::mouseClick(&in<QPushButton>(button), Qt::LeftButton); }
+    void click(const char* button) { person::click(*options, button); }
     void showTab(int tab) { person::showPage(in<QTabWidget>("sstabOptions"), tab); }
-    void type(const char* control, const char* keys) {
-        auto& box = in<QWidget>(control);
-        box.setFocus();
-        QTest::keyClick(&box, Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClicks(&box, keys);
-    }
-    void blankSubject() {
-        auto& subject = in<QWidget>("rtbEmailSubject");
-        subject.setFocus();
-        QTest::keyClick(&subject, Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClick(&subject, Qt::Key_Delete);
-    }
+    void type(const char* control, const char* keys) { person::type(in<QWidget>(control), keys); }
     void expectQuestion(BoxAnswer answer) {
         prompts.expect(
             {"The e-mail subject field cannot be left blank.\nYou must enter an e-mail subject before "
@@ -132,7 +121,7 @@ TEST_F(Options, SettingsThatCouldNotBeReadAreNotOverwritten) {
             run("DROP VIEW Configuration; ALTER TABLE Kept RENAME TO Configuration");
             for (const char* button : {"cmdApply", "cmdOk"}) {
                 EXPECT_FALSE(in<QPushButton>(button).isEnabled());
-                click(button);
+                QTest::mouseClick(&in<QPushButton>(button), Qt::LeftButton);
             }
             EXPECT_TRUE(options->isVisible());
         });
@@ -189,7 +178,7 @@ TEST_F(Options, ABlankSubjectIsAskedAboutBeforeAnythingElse) {
     work([&] {
         auto& subject = in<ui::VariableTextBox>("rtbEmailSubject");
         showTab(1);
-        blankSubject();
+        type("rtbEmailSubject", "");
         expectQuestion(BoxAnswer::no);
         click("cmdOk");
         EXPECT_TRUE(options->isVisible());

@@ -54,10 +54,7 @@ class RecipientDialog : public ::testing::Test {
         dialog->displayForm();
         EXPECT_TRUE(script.finished());
     }
-    void click(const char* name) {
-        QTest::mouseClick(find<QAbstractButton>(name), Qt::LeftButton, {},
-                          find<QWidget>(name)->inherits("QPushButton") ? QPoint() : QPoint(8, 12));
-    }
+    void click(const char* name) { person::click(*dialog, name); }
     void type(const char* name, const char* text) { person::type(*find<QLineEdit>(name), text); }
     void expectEnabled(std::initializer_list<const char*> names, bool enabled) {
         for (const char* name : names)

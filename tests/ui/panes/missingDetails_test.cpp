@@ -31,12 +31,6 @@ class MissingDetails : public uiTest::MainWindow {
     void refuseRebuilds() {
         run("CREATE TRIGGER held BEFORE INSERT ON AddressDetails BEGIN SELECT raise(ABORT, 'held'); END");
     }
-    void retype(const char* name, const char* text) {
-        auto* box = find<QLineEdit>(name);
-        box->setFocus();
-        box->selectAll();
-        QTest::keyClicks(box, text);
-    }
     Lines assignments() { return rows("SELECT DeviceKey, Active FROM EventDevice ORDER BY DeviceKey"); }
 
     long event = 0;
@@ -58,7 +52,7 @@ TEST_F(MissingDetails, ARecipientIsNotOfferedForEditingWithoutOneOfHisDevices) {
     EXPECT_TRUE(pane->isEnabled());
     EXPECT_EQ(pane->findChild<ui::EntryList*>("tvSMTPAddresses")->count(), 1);
     QTest::keyClicks(pane->findChild<QLineEdit*>("txtRecipientName"), "x");
-    QTest::mouseClick(pane->findChild<QPushButton*>("cmdRecipientApply"), Qt::LeftButton);
+    person::click(*pane, "cmdRecipientApply");
     EXPECT_EQ(rows("SELECT RecipientName FROM Recipients"), Lines{"Anax"});
     EXPECT_EQ(rows("SELECT DeviceKey FROM Device"), (Lines{"1", "2"}));
     EXPECT_EQ(assignments(), (Lines{"1|-1", "2|-1"}));
@@ -68,8 +62,8 @@ TEST_F(MissingDetails, SavingAnEventLeavesOnWhatItsTreeDidNotShow) {
     open();
     clickNode("EventKey-" + std::to_string(event));
     EXPECT_FALSE(find<ui::KeyedTree>("tvRecipients")->contains("DeviceKey:2"));
-    retype("txtEventTitle", "x");
-    QTest::mouseClick(find<QPushButton>("cmdEventApply"), Qt::LeftButton);
+    person::type(*find<QLineEdit>("txtEventTitle"), "x");
+    press("cmdEventApply");
     EXPECT_EQ(assignments(), (Lines{"1|-1", "2|-1"}));
     EXPECT_GE(host.countInLog("Stays on the event without being shown: DeviceKey:2"), 1);
 
@@ -78,7 +72,7 @@ TEST_F(MissingDetails, SavingAnEventLeavesOnWhatItsTreeDidNotShow) {
     dlgEditRecipients dialog(nullptr);
     script.expect("dlgEditRecipients", [](QWidget& shown) {
         EXPECT_TRUE(shown.findChild<ui::KeyedTree*>("tvRecipients")->isChecked("DeviceKey:2"));
-        QTest::mouseClick(shown.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
+        person::click(shown, "cmdOk");
     });
     dialog.displayForm(event, "Alarm (9)");
     EXPECT_EQ(dialog.selectedDevices.keys(), (Lines{"DeviceKey:1", "DeviceKey:2"}));

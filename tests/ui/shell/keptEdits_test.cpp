@@ -45,13 +45,7 @@ class KeptEdits : public uiTest::MainWindow {
         if (!window)
             open();
         clickNode(eventNode(key));
-        retype("txtEventTitle", notes);
-    }
-    void retype(const char* name, const char* text) {
-        auto* box = find<QLineEdit>(name);
-        box->setFocus();
-        box->selectAll();
-        QTest::keyClicks(box, text);
+        person::type(*find<QLineEdit>("txtEventTitle"), notes);
     }
     std::string counts() {
         return value(
@@ -95,7 +89,7 @@ TEST_F(KeptEdits, APopupActsOnlyOnANodeOfItsOwnKind) {
     }
     prompts.expect(saveQuestion("Event"), BoxAnswer::no);
     clickNode(recipientNode(first));
-    retype("txtRecipientName", "Bo");
+    person::type(*find<QLineEdit>("txtRecipientName"), "Bo");
     prompts.expect(saveQuestion("Recipient"), BoxAnswer::cancel);
     script.expectMenu("mnuPopupDeleteEvent");
     clickNode(eventNode(first), Qt::RightButton);
@@ -105,7 +99,7 @@ TEST_F(KeptEdits, APopupActsOnlyOnANodeOfItsOwnKind) {
 TEST_F(KeptEdits, TheTreeIsWholeBeforeANodeIsChosenInIt) {
     open();
     clickNode(recipientNode(second));
-    retype("txtRecipientName", "Bo");
+    person::type(*find<QLineEdit>("txtRecipientName"), "Bo");
     prompts.expect(saveQuestion("Recipient"), BoxAnswer::cancel);
     window->loadNavigationTree(first);
     EXPECT_EQ(tree->selectedKey(), recipientNode(second));
@@ -124,7 +118,7 @@ TEST_F(KeptEdits, WhatIsDeletedIsForgottenWithItsEdits) {
     EXPECT_EQ(visiblePane(), 0);
     EXPECT_EQ(value("SELECT count(*) FROM Contents WHERE EventKey = " + std::to_string(first)), "0");
     clickNode(recipientNode(first));
-    retype("txtRecipientName", "Bo");
+    person::type(*find<QLineEdit>("txtRecipientName"), "Bo");
     prompts.expect({"Are your sure you want to delete recipient: Ana " + std::to_string(first),
                     "Delete Selected Recipient?", BoxIcon::question, BoxButtons::yesNo},
                    BoxAnswer::yes);

@@ -55,9 +55,7 @@ class FindInLists : public uiTest::MainWindow {
         }
         return longest;
     }
-    void tickFilter() {
-        QTest::mouseClick(bar->findChild<QCheckBox*>("chkOnlyMatches"), Qt::LeftButton, {}, {8, 8});
-    }
+    void tickFilter() { person::click(*bar, "chkOnlyMatches"); }
     QString sign() const {
         const auto* label = bar->findChild<QLabel*>("lblHidden");
         return label->isVisible() ? label->text() : QString();
@@ -102,7 +100,7 @@ TEST_F(FindInLists, TheTreeIsSearchedAndStandsWhereTheSearchEnds) {
     openAt(*tree);
     type("18");
     EXPECT_EQ(tree->selectedKey(), secondKey);
-    find<QLineEdit>("txtEventTitle")->setFocus();
+    person::clickInto(*find<QLineEdit>("txtEventTitle"));
     EXPECT_EQ(tree->selectedKey(), firstKey);
     QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
     EXPECT_EQ(bar->findChild<QCheckBox*>("chkOnlyMatches")->text(), "Only matching rows")
@@ -115,14 +113,13 @@ TEST_F(FindInLists, TheTreeIsSearchedAndStandsWhereTheSearchEnds) {
     openAt(*tree);
     clickNode(secondKey);
     QTest::keyClick(tree, Qt::Key_F, Qt::ControlModifier);
-    line->setFocus();
-    QTest::keyClick(line, Qt::Key_A, Qt::ControlModifier);
+    person::type(*line, "");
     type("17");
     EXPECT_EQ(tree->selectedKey(), firstKey);
-    find<QLineEdit>("txtEventTitle")->setFocus();
+    person::clickInto(*find<QLineEdit>("txtEventTitle"));
     EXPECT_EQ(tree->selectedKey(), secondKey) << "whose pane is shown";
     const int width = window->minimumSizeHint().width();
-    line->setFocus();
+    person::clickInto(*line);
     type(QString(300, 'x'));
     EXPECT_EQ(window->minimumSizeHint().width(), width) << "what is not found widens nothing";
 }
@@ -135,7 +132,7 @@ TEST_F(FindInLists, FiltersListsOfFiveThousandWithinAFrameAndSaysSo) {
 #endif
     addRecipients(5000);
     open();
-    window->selectNode("keyRecipients");
+    clickNode("keyRecipients");
     auto& recipients = *find<ui::KeyedGrid>("vsflexgridAllRecipients");
     ASSERT_EQ(recipients.rowCount(), 5000);
     openAt(recipients);
@@ -148,8 +145,7 @@ TEST_F(FindInLists, FiltersListsOfFiveThousandWithinAFrameAndSaysSo) {
     const long first = worked() - before;
     EXPECT_EQ(sign(), "Filter: 1 of 5,000 rows are shown");
     EXPECT_EQ(shownRows(recipients), 1);
-    line->setFocus();
-    line->clear();
+    person::type(*line, "");
     EXPECT_EQ(shownRows(recipients), 5000);
     const long filters = type("12");
     EXPECT_EQ(shownRows(recipients), 199);
@@ -161,13 +157,12 @@ TEST_F(FindInLists, FiltersListsOfFiveThousandWithinAFrameAndSaysSo) {
     openAt(*tree);
     const long treeJumps = type("person 4999");
     tickFilter();
-    line->setFocus();
-    line->clear();
+    person::type(*line, "");
     const long treeFilters = type("12");
     EXPECT_EQ(sign(), "Filter: 200 of 5,004 rows are shown");
     // A rebuilt tree is filtered anew.
     window->loadNavigationTree();
-    line->setFocus();
+    person::clickInto(*line);
     QApplication::processEvents();
     EXPECT_EQ(sign(), "Filter: 200 of 5,004 rows are shown");
     QTest::keyClick(line, Qt::Key_Escape);
@@ -192,13 +187,13 @@ TEST_F(FindInLists, TheChoiceOfRecipientsIsSearchedInTheChosenLanguage) {
         EXPECT_EQ(recipients.selectedKey(), "DeviceKey:17");
         tickFilter();
         EXPECT_EQ(sign(), "Filter: 2 von 60 Zeilen werden gezeigt");
-        line->setFocus();
+        person::clickInto(*line);
         QTest::keyClick(line, Qt::Key_Return);
         EXPECT_TRUE(shown.isVisible()) << "Return goes on, it is not OK";
         QTest::keyClick(line, Qt::Key_Escape);
         EXPECT_TRUE(shown.isVisible()) << "Escape closes the bar and not the window";
         QTest::keyClick(&recipients, Qt::Key_Space);
-        QTest::mouseClick(shown.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
+        person::click(shown, "cmdOk");
     });
     dialog.displayForm(event, "Backup");
     EXPECT_EQ(dialog.selectedDevices.keys(), std::vector<std::string>{"DeviceKey:17"});

@@ -4,10 +4,12 @@
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QSignalSpy>
+#include <QToolTip>
 #include <QtTest/QTest>
 
 #include "platform/failure.h"
 #include "ui/shell/cTooltip.h"
+#include "ui/widgets/entryList.h"
 #include "ui/widgets/keyedGrid.h"
 #include "ui/widgets/keyedTree.h"
 #include "ui/widgets/numberBox.h"
@@ -181,6 +183,22 @@ TEST(KeyedGrid, AFillLeavesExactlyTheRowsThatWereAdded) {
     EXPECT_EQ(grid.item(0, 1)->data(Qt::AccessibleTextRole), "Post") << "in the present language";
     { const KeyedGrid::Fill nothing(grid); }
     EXPECT_EQ(grid.gridRowCount(), 201);
+}
+
+TEST(EntryList, AnAddressThatIsCutIsReadByTheKeyForTips) {
+    ui::EntryList list;
+    list.addEntry("1", "short@b");
+    list.addEntry("2", std::string(200, 'w') + "@b");
+    list.resize(150, 100);
+    list.show();
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualItemRect(list.item(0)).center());
+    QTest::keyClick(&list, Qt::Key_F1, Qt::ControlModifier);
+    EXPECT_FALSE(QToolTip::isVisible()) << "what is not cut has no tip";
+    QTest::keyClick(&list, Qt::Key_Down);
+    QTest::keyClick(&list, Qt::Key_F1, Qt::ControlModifier);
+    EXPECT_TRUE(QToolTip::isVisible());
+    EXPECT_EQ(QToolTip::text(), list.item(1)->text());
+    QToolTip::hideText();
 }
 
 TEST(NumberBox, TakesWholeNumbersWithinItsLimitsOnly) {
