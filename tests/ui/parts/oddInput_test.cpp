@@ -26,7 +26,6 @@
 #include "ui/dialogs/dlgEvent.h"
 #include "ui/dialogs/dlgExclusions.h"
 #include "ui/dialogs/dlgRecipient.h"
-#include "ui/dialogs/dlgServicePassword.h"
 #include "ui/parts/deviceTabs.h"
 #include "ui/widgets/entryList.h"
 #include "ui/widgets/limitsSign.h"
@@ -108,17 +107,6 @@ TEST_F(OddInput, AnAddressThatWasTypedAndNotAddedIsSaved) {
     person::type(*box, "none");
     press("cmdRecipientApply");
     EXPECT_EQ(addresses(), std::vector<std::string>{"new@d"});
-}
-
-TEST(OddInputAlone, APasswordBoxTakesWhatFitsAndRefusesItsOwnStandIn) {
-    dlgServicePassword dialog;
-    dialog.show();
-    auto* box = dialog.findChild<QLineEdit*>("txtPassword");
-    paste(*box, QString(QChar(0xE000)));
-    EXPECT_TRUE(dialog.takePassword().empty());
-    QTest::keyClicks(box, "ab");
-    paste(*box, QString("x") + QChar(0xE000) + "y");
-    EXPECT_EQ(dialog.takePassword().view(), "ab");
 }
 
 TEST(OddInputAlone, ASubjectStaysOnOneLineHoweverItComes) {
